@@ -1,0 +1,30 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "vesk/system/Exception.h"
+
+#include <gtest/gtest.h>
+
+#include <memory>
+
+/// Calls `callable` and expects it to throw an ExceptionType, not a class derived from it, with exactly
+/// `message`. Returns what was thrown, for a closer look, or null.
+template <class ExceptionType, class Callable>
+std::shared_ptr<ExceptionType> ExpectFailure(const System::String& message, Callable&& callable,
+                                             const char* file = __builtin_FILE(),
+                                             int line = __builtin_LINE()) {
+    const testing::ScopedTrace caller(file, line, "expected failure");
+    try {
+        static_cast<void>(callable());
+    } catch (const std::shared_ptr<System::Exception>& thrown) {
+        const auto failure = std::dynamic_pointer_cast<ExceptionType>(thrown);
+        if (!failure || !(failure->ExceptionType::TypeName() == failure->TypeName()))
+            ADD_FAILURE() << "another type: " << thrown->ToString().Value();
+        EXPECT_TRUE(thrown->Message() == message)
+            << "thrown:   " << thrown->ToString().Value()
+            << "\nexpected: " << (message.IsNull() ? std::string("no message") : message.Value());
+        return failure;
+    }
+    ADD_FAILURE() << "nothing was thrown";
+    return nullptr;
+}

@@ -1,0 +1,12 @@
+// SPDX-License-Identifier: MIT
+#include "vesk/hostinterface/RuntimeConfig.h"
+
+namespace Vesk {
+
+bool RuntimeConfig::_printMailbox = false;
+bool RuntimeConfig::_printVelmoHandshake = false;
+bool RuntimeConfig::_printApplicationHandshake = false;
+bool RuntimeConfig::_printHostInterfaceDump = false;
+System::String RuntimeConfig::_hostInterfaceDumpPath = "/tmp/hostinterface.bin";
+
+} // namespace Vesk

@@ -1,0 +1,73 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "vesk/system/Checks.h"
+#include "vesk/system/MakeShared.h"
+#include "vesk/system/Object.h"
+
+#include <memory>
+#include <vector>
+
+namespace System::Collections::Generic {
+
+/// A run of elements that can be counted and read by index.
+template <class T>
+class IList : public Object {
+public:
+    virtual int Count() const = 0;
+    /// ArgumentOutOfRangeException outside 0 .. Count() - 1.
+    virtual T Get(int index) const = 0;
+};
+
+/// A list that grows at its end.
+template <class T>
+class List : public IList<T> {
+public:
+    static std::shared_ptr<List> Create() { return MakeShared<List>(); }
+
+    void Add(T element) { _elements.push_back(std::move(element)); }
+
+    int Count() const override { return static_cast<int>(_elements.size()); }
+
+    T Get(int index) const override {
+        if (index < 0)
+            _throw_not_less_exception(index, 0, "index", "zero");
+        if (index >= Count())
+            _throw_not_greater_exception(index, Count() - 1, "index", "count - 1");
+        return _elements[static_cast<std::size_t>(index)];
+    }
+
+    auto begin() const { return _elements.begin(); }
+
+    auto end() const { return _elements.end(); }
+
+protected:
+    List() = default;
+
+private:
+    std::vector<T> _elements;
+};
+
+/// A list that can only be read; it shows the list that it was made over.
+template <class T>
+class ReadOnlyCollection : public IList<T> {
+public:
+    /// ArgumentNullException without a list.
+    static std::shared_ptr<ReadOnlyCollection> Create(std::shared_ptr<IList<T>> list) {
+        if (!list)
+            _throw_argument_null_exception("list");
+        return MakeShared<ReadOnlyCollection>(std::move(list));
+    }
+
+    int Count() const override { return _list->Count(); }
+
+    T Get(int index) const override { return _list->Get(index); }
+
+protected:
+    explicit ReadOnlyCollection(std::shared_ptr<IList<T>> list) : _list(std::move(list)) {}
+
+private:
+    std::shared_ptr<IList<T>> _list;
+};
+
+} // namespace System::Collections::Generic
