@@ -1,0 +1,133 @@
+// SPDX-License-Identifier: MIT
+#include "tests/support/ExpectFailure.h"
+
+#include "vesk/mailbox/Header.h"
+#include "vesk/system/io/IOException.h"
+
+using System::Array;
+using Vesk::Mailbox::ErrorCode;
+using Vesk::Mailbox::Header;
+using Vesk::Mailbox::MessageType;
+
+namespace {
+
+/// Three bytes, then a header with another value in every field: a response, "Production", error 0x8F.
+constexpr unsigned char STORED[] = {
+    0xAA, 0xAA, 0xAA,                                           //
+    0x01, 0x02, 0x8F, 0x06, 0x03, 0x04, 0x05, 0x06,             // id, information, command, data size
+    0x07, 0x08, 0x09, 0x0A, 0x0B, 0x0C, 0x0D, 0x0E,             // frames, frame, offset
+    0x10, 0x11, 0x12, 0x13, 0x14, 0x15, 0x16, 0x17, 0x18, 0x19, //
+    0x1A, 0x1B, 0x1C, 0x1D, 0x1E, 0x1F,                         // extended words
+};
+
+std::shared_ptr<Array<unsigned char>> Stored() {
+    return Array<unsigned char>::Create(std::vector<unsigned char>(std::begin(STORED), std::end(STORED)));
+}
+
+std::shared_ptr<Header> WithInformation(int information) {
+    const auto bytes = Array<unsigned char>::Create(32);
+    bytes->Set(2, static_cast<unsigned char>(information >> 8));
+    bytes->Set(3, static_cast<unsigned char>(information & 0xFF));
+    return Header::FromArray(bytes, 0, true);
+}
+
+std::shared_ptr<Header> Make(std::shared_ptr<MessageType> type, std::shared_ptr<ErrorCode> error,
+                             std::shared_ptr<System::IArray<unsigned short>> extended) {
+    return Header::Create(0x0102, std::move(type), std::move(error), true, 0x0016, 0, 1, 1, 0,
+                          std::move(extended));
+}
+
+TEST(Header, ReadsEveryFieldInEitherByteOrder) {
+    const auto big = Header::FromArray(Stored(), 3, true);
+    EXPECT_EQ(big->MessageId, 0x0102);
+    EXPECT_EQ(big->MessageType, MessageType::PRODUCTION);
+    EXPECT_EQ(big->Error, ErrorCode::INVALID_OTHER);
+    EXPECT_FALSE(big->IsRequest);
+    EXPECT_EQ(big->Command, 0x0304);
+    EXPECT_EQ(big->DataSize, 0x0506);
+    EXPECT_EQ(big->TotalFrameCount, 0x0708);
+    EXPECT_EQ(big->FrameNumber, 0x090A);
+    EXPECT_EQ(big->Offset, 0x0B0C0D0Eu);
+    EXPECT_EQ(big->ToString().Value(), "Response\nID: 0x102\nType: Production\nCommand: 0x304\n"
+                                       "Data size: 0x506\nTotal frame count: 0x708\nFrame number: 0x90a\n"
+                                       "Offset: 0xb0c0d0e\n"
+                                       "Extended: [1011, 1213, 1415, 1617, 1819, 1a1b, 1c1d, 1e1f]\n");
+
+    const auto swapped = Stored();
+    swapped->Set(5, 0x02);
+    swapped->Set(6, 0x43); // an error without its flag
+    ExpectFailure<System::ArgumentException>("3", [&] { return Header::FromArray(swapped, 3, false); });
+    swapped->Set(6, 0xC3);
+    const auto little = Header::FromArray(swapped, 3, false);
+    EXPECT_EQ(little->Error, ErrorCode::DATA_SIZE);
+    EXPECT_EQ(little->ToString().Value(), "Request\nID: 0x201\nType: Fieldbus\nCommand: 0x403\n"
+                                          "Data size: 0x605\nTotal frame count: 0x807\nFrame number: 0xa09\n"
+                                          "Offset: 0xe0d0c0b\n"
+                                          "Extended: [1110, 1312, 1514, 1716, 1918, 1b1a, 1d1c, 1f1e]\n");
+}
+
+TEST(Header, WritesWhatItRead) {
+    const auto bytes = Array<unsigned char>::Create(36);
+    Header::FromArray(Stored(), 3, true)->ToArray(bytes, 3);
+    EXPECT_TRUE(std::equal(std::begin(STORED) + 3, std::end(STORED), bytes->Data() + 3));
+    EXPECT_EQ(bytes->Get(2), 0);
+    EXPECT_EQ(bytes->Get(35), 0);
+
+    Make(MessageType::FIELDBUS, ErrorCode::NO_ERROR, Array<unsigned short>::Create(8))->ToArray(bytes, 0);
+    const std::vector<unsigned char> request = {1, 2, 0x40, 2, 0, 0x16, 0, 0, 0, 1, 0, 1, 0, 0, 0, 0};
+    EXPECT_TRUE(std::equal(request.begin(), request.end(), bytes->Data()));
+    EXPECT_TRUE(std::all_of(bytes->Data() + 16, bytes->Data() + 32, [](int byte) { return byte == 0; }));
+}
+
+TEST(Header, DecodesTheInformationWord) {
+    const auto error = WithInformation(0x8302);
+    EXPECT_EQ(error->Error, ErrorCode::DATA_SIZE);
+    EXPECT_EQ(error->MessageType, MessageType::FIELDBUS);
+    EXPECT_FALSE(error->IsRequest);
+    for (const int plain : {0x0002, 0x3002}) { // bits 12 and 13 mean nothing
+        EXPECT_EQ(WithInformation(plain)->Error, ErrorCode::NO_ERROR);
+        EXPECT_FALSE(WithInformation(plain)->IsRequest);
+    }
+    EXPECT_TRUE(WithInformation(0x4002)->IsRequest);
+    EXPECT_EQ(WithInformation(0x8002)->Error, ErrorCode::MESSAGE_ID);
+
+    const struct {
+        int information;
+        const char* undefined;
+    } cases[] = {{0x0502, "5"}, {0x8A02, "138"}, {0x0000, "0"},
+                 {0x0007, "7"}, {0x0012, "18"},  {0x0F07, "15"}};
+
+    for (const auto& c : cases)
+        ExpectFailure<System::ArgumentException>(c.undefined, [&] { return WithInformation(c.information); });
+}
+
+TEST(Header, RefusesIncompleteFields) {
+    const auto words = Array<unsigned short>::Create(8);
+    const auto& type = MessageType::FIELDBUS;
+    const auto& error = ErrorCode::NO_ERROR;
+    ExpectFailure<System::ArgumentNullException>("type must not be null",
+                                                 [&] { return Make(nullptr, nullptr, nullptr); });
+    ExpectFailure<System::ArgumentNullException>("error must not be null",
+                                                 [&] { return Make(type, nullptr, nullptr); });
+    ExpectFailure<System::ArgumentNullException>("extended must not be null",
+                                                 [&] { return Make(type, error, nullptr); });
+    for (const int count : {0, 7, 9})
+        ExpectFailure<System::ArgumentOutOfRangeException>(
+            std::to_string(count), [&] { return Make(type, error, Array<unsigned short>::Create(count)); });
+    EXPECT_EQ(Make(type, error, words)->Extended, words);
+}
+
+TEST(Header, NeedsAll32Bytes) {
+    const auto header = Header::FromArray(Stored(), 3, true);
+    for (const int offset : {-1, 1, 33, 2147483647}) {
+        const auto bytes = Array<unsigned char>::Create(32);
+        const auto text = "No mailbox header at byte " + std::to_string(offset) + " of 32";
+        ExpectFailure<System::IO::EndOfStreamException>(
+            text, [&] { return Header::FromArray(bytes, offset, true); });
+        ExpectFailure<System::IO::IOException>(text, [&] { header->ToArray(bytes, offset); });
+    }
+    ExpectFailure<System::ArgumentNullException>("array must not be null",
+                                                 [] { return Header::FromArray(nullptr, 0, true); });
+}
+
+} // namespace
