@@ -1,0 +1,46 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "vesk/io/InputSegment.h"
+#include "vesk/io/Placement.h"
+
+namespace Vesk::IO {
+
+/// The part of the DPRAM into which the host writes the process data that go to the bus. It is written, all
+/// segments together, when the module has handed it over and a mapped byte has changed.
+class InArea : public System::Object {
+public:
+    /// `size` bytes from DPRAM `offset` on. ArgumentNullException without a host interface.
+    static std::shared_ptr<InArea> Create(unsigned short offset, unsigned short size,
+                                          std::shared_ptr<HostInterface::IHostInterface> hostInterface);
+
+    /// Maps `count` bytes of `src` from `srcOffset` on to `offset`, counted from the start of the area.
+    /// ConfigException for a place outside the area or one that is taken, ArgumentNullException without an
+    /// array, ArgumentOutOfRangeException for a negative count; nothing is mapped then.
+    void MapInputData(unsigned short offset, std::shared_ptr<System::IArray<unsigned char>> src,
+                      int srcOffset, int count);
+
+    /// The module has handed the area to the host.
+    void Acquired() { _acquired = true; }
+
+    /// Writes the area if it is the host's and a mapped byte has changed; true when it has been written and
+    /// is to be released. ArgumentOutOfRangeException for a segment that leaves its array.
+    bool Update();
+
+    /// Bytes of all segments together.
+    unsigned short TotalMapped() const { return _placement.TotalMapped(); }
+
+    /// The largest offset, counted from the start of the area, behind the last byte of a segment.
+    unsigned short HighestEnd() const { return _placement.HighestEnd(); }
+
+protected:
+    InArea(unsigned short offset, unsigned short size,
+           std::shared_ptr<HostInterface::IHostInterface> hostInterface);
+
+private:
+    bool _acquired = false;
+    std::shared_ptr<HostInterface::IHostInterface> _hostInterface;
+    Placement<InputSegment> _placement;
+};
+
+} // namespace Vesk::IO

@@ -1,0 +1,62 @@
+// SPDX-License-Identifier: MIT
+#include "vesk/io/InputSegment.h"
+
+#include "vesk/system/text/StringBuilder.h"
+
+#include <cstring>
+
+namespace Vesk::IO {
+
+std::shared_ptr<InputSegment>
+InputSegment::Create(std::shared_ptr<HostInterface::IHostInterface> hostInterface, unsigned short dpRamOffset,
+                     std::shared_ptr<System::IArray<unsigned char>> src, int srcOffset, int count) {
+    if (!hostInterface)
+        System::_throw_argument_null_exception("hostInterface");
+    if (!src)
+        System::_throw_argument_null_exception("src");
+    return System::MakeShared<InputSegment>(std::move(hostInterface), dpRamOffset, std::move(src), srcOffset,
+                                            count);
+}
+
+InputSegment::InputSegment(std::shared_ptr<HostInterface::IHostInterface> hostInterface,
+                           unsigned short dpRamOffset, std::shared_ptr<System::IArray<unsigned char>> src,
+                           int srcOffset, int count)
+    : _hostInterface(std::move(hostInterface)),
+      _dpRamOffset(dpRamOffset),
+      _src(std::move(src)),
+      _shadow(System::Array<unsigned char>::Create(count)),
+      _srcOffset(srcOffset) {}
+
+bool InputSegment::Updated() {
+    if (!_updated && Count() > 0)
+        _updated = std::memcmp(_shadow->Data(), Source(), static_cast<std::size_t>(Count())) != 0;
+    return _updated;
+}
+
+void InputSegment::Copy() {
+    if (Count() > 0)
+        std::memcpy(_shadow->Data(), Source(), static_cast<std::size_t>(Count()));
+    _hostInterface->Write(_dpRamOffset, _shadow, 0, Count());
+    _updated = false;
+}
+
+const unsigned char* InputSegment::Source() const {
+    if (_srcOffset < 0)
+        System::_throw_not_less_exception(_srcOffset, 0, "srcOffset", "zero");
+    if (static_cast<std::int64_t>(_srcOffset) + Count() > _src->Count())
+        System::_throw_range_exception(_srcOffset, Count(), _src->Count(), "srcOffset", "count", "src");
+    return _src->Data() + _srcOffset;
+}
+
+System::String InputSegment::ToString() const {
+    return System::Text::StringBuilder()
+        .Append("InputSegment dpRamOffset: ")
+        .Append(_dpRamOffset)
+        .Append(", src: ")
+        .Append(_srcOffset)
+        .Append(", count: ")
+        .Append(Count())
+        .ToString();
+}
+
+} // namespace Vesk::IO
