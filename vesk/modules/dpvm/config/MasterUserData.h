@@ -1,0 +1,65 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "vesk/modules/dpvm/config/IMasterUserData.h"
+
+namespace Vesk::Modules::DPVM::Config {
+
+/// Master user data as read from its binary form, 64 bytes.
+class MasterUserData : public IMasterUserData {
+public:
+    /// Reads the block at the stream's position and leaves the stream behind it. ConfigException for a length
+    /// that is not right, EndOfStreamException where the stream ends early.
+    static std::shared_ptr<IMasterUserData> FromStream(const std::shared_ptr<System::IO::Stream>& stream);
+
+    System::String Class2Name() const override { return _class2Name; }
+
+    unsigned short IdleTime1() const override { return _idleTime1; }
+
+    unsigned short IdleTime2() const override { return _idleTime2; }
+
+    unsigned int DeltaT_TR() const override { return _deltaT_TR; }
+
+    unsigned short Repeater() const override { return _repeater; }
+
+    unsigned char GroupSync() const override { return _groupSync; }
+
+    unsigned char GroupFreeze() const override { return _groupFreeze; }
+
+    unsigned short IdentNr() const override { return _identNr; }
+
+    unsigned char AddressingMode() const override { return _addressingMode; }
+
+    unsigned char StorageFormat() const override { return _storageFormat; }
+
+    unsigned int T_CT() const override { return _t_CT; }
+
+    unsigned char MaxT_SH() const override { return _maxT_SH; }
+
+    void ToStream(const std::shared_ptr<System::IO::Stream>& stream) const override;
+    /// A line for each field.
+    System::String ToString() const override;
+
+protected:
+    explicit MasterUserData(const std::shared_ptr<System::IO::Stream>& stream);
+
+private:
+    /// The fields in the order of the bytes, for reading, writing and printing.
+    template <class Block, class Self>
+    static void Layout(Block& block, Self& self);
+
+    System::String _class2Name;
+    unsigned short _idleTime1;
+    unsigned short _idleTime2;
+    unsigned int _deltaT_TR;
+    unsigned short _repeater;
+    unsigned char _groupSync;
+    unsigned char _groupFreeze;
+    unsigned short _identNr;
+    unsigned char _addressingMode;
+    unsigned char _storageFormat;
+    unsigned int _t_CT;
+    unsigned char _maxT_SH;
+};
+
+} // namespace Vesk::Modules::DPVM::Config
