@@ -1,0 +1,26 @@
+// SPDX-License-Identifier: MIT
+#include "vesk/modules/bootloader/CRC16.h"
+
+namespace Vesk::Modules::Bootloader {
+
+using System::IArray;
+
+std::shared_ptr<CRC16> CRC16::Create() {
+    return System::MakeShared<CRC16>();
+}
+
+void CRC16::Digest(const std::shared_ptr<IArray<unsigned char>>& array, int offset, int count) {
+    if (count <= 0)
+        return;
+    const auto bytes = System::ArraySegment<unsigned char>::Create(array, offset, count);
+    for (const unsigned char* byte = bytes->Data(); byte != bytes->Data() + count; ++byte)
+        Digest(*byte);
+}
+
+void CRC16::Digest(const std::shared_ptr<IArray<unsigned char>>& array) {
+    if (!array)
+        System::_throw_argument_null_exception("array");
+    Digest(array, 0, array->Count());
+}
+
+} // namespace Vesk::Modules::Bootloader
