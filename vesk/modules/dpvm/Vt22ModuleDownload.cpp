@@ -1,0 +1,100 @@
+// SPDX-License-Identifier: MIT
+// The configuration download of the master module: the module's database is compared with the bus
+// configuration by the checksum that stands in its description, written where it differs, and compared again
+// after a reboot.
+#include "vesk/core/VeskException.h"
+#include "vesk/mailbox/ErrorCode.h"
+#include "vesk/mailbox/MailboxResponseException.h"
+#include "vesk/modules/dpvm/DPVMMessages.h"
+#include "vesk/modules/dpvm/Vt22Module.h"
+#include "vesk/system/Convert.h"
+
+namespace Vesk::Modules::DPVM {
+
+using Mailbox::IRequest;
+using Mailbox::IResponse;
+using Mailbox::MailboxResponseException;
+
+static constexpr int DOWNLOAD_SECONDS = 3;
+
+/// The checksum as the description of the database: eight hexadecimal digits.
+static constexpr int DESCRIPTION_LENGTH = 8;
+
+/// Word of an INVALID_OTHER answer, and its value, by which the module says that it holds no database.
+static constexpr int NO_DATABASE_WORD = 7;
+static constexpr unsigned short NO_DATABASE = 1;
+
+void Vt22Module::Download_Begin() {
+    Enqueue(DPVMMessages::GetDatabaseInfo(), &Vt22Module::Download_GetDatabaseInfo, DOWNLOAD_SECONDS);
+}
+
+static bool SaysNoDatabase(IResponse& response) {
+    return response.Error() == Mailbox::ErrorCode::INVALID_OTHER &&
+           response.Extended()->Get(NO_DATABASE_WORD) == NO_DATABASE;
+}
+
+void Vt22Module::Download_GetDatabaseInfo(std::shared_ptr<IResponse> response) {
+    if (SaysNoDatabase(*response))
+        return StartDownload();
+    _databaseInfo = DatabaseInfo::FromMailboxResponse(response);
+    if (DatabaseMatches()) {
+        // An initialisation that the application has begun meanwhile goes on.
+        if (_state != ModuleState_e::INITIALIZING)
+            ChangeState(ModuleState_e::DOWNLOAD_COMPLETE);
+        return;
+    }
+    if (_downloaded)
+        System::_env_throw(ModuleStateException::Create("Config checksum readback failed"));
+    StartDownload();
+}
+
+bool Vt22Module::DatabaseMatches() const {
+    const std::string& description = _databaseInfo->Description.Value();
+    if (description.size() != DESCRIPTION_LENGTH)
+        return false;
+    try {
+        return static_cast<unsigned int>(System::Convert::ToUInt64(description, 16)) ==
+               _busConfig->Checksum();
+    } catch (const std::shared_ptr<System::Exception>&) {
+        return false; // a description that is no number is that of another configuration
+    }
+}
+
+void Vt22Module::StartDownload() {
+    Enqueue(DPVMMessages::StartDatabaseDownload(), &Vt22Module::Download_StartDatabaseDownload,
+            DOWNLOAD_SECONDS);
+}
+
+void Vt22Module::Download_StartDatabaseDownload(std::shared_ptr<IResponse> response) {
+    MailboxResponseException::ThrowIfError(response);
+    const auto queue = System::Collections::Generic::Queue<std::shared_ptr<IRequest>>::Create();
+    queue->Enqueue(DPVMMessages::MasterRecordDownload(_busConfig->Master()));
+    const auto addresses = _busConfig->SlaveAddresses();
+    for (int slave = 0; slave < addresses->Count(); ++slave) {
+        const unsigned char address = addresses->Get(slave);
+        const auto fragments = DPVMMessages::SlaveRecordDownload(address, _busConfig->Slave(address));
+        for (int fragment = 0; fragment < fragments->Count(); ++fragment)
+            queue->Enqueue(fragments->Get(fragment));
+    }
+    _downloadQueue = queue;
+    Enqueue(DPVMMessages::DeleteDatabase(), &Vt22Module::Download_Next, DOWNLOAD_SECONDS);
+}
+
+void Vt22Module::Download_Next(std::shared_ptr<IResponse> response) {
+    MailboxResponseException::ThrowIfError(response);
+    if (_downloadQueue->Count() > 0)
+        return Enqueue(_downloadQueue->Dequeue(), &Vt22Module::Download_Next, DOWNLOAD_SECONDS);
+    const System::String description =
+        System::Convert::ToString(_busConfig->Checksum(), 16).PadLeft(DESCRIPTION_LENGTH, '0');
+    Enqueue(DPVMMessages::EndDatabaseDownload(description), &Vt22Module::Download_EndDataBaseDownload,
+            DOWNLOAD_SECONDS);
+    _downloadQueue = nullptr;
+}
+
+void Vt22Module::Download_EndDataBaseDownload(std::shared_ptr<IResponse> response) {
+    MailboxResponseException::ThrowIfError(response);
+    _downloaded = true;
+    Reset();
+}
+
+} // namespace Vesk::Modules::DPVM
