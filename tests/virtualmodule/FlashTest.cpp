@@ -1,0 +1,117 @@
+// SPDX-License-Identifier: MIT
+#include "tests/virtualmodule/RawHost.h"
+
+#include <filesystem>
+#include <fstream>
+
+namespace {
+
+using VirtualModule::Bytes;
+using VirtualModule::Flash;
+using VirtualModule::Version;
+
+struct FlashTest : testing::Test {
+    FlashTest() {
+        std::string pattern = testing::TempDir() + "flash-XXXXXX";
+        folder = ::mkdtemp(pattern.data());
+        path = folder + "/flash";
+    }
+
+    ~FlashTest() override { std::filesystem::remove_all(folder); }
+
+    Bytes ReadFile() const {
+        std::ifstream file(path, std::ios::binary);
+        return {std::istreambuf_iterator<char>(file), {}};
+    }
+
+    void WriteFile(const Bytes& bytes) const {
+        std::ofstream(path, std::ios::binary)
+            .write(reinterpret_cast<const char*>(bytes.data()), static_cast<std::streamsize>(bytes.size()));
+    }
+
+    std::string LoadFailure() const {
+        try {
+            Flash::Load(path);
+        } catch (const std::runtime_error& error) {
+            return error.what();
+        }
+        return "loaded";
+    }
+
+    std::string folder, path;
+};
+
+TEST_F(FlashTest, ComesBackAsItWasSaved) {
+    RawHost host;
+    host.Configure();
+    Flash& flash = host.flash;
+    flash.serial = 0xFFEEDDCC;
+    flash.application = {false, {9, 8, 7}, Bytes(300, 5)};
+    flash.bootloader = {true, {3, 2, 1}, {4, 5, 6}};
+    flash.Save(path);
+    flash.Save(path); // over an old one
+    const Flash loaded = Flash::Load(path);
+    EXPECT_EQ(loaded.serial, flash.serial);
+    EXPECT_FALSE(loaded.application.valid);
+    EXPECT_EQ(loaded.application.version, (Version{9, 8, 7}));
+    EXPECT_EQ(loaded.application.image, flash.application.image);
+    EXPECT_TRUE(loaded.bootloader.valid);
+    EXPECT_EQ(loaded.bootloader.version, (Version{3, 2, 1}));
+    EXPECT_EQ(loaded.bootloader.image, flash.bootloader.image);
+    EXPECT_TRUE(loaded.database.Complete());
+    EXPECT_EQ(loaded.database.master, flash.database.master);
+    EXPECT_EQ(loaded.database.slaves, flash.database.slaves);
+    EXPECT_EQ(loaded.database.description, flash.database.description);
+    EXPECT_EQ(std::distance(std::filesystem::directory_iterator(folder), {}), 1) << "nothing else stays";
+}
+
+TEST_F(FlashTest, RefusesADamagedFile) {
+    EXPECT_EQ(LoadFailure(), "flash file " + path + ": No such file or directory");
+    RawHost host;
+    host.Configure();
+    host.flash.Save(path);
+    const Bytes good = ReadFile();
+    for (std::size_t at = 0; at < good.size(); at += 7) {
+        Bytes bad = good;
+        bad[at] ^= 0x10;
+        WriteFile(bad);
+        EXPECT_THAT(LoadFailure(),
+                    testing::HasSubstr(at < 8 ? ": not a flash file" : "its checksum does not match"));
+        WriteFile({good.begin(), good.begin() + static_cast<std::ptrdiff_t>(at)});
+        EXPECT_THAT(LoadFailure(),
+                    testing::HasSubstr(at < 12 ? "not a flash file" : "its checksum does not match"));
+    }
+    host.flash.database.slaves[5][1] = 45;
+    host.flash.Save(path);
+    EXPECT_THAT(LoadFailure(), testing::EndsWith("its configuration database is invalid"));
+}
+
+TEST_F(FlashTest, LeavesTheOldFileWhereItCannotSave) {
+    const Flash flash;
+    std::filesystem::create_directories(path + "/occupied");
+    EXPECT_THROW(flash.Save(path), std::runtime_error) << "a folder is in the way";
+    EXPECT_EQ(std::distance(std::filesystem::directory_iterator(folder), {}), 1);
+    EXPECT_THROW(flash.Save(folder + "/missing/flash"), std::runtime_error);
+}
+
+TEST(FirmwareTest, AnImageCarriesItsVersion) {
+    const std::string text = "123456789";
+    const Bytes plain(text.begin(), text.end());
+    EXPECT_EQ(VirtualModule::Crc16(plain), 0x4B37);
+    EXPECT_EQ(VirtualModule::VersionOf(plain, 6), (Version{6, 0x4B, 0x37}));
+
+    Bytes image(1024);
+    for (const char letter : std::string("VT22-VERSION:")) {
+        image.push_back(static_cast<std::uint8_t>(letter));
+    }
+    Bytes cut = image;
+    VirtualModule::Append(image, Bytes{2, 3, 4});
+    image.erase(image.begin()); // the stamp begins at the last place that it may
+    EXPECT_EQ(VirtualModule::VersionOf(image, 6), (Version{2, 3, 4}));
+    image.insert(image.begin(), 0);
+    EXPECT_EQ(VirtualModule::VersionOf(image, 6).major, 6) << "too far behind";
+    cut.erase(cut.begin(), cut.begin() + 1000);
+    EXPECT_EQ(VirtualModule::VersionOf(cut, 6).major, 6) << "the version itself is missing";
+}
+
+} // namespace

@@ -1,0 +1,85 @@
+// SPDX-License-Identifier: MIT
+#include "virtualmodule/Lines.h"
+#include "virtualmodule/InProcess.h"
+
+#include <gtest/gtest.h>
+
+#include <cstring>
+#include <fcntl.h>
+#include <filesystem>
+#include <unistd.h>
+
+namespace {
+
+using VirtualModule::Lines;
+
+TEST(LinesTest, KeepTheirPlacesInSharedMemory) {
+    alignas(Lines) unsigned char file[4]{};
+    Lines& lines = Lines::At(file);
+    EXPECT_TRUE(lines.ResetAsserted() && lines.BootloaderEnabled() && lines.ReadIrq_n());
+    lines.DriveBootloaderEnable_n(true);
+    lines.DriveReset_n(true);
+    lines.AssertIrq(1);
+    const unsigned char expected[4]{1, 1, 1, 1};
+    EXPECT_EQ(std::memcmp(file, expected, 4), 0);
+    EXPECT_FALSE(lines.ReadIrq_n());
+    EXPECT_TRUE(lines.ReadIrq_n()) << "reading it low releases it";
+}
+
+TEST(LinesTest, AnInterruptCountsOnlyInItsGeneration) {
+    Lines lines;
+    lines.DriveReset_n(true);
+    lines.AssertIrq(1);
+    lines.DriveReset_n(false);
+    lines.AssertIrq(1); // a module that has not noticed the reset yet
+    EXPECT_TRUE(lines.ReadIrq_n());
+    lines.DriveReset_n(true);
+    EXPECT_EQ(lines.Generation(), 2);
+    EXPECT_TRUE(lines.ReadIrq_n()) << "reset releases it";
+    lines.AssertIrq(1); // nor that it was released again
+    EXPECT_TRUE(lines.ReadIrq_n());
+    lines.AssertIrq(2);
+    lines.DriveReset_n(true);
+    EXPECT_EQ(lines.Generation(), 2) << "the line was high already";
+    EXPECT_FALSE(lines.ReadIrq_n());
+    for (int i = 0; i < 254; ++i) {
+        lines.DriveReset_n(false);
+        lines.DriveReset_n(true);
+    }
+    EXPECT_EQ(lines.Generation(), 1) << "255 is followed by 1, never by 0";
+}
+
+TEST(InProcessTest, OwnsADpRamFileThroughWhichTheModuleIsReached) {
+    std::string path;
+    VirtualModule::Flash flash;
+    {
+        std::int64_t now = 0;
+        VirtualModule::InProcess module(flash, [&] { return now; });
+        path = module.DpRamPath();
+        EXPECT_EQ(std::filesystem::file_size(path), 8192u);
+        module.BootloaderEnable_n(true);
+        module.Reset_n(true);
+        EXPECT_TRUE(module.VelmoIrq_n()) << "it takes its time to boot";
+        now += 1'000'000;
+        EXPECT_FALSE(module.VelmoIrq_n());
+        EXPECT_TRUE(module.VelmoIrq_n());
+
+        const int file = ::open(path.c_str(), O_RDWR);
+        unsigned char bytes[2]{};
+        EXPECT_EQ(::pread(file, bytes, 2, 0x000A), 2);
+        EXPECT_EQ(bytes[0] << 8 | bytes[1], 0x0201) << "module type";
+        EXPECT_EQ(::pread(file, bytes, 1, 0x1FFB), 1);
+        EXPECT_EQ(bytes[0], 0x10) << "power-on";
+        EXPECT_EQ(::pwrite(file, "\x80\x80\x80", 3, 0x1FFA), 3) << "reserved bit; 0x1FFB is not the host's";
+        ::close(file);
+        module.VelmoIrq_n();
+        EXPECT_EQ(module.GetModule().Violations().size(), 2u);
+        module.Reset_n(false);
+        now += 10'000'000;
+        EXPECT_TRUE(module.VelmoIrq_n()) << "dead in reset";
+        EXPECT_THROW(module.GetModule().RaiseLog(), std::logic_error);
+    }
+    EXPECT_FALSE(std::filesystem::exists(path));
+}
+
+} // namespace

@@ -1,0 +1,66 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "virtualmodule/Bootloader.h"
+#include "virtualmodule/Master.h"
+
+#include <memory>
+
+namespace VirtualModule {
+
+/// A VT22 module in software: the other side of a DPRAM and of the three lines.
+///
+/// It is passive: Step() looks at the DPRAM and the lines, does what is due by the clock, and returns. When
+/// reset is released it boots, as the master or, with the bootloader-enable line low, as the bootloader;
+/// while reset is held it is dead, and only its flash and what hangs on its bus last. A module whose
+/// application is not valid stays silent instead of booting as the master.
+///
+/// It shares nothing with a driver but the map of the DPRAM: messages, records and checksums are its own, so
+/// that a mistake on one side shows on the other. It trusts no length and no value that the host writes, and
+/// watches what the host must never do; Violations() tells.
+///
+/// Where to look: Master and Bootloader are the two programs with their handshakes; Mailbox takes requests
+/// and puts answers; the *Commands classes carry them out; ProcessData has the cyclic data and the status
+/// section; Bus is the master's view of its slaves, Stations are the devices on the cable.
+class Module {
+public:
+    using Clock = std::function<std::int64_t()>;
+
+    /// On a DPRAM of exactly 8192 bytes (std::invalid_argument otherwise), with a clock that counts
+    /// nanoseconds and never goes back. The memory, the lines and the flash outlive the module.
+    Module(std::span<volatile std::uint8_t> dpRam, Lines& lines, Flash& flash, Clock clock,
+           Options options = {});
+    Module(const Module&) = delete;
+    Module& operator=(const Module&) = delete;
+
+    /// Does what is due now. To be called as often as the host may expect something: before each look at the
+    /// interrupt line, or in a loop.
+    void Step();
+
+    /// What the host did that it must not do, in order; each begins with a name from namespace Violation.
+    const std::vector<std::string>& Violations() const { return _board.watch.Violations(); }
+
+    /// Where the log goes from now on: every request, answer, indication and change of state, a line each.
+    void SetLog(Watch::Sink log) { _board.watch.SetLog(std::move(log)); }
+
+    /// Takes a slave off the bus or puts it back, in any state of the module.
+    void SetSlavePresent(std::uint8_t address, bool present);
+
+    /// Ends the master's life with a fatal event; std::logic_error while it does not run.
+    void RaiseFatal(const FatalEvent& event) { RunningMaster().RaiseFatal(event); }
+
+    /// Lets the master report log data; std::logic_error while it does not run.
+    void RaiseLog() { RunningMaster().RaiseLog(); }
+
+private:
+    void PowerOff();
+    void Boot(std::int64_t now);
+    Master& RunningMaster();
+
+    Board _board;
+    Clock _clock;
+    std::unique_ptr<Master> _master;         // set while it runs
+    std::unique_ptr<Bootloader> _bootloader; // set while it runs
+};
+
+} // namespace VirtualModule
