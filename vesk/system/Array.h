@@ -74,20 +74,27 @@ private:
     std::vector<T> _elements;
 };
 
+/// Throws unless `array` has `count` elements from `offset` on: ArgumentNullException without an array,
+/// ArgumentOutOfRangeException for a range that leaves it.
+template <class T>
+void CheckRange(const IArray<T>* array, int offset, int count) {
+    if (!array)
+        _throw_argument_null_exception("array");
+    if (offset < 0)
+        _throw_not_less_exception(offset, 0, "offset", "zero");
+    if (count < 0)
+        _throw_not_less_exception(count, 0, "count", "zero");
+    if (static_cast<std::int64_t>(offset) + count > array->Count())
+        _throw_range_exception(offset, count, array->Count(), "offset", "count", "array");
+}
+
 /// A view of `count` elements of another array from `offset` on. It keeps that array alive.
 template <class T>
 class ArraySegment : public IArray<T> {
 public:
     /// ArgumentNullException without an array, ArgumentOutOfRangeException for a view that leaves it.
     static std::shared_ptr<ArraySegment> Create(std::shared_ptr<IArray<T>> array, int offset, int count) {
-        if (!array)
-            _throw_argument_null_exception("array");
-        if (offset < 0)
-            _throw_not_less_exception(offset, 0, "offset", "zero");
-        if (count < 0)
-            _throw_not_less_exception(count, 0, "count", "zero");
-        if (static_cast<std::int64_t>(offset) + count > array->Count())
-            _throw_range_exception(offset, count, array->Count(), "offset", "count", "array");
+        CheckRange(array.get(), offset, count);
         return MakeShared<ArraySegment>(std::move(array), offset, count);
     }
 

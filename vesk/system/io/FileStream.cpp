@@ -47,8 +47,8 @@ void FileStream::Seek(std::int64_t offset, SeekOrigin origin) {
 }
 
 int FileStream::Read(const std::shared_ptr<IArray<unsigned char>>& array, int offset, int count) {
-    const auto destination = ArraySegment<unsigned char>::Create(array, offset, count);
-    const auto got = std::fread(destination->Data(), 1, static_cast<std::size_t>(count), _file.get());
+    CheckRange(array.get(), offset, count);
+    const auto got = std::fread(array->Data() + offset, 1, static_cast<std::size_t>(count), _file.get());
     ThrowOnError();
     return static_cast<int>(got);
 }

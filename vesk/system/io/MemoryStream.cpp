@@ -17,10 +17,15 @@ std::shared_ptr<MemoryStream> MemoryStream::Create(std::shared_ptr<IArray<unsign
     return MakeShared<MemoryStream>(std::move(array));
 }
 
-MemoryStream::MemoryStream(std::shared_ptr<IArray<unsigned char>> array) : _array(std::move(array)) {}
+MemoryStream::MemoryStream(std::shared_ptr<IArray<unsigned char>> array) : _array(std::move(array)) {
+    if (!_array)
+        return;
+    _bytes = _array->Data();
+    _length = _array->Count();
+}
 
 std::int64_t MemoryStream::Length() {
-    return _array ? _array->Count() : static_cast<std::int64_t>(_grown.size());
+    return _length;
 }
 
 std::int64_t MemoryStream::Position() {
@@ -36,45 +41,43 @@ void MemoryStream::Seek(std::int64_t offset, SeekOrigin origin) {
 }
 
 int MemoryStream::Read(const std::shared_ptr<IArray<unsigned char>>& array, int offset, int count) {
-    const auto destination = ArraySegment<unsigned char>::Create(array, offset, count);
-    const auto available = std::max<std::int64_t>(Length() - _position, 0);
+    CheckRange(array.get(), offset, count);
+    const auto available = std::max<std::int64_t>(_length - _position, 0);
     const int got = static_cast<int>(std::min<std::int64_t>(available, count));
-    std::copy_n(Bytes() + (got ? _position : 0), got, destination->Data());
+    std::copy_n(_bytes + (got ? _position : 0), got, array->Data() + offset);
     _position += got;
     return got;
 }
 
 int MemoryStream::ReadByte() {
-    return _position < Length() ? Bytes()[_position++] : -1;
+    return _position < _length ? _bytes[_position++] : -1;
 }
 
 void MemoryStream::Write(const std::shared_ptr<IArray<unsigned char>>& array, int offset, int count) {
-    const auto source = ArraySegment<unsigned char>::Create(array, offset, count);
+    CheckRange(array.get(), offset, count);
     Reserve(_position + count);
-    std::copy_n(source->Data(), count, Bytes() + (count ? _position : 0));
+    std::copy_n(array->Data() + offset, count, _bytes + (count ? _position : 0));
     _position += count;
 }
 
 void MemoryStream::WriteByte(unsigned char value) {
     Reserve(_position + 1);
-    Bytes()[_position++] = value;
+    _bytes[_position++] = value;
 }
 
 std::shared_ptr<IArray<unsigned char>> MemoryStream::ToArray() {
-    return Array<unsigned char>::Create(std::vector<unsigned char>(Bytes(), Bytes() + Length()));
-}
-
-unsigned char* MemoryStream::Bytes() {
-    return _array ? _array->Data() : _grown.data();
+    return Array<unsigned char>::Create(std::vector<unsigned char>(_bytes, _bytes + _length));
 }
 
 void MemoryStream::Reserve(std::int64_t end) {
-    if (end <= Length())
+    if (end <= _length)
         return;
     if (_array)
         _env_throw(IOException::Create("Write up to " + std::to_string(end) + " in a stream of " +
-                                       std::to_string(Length()) + " bytes"));
+                                       std::to_string(_length) + " bytes"));
     _grown.resize(static_cast<std::size_t>(end));
+    _bytes = _grown.data();
+    _length = end;
 }
 
 } // namespace System::IO

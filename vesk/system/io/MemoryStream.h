@@ -30,11 +30,12 @@ protected:
     explicit MemoryStream(std::shared_ptr<IArray<unsigned char>> array);
 
 private:
-    unsigned char* Bytes();
     void Reserve(std::int64_t end);
 
     std::shared_ptr<IArray<unsigned char>> _array; // null for a stream that grows
     std::vector<unsigned char> _grown;
+    unsigned char* _bytes = nullptr; // of the one or the other
+    std::int64_t _length = 0;
     std::int64_t _position = 0;
 };
 

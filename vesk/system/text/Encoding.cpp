@@ -4,8 +4,8 @@
 namespace System::Text::Encoding::ASCII {
 
 String GetString(const std::shared_ptr<IArray<unsigned char>>& bytes, int offset, int count) {
-    const auto view = ArraySegment<unsigned char>::Create(bytes, offset, count);
-    return std::string(view->Data(), view->Data() + count);
+    CheckRange(bytes.get(), offset, count);
+    return std::string(bytes->Data() + offset, bytes->Data() + offset + count);
 }
 
 std::shared_ptr<IArray<unsigned char>> GetBytes(const String& text) {
