@@ -21,9 +21,9 @@ constexpr std::uint8_t AREA_BITS = ApplicationIndication_t::FBCTRL | Application
 Bootloader::Bootloader(Board& board, std::int64_t now)
     : _board(board),
       _commands(board.flash, board.options, board.watch),
-      _mailbox(board.dpRam, board.watch, BootloaderMap::MAILBOX_IN,
+      _mailbox(board.dpRam, board.watch, board.faults, BootloaderMap::MAILBOX_IN,
                [this](const Message& request) { return _commands.Handle(request); }),
-      _bootAt(now + board.options.bootDelay) {
+      _bootAt(now + board.BootDelay()) {
     _board.dpRam.Clear();
     _board.dpRam.GiveToHost(BootloaderMap::APPLICATION_INDICATION, 1);
     WriteControlBlock();
@@ -33,12 +33,16 @@ void Bootloader::WriteControlBlock() {
     using namespace BootloaderMap::Ctrl;
     DpRam& dpRam = _board.dpRam;
     const Version version = _board.flash.bootloader.version;
-    dpRam.Write8(OFFSET + BOOTLOADER_MAJOR, version.major);
+    FaultInjector& faults = _board.faults;
+    dpRam.Write8(OFFSET + BOOTLOADER_MAJOR, faults.Value(FaultId::BOOTLOADER_MAJOR, version.major));
     dpRam.Write8(OFFSET + BOOTLOADER_MINOR, version.minor);
     dpRam.Write32(OFFSET + SERIAL, _board.flash.serial);
-    dpRam.Write16(OFFSET + VENDOR_ID, _board.options.bootloaderVendorId);
-    dpRam.Write16(OFFSET + FIELDBUS_TYPE, _board.options.bootloaderFieldbusType);
-    dpRam.Write16(OFFSET + MODULE_TYPE, _board.options.bootloaderModuleType);
+    dpRam.Write16(OFFSET + VENDOR_ID,
+                  faults.Value(FaultId::WRONG_VENDOR_ID, _board.options.bootloaderVendorId));
+    dpRam.Write16(OFFSET + FIELDBUS_TYPE,
+                  faults.Value(FaultId::WRONG_FIELDBUS_TYPE, _board.options.bootloaderFieldbusType));
+    dpRam.Write16(OFFSET + MODULE_TYPE,
+                  faults.Value(FaultId::WRONG_MODULE_TYPE, _board.options.bootloaderModuleType));
 }
 
 void Bootloader::Step(std::int64_t now) {
@@ -54,6 +58,7 @@ void Bootloader::Boot(std::int64_t now) {
     if (now >= _bootAt) {
         _booted = true;
         _mailbox.Open();
+        _module = Low(_board.faults.Value(FaultId::BOOT_HANDSHAKE, _module));
         RaiseInterrupt();
     }
 }
@@ -91,8 +96,11 @@ void Bootloader::Indicate(Mailbox::Turn mail) {
 }
 
 void Bootloader::RaiseInterrupt() {
+    if (!_board.ComesToInterrupt()) {
+        return;
+    }
     _board.dpRam.WriteRegister(BootloaderMap::VELMO_INDICATION, _module);
-    _board.lines.AssertIrq(_board.generation);
+    _board.RaiseInterrupt();
     _board.watch.Log([&] { return "indication " + Hex(_module); });
 }
 

@@ -15,6 +15,13 @@ constexpr std::uint8_t ERASED = 0xFF;
 constexpr std::size_t REASON_WORD = 7;
 constexpr std::uint16_t NO_DATABASE = 1;
 
+/// Another description that still is a hexadecimal number.
+void ChangeFirstDigit(Bytes& description) {
+    if (!description.empty()) {
+        description[0] = description[0] == '0' ? '1' : '0';
+    }
+}
+
 } // namespace
 
 const std::array<Command<DatabaseCommands>, 6> DatabaseCommands::COMMANDS{{
@@ -26,7 +33,8 @@ const std::array<Command<DatabaseCommands>, 6> DatabaseCommands::COMMANDS{{
     {0x17, "GetDatabaseInfo", 0, 0, &DatabaseCommands::GetDatabaseInfo},
 }};
 
-DatabaseCommands::DatabaseCommands(Flash& flash, Watch& watch) : _flash(flash), _watch(watch) {}
+DatabaseCommands::DatabaseCommands(Flash& flash, Watch& watch, FaultInjector& faults)
+    : _flash(flash), _watch(watch), _faults(faults) {}
 
 std::optional<Answer> DatabaseCommands::Handle(const Message& request, bool initialised) {
     _initialised = initialised;
@@ -127,6 +135,9 @@ Answer DatabaseCommands::EndDatabaseDownload(const Message& request) {
     }
     Database& database = Write();
     database.description = request.data;
+    if (_faults.Strikes(FaultId::DATABASE_READ_BACK)) {
+        ChangeFirstDigit(database.description);
+    }
     database.state = Database::State::COMPLETE;
     _started = _deleted = false;
     return Answer(request);
@@ -134,16 +145,29 @@ Answer DatabaseCommands::EndDatabaseDownload(const Message& request) {
 
 Answer DatabaseCommands::GetDatabaseInfo(const Message& request) {
     const Database& database = _flash.database;
-    if (!database.Complete()) {
+    _faults.Count(Counts::DATABASE_INFOS);
+    if (!database.Complete() || _faults.Strikes(FaultId::DATABASE_NONE)) {
         return NoDatabase();
     }
     const Database::Lengths lengths = database.GetLengths();
     Bytes text = database.description;
+    Falsify(text);
     text.resize(std::max(text.size(), DESCRIPTION_SIZE), ERASED);
     Answer answer(request, std::move(text));
     answer.extended = {lengths.totalOutput, lengths.totalInput, lengths.initOutput, lengths.initInput,
                        Word(static_cast<unsigned>(database.slaves.size()), 0)};
     return answer;
+}
+
+void DatabaseCommands::Falsify(Bytes& description) {
+    if (_faults.Strikes(FaultId::DATABASE_CHECKSUM)) {
+        ChangeFirstDigit(description);
+    }
+    if (_faults.Strikes(FaultId::DATABASE_NOT_HEX)) {
+        std::fill(description.begin(), description.end(), std::uint8_t{'z'});
+    }
+    description.resize(_faults.Value(FaultId::DATABASE_LENGTH, static_cast<unsigned>(description.size())),
+                       std::uint8_t{'0'});
 }
 
 Database& DatabaseCommands::Write() {

@@ -2,6 +2,7 @@
 #pragma once
 
 #include "virtualmodule/Answer.h"
+#include "virtualmodule/FaultInjector.h"
 #include "virtualmodule/Flash.h"
 
 namespace VirtualModule {
@@ -12,7 +13,7 @@ namespace VirtualModule {
 /// one answers FLASH_CONFIG_ERROR. Nothing of it works once the module is initialised, except reading.
 class DatabaseCommands {
 public:
-    DatabaseCommands(Flash& flash, Watch& watch);
+    DatabaseCommands(Flash& flash, Watch& watch, FaultInjector& faults);
 
     /// Nothing if the command is none of these. `initialised`: the database is in use.
     std::optional<Answer> Handle(const Message& request, bool initialised);
@@ -32,10 +33,12 @@ private:
 
     ErrorCode CheckFragment(const Message& request) const;
     ErrorCode StoreSlave();
+    void Falsify(Bytes& description);
     Database& Write();
 
     Flash& _flash;
     Watch& _watch;
+    FaultInjector& _faults;
     bool _initialised = false;
     bool _started = false; // StartDatabaseDownload came
     bool _deleted = false; // and DeleteDatabase after it: records may come

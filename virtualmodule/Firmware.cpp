@@ -19,16 +19,16 @@ Version VersionOf(ByteView image, std::uint8_t replacedMajor) {
 }
 
 bool SealHolds(ByteView image) {
-    constexpr std::size_t size = SEAL_MARK.size() + 2;
+    constexpr std::size_t crcSize = 2;
     constexpr int mostWrong = 2;
-    if (image.size() < size) {
+    if (image.size() < SEAL_MARK.size() + crcSize) {
         return true;
     }
-    const ByteView mark = image.last(size).first(SEAL_MARK.size());
+    const ByteView sealed = image.first(image.size() - crcSize);
+    const ByteView mark = sealed.last(SEAL_MARK.size());
     const int wrong = std::inner_product(mark.begin(), mark.end(), SEAL_MARK.begin(), 0, std::plus<>(),
                                          std::not_equal_to<>());
-    // The CRC-16 of anything and its own CRC-16 is 0.
-    return wrong > mostWrong || Crc16(image) == 0;
+    return wrong > mostWrong || Crc16(sealed) == Get16(image, sealed.size());
 }
 
 std::uint16_t Crc16(ByteView bytes) {

@@ -26,8 +26,8 @@ inline constexpr std::size_t STAMP_RANGE = 1024;
 /// can be told apart.
 Version VersionOf(ByteView image, std::uint8_t replacedMajor);
 
-/// A program image may end in a seal: this mark and two bytes, the CRC-16 of everything before them, low byte
-/// first.
+/// A program image may end in a seal: this mark and the CRC-16 of everything before it and of the mark
+/// itself, high byte first.
 inline constexpr std::string_view SEAL_MARK = "VT22-CRC:";
 
 /// False for an image whose seal does not fit, so that it is not what was once sealed. An image without a

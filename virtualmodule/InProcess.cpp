@@ -35,7 +35,7 @@ InProcess::File::~File() {
 
 InProcess::InProcess(Flash& flash, Module::Clock clock, Options options)
     : _module({static_cast<volatile std::uint8_t*>(_file.memory), DpRam::SIZE}, _lines, flash,
-              std::move(clock), options) {}
+              std::move(clock), std::move(options)) {}
 
 bool InProcess::VelmoIrq_n() {
     _module.Step();

@@ -14,6 +14,14 @@ bool Lines::ReadIrq_n() {
     return false;
 }
 
+void Lines::OverrideReset() {
+    if (_generation == 0) {
+        _generation = 1;
+    }
+    _irq = _generation.load();
+    _reset_n = 1;
+}
+
 void Lines::DriveReset_n(bool level) {
     if (!level) {
         _reset_n = 0;

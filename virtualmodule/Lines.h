@@ -41,6 +41,10 @@ public:
     /// Module: pulls the interrupt line low, which counts only while `generation` lasts.
     void AssertIrq(std::uint8_t generation) { _irq = generation; }
 
+    /// Module: the interrupt stays asserted although the host holds reset. Because the line counts only out
+    /// of reset, the host finds that its level of reset has come to nothing too.
+    void OverrideReset();
+
     /// Module: the host has not yet taken the interrupt.
     bool IrqAsserted(std::uint8_t generation) const { return _irq == generation; }
 

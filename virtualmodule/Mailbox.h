@@ -3,6 +3,7 @@
 
 #include "virtualmodule/Answer.h"
 #include "virtualmodule/DpRam.h"
+#include "virtualmodule/FaultInjector.h"
 
 namespace VirtualModule {
 
@@ -20,7 +21,7 @@ public:
     };
 
     /// Mailbox-in at `offset`, mailbox-out behind it; `handler` carries out the requests.
-    Mailbox(DpRam& dpRam, Watch& watch, std::size_t offset, Handler handler);
+    Mailbox(DpRam& dpRam, Watch& watch, FaultInjector& faults, std::size_t offset, Handler handler);
 
     /// Mailbox-in becomes the host's, at the module's first interrupt.
     void Open();
@@ -32,12 +33,17 @@ public:
     Turn Step(std::int64_t now);
 
 private:
-    void Take(std::int64_t now);
+    bool Take(std::int64_t now);
+    bool CutPower(bool carriedOut);
     Answer Process(const Message& request);
-    void PutAnswer();
+    void PutAnswer(std::int64_t now);
+    void Put(ByteView area);
+    Turn FaultyTurn(std::int64_t now);
+    Bytes Falsify(Message message);
 
     DpRam& _dpRam;
     Watch& _watch;
+    FaultInjector& _faults;
     std::size_t _inOffset;
     std::size_t _outOffset;
     Handler _handler;
@@ -46,6 +52,10 @@ private:
     std::optional<Answer> _answer; // the request was taken, its answer is still to come
     Message _request;              // the request that _answer belongs to
     std::int64_t _due = 0;         // when _answer may go out
+    // For faults.
+    std::optional<std::int64_t> _acknowledgeAt; // a turn of its own for an acknowledgement
+    std::int64_t _lastAnswer = 0;
+    Bytes _again; // an answer to be put once more
 };
 
 } // namespace VirtualModule

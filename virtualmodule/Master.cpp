@@ -18,19 +18,32 @@ namespace {
 // it has the reserved bits set.
 constexpr std::uint8_t NOT_WRITTEN = 0xFF;
 
+/// A fatal event that has something in each of its fields.
+FatalEvent FullEvent(std::uint16_t errorCode) {
+    FatalEvent event;
+    event.errorCode = errorCode;
+    event.errorCause = 0x0304;
+    event.taskId = 5;
+    event.timeStamp = 86'400'000;
+    event.additionalInfo = {0xDE, 0xAD, 0xBE, 0xEF};
+    event.sourceLine = 142;
+    event.sourceFile = "dpmaster.c";
+    return event;
+}
+
 } // namespace
 
 Master::Master(Board& board, std::int64_t now)
     : _board(board),
       _bus(board.stations, board.options.startMode),
       _initCommands(board.flash, _bus, board.watch),
-      _databaseCommands(board.flash, board.watch),
+      _databaseCommands(board.flash, board.watch, board.faults),
       _busCommands(_bus, board.watch),
       _acyclicCommands(_bus, board.watch),
-      _mailbox(board.dpRam, board.watch, MasterMap::MAILBOX_IN,
+      _mailbox(board.dpRam, board.watch, board.faults, MasterMap::MAILBOX_IN,
                [this](const Message& request) { return Handle(request); }),
-      _processData(board.dpRam, _bus, board.watch),
-      _due(now + board.options.bootDelay) {
+      _processData(board.dpRam, _bus, board.watch, board.faults),
+      _due(now + board.BootDelay()) {
     _board.dpRam.Clear();
     _board.dpRam.GiveToHost(MasterMap::APPLICATION_INDICATION, 1);
     _board.dpRam.GiveToHost(MasterMap::APPLICATION_INDICATION_COMPANION, 1);
@@ -43,11 +56,13 @@ void Master::WriteIdentity() {
     DpRam& dpRam = _board.dpRam;
     const Version bootloader = _board.flash.bootloader.version;
     const Version software = _board.flash.application.version;
+    const Options& options = _board.options;
+    FaultInjector& faults = _board.faults;
     dpRam.Write16(OFFSET + BOOTLOADER_VERSION, Word(bootloader.major, bootloader.minor));
     dpRam.Write32(OFFSET + SERIAL, _board.flash.serial);
-    dpRam.Write16(OFFSET + MODULE_TYPE, _board.options.moduleType);
-    dpRam.Write16(OFFSET + VENDOR_ID, _board.options.vendorId);
-    dpRam.Write16(OFFSET + FIELDBUS_TYPE, _board.options.fieldbusType);
+    dpRam.Write16(OFFSET + MODULE_TYPE, faults.Value(FaultId::WRONG_MODULE_TYPE, options.moduleType));
+    dpRam.Write16(OFFSET + VENDOR_ID, faults.Value(FaultId::WRONG_VENDOR_ID, options.vendorId));
+    dpRam.Write16(OFFSET + FIELDBUS_TYPE, faults.Value(FaultId::WRONG_FIELDBUS_TYPE, options.fieldbusType));
     dpRam.Write16(OFFSET + SOFTWARE_VERSION, Word(software.major, software.minor));
     dpRam.Write8(OFFSET + SOFTWARE_BUILD, software.build);
 }
@@ -72,9 +87,34 @@ void Master::Step(std::int64_t now) {
 }
 
 void Master::Indicate(std::int64_t now) {
-    if (now >= _due) {
-        RaiseInterrupt(NextIndication(now), now);
+    if (now < _due || !_board.ComesToInterrupt() || Reboots()) {
+        return;
     }
+    const FaultId fatal = _booted ? FaultId::FATAL : FaultId::BOOT_FATAL;
+    if (const Fault* fault = _board.faults.Strikes(fatal)) {
+        RaiseFatal(FullEvent(Word(fault->value >> 8, fault->value & 0xFF)));
+    }
+    const std::uint8_t indication = NextIndication(now);
+    if (!_board.faults.Failing()) {
+        RaiseInterrupt(indication, now);
+    }
+}
+
+bool Master::Reboots() {
+    const bool reboots = _booted && _board.faults.Strikes(FaultId::REBOOT);
+    if (reboots) {
+        _board.faults.Fail(FaultInjector::Outage::REBOOT);
+    }
+    return reboots;
+}
+
+std::uint8_t Master::BootIndication() {
+    FaultInjector& faults = _board.faults;
+    if (faults.Strikes(FaultId::BOOT_EMPTY)) {
+        return 0;
+    }
+    const unsigned powerOn = faults.Value(FaultId::BOOT_NO_POWER_ON, Vt22VelmoIndication_t::POWER_ON);
+    return Low(powerOn | faults.Value(FaultId::BOOT_EXTRA_BITS, 0));
 }
 
 std::uint8_t Master::NextIndication(std::int64_t now) {
@@ -84,7 +124,7 @@ std::uint8_t Master::NextIndication(std::int64_t now) {
     if (!_booted) {
         _booted = true;
         _mailbox.Open();
-        return Vt22VelmoIndication_t::POWER_ON;
+        return BootIndication();
     }
     // The mailbox first: what a request changes is reported in the same indication as its answer.
     const Mailbox::Turn mail = _mailbox.Step(now);
@@ -102,9 +142,12 @@ std::uint8_t Master::NextIndication(std::int64_t now) {
 }
 
 void Master::RaiseInterrupt(std::uint8_t indication, std::int64_t now) {
+    if (_board.faults.Strikes(FaultId::INDICATION_RESERVED)) {
+        indication |= Vt22VelmoIndication_t::RESERVED;
+    }
     _board.dpRam.WriteRegister(MasterMap::VELMO_INDICATION, indication);
     _board.dpRam.WriteRegister(MasterMap::VELMO_INDICATION_COMPANION, indication);
-    _board.lines.AssertIrq(_board.generation);
+    _board.RaiseInterrupt();
     _due = now + _board.options.interruptPeriod;
     _state = _fatal ? State::STOPPED : State::INDICATING;
     if (indication != 0) {

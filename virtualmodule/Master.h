@@ -50,6 +50,8 @@ private:
 
     void WriteIdentity();
     void Indicate(std::int64_t now);
+    bool Reboots();
+    std::uint8_t BootIndication();
     std::uint8_t NextIndication(std::int64_t now);
     void RaiseInterrupt(std::uint8_t indication, std::int64_t now);
 

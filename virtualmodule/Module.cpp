@@ -7,17 +7,34 @@ namespace VirtualModule {
 
 Module::Module(std::span<volatile std::uint8_t> dpRam, Lines& lines, Flash& flash, Clock clock,
                Options options)
-    : _board{DpRam(dpRam), lines, flash, options, {}, {}}, _clock(std::move(clock)) {}
+    : _board(dpRam, lines, flash, std::move(options)), _clock(std::move(clock)) {}
 
 void Module::Step() {
+    if (!_board.faultyDpRam) {
+        StepPrograms();
+        return;
+    }
+    _board.faultyDpRam->TakeHostWrites();
+    StepPrograms();
+    _board.faultyDpRam->Show();
+}
+
+void Module::StepPrograms() {
     if (_board.lines.ResetAsserted()) {
-        PowerOff();
+        HoldInReset();
         return;
     }
     const std::int64_t now = _clock();
     if (_board.lines.Generation() != _board.generation) {
         Boot(now);
     }
+    if (!_board.RepeatInterrupt()) {
+        StepProgram(now);
+        HandleOutage(now);
+    }
+}
+
+void Module::StepProgram(std::int64_t now) {
     if (_master) {
         _master->Step(now);
     } else if (_bootloader) {
@@ -25,7 +42,35 @@ void Module::Step() {
     }
 }
 
+void Module::HandleOutage(std::int64_t now) {
+    switch (_board.faults.TakeOutage()) {
+    case FaultInjector::Outage::NONE:
+        return;
+    case FaultInjector::Outage::DEAD:
+        _master.reset();
+        _bootloader.reset();
+        return;
+    case FaultInjector::Outage::REBOOT:
+        Boot(now);
+        return;
+    }
+}
+
+void Module::HoldInReset() {
+    PowerOff();
+    if (_board.faults.Strikes(FaultId::RESET_IRQ_STUCK)) {
+        _board.lines.OverrideReset();
+        _board.generation = _board.lines.Generation();
+        _off = false;
+    }
+}
+
 void Module::PowerOff() {
+    if (_off) {
+        return;
+    }
+    _off = true;
+    _board.faults.Count(Counts::BOOTS);
     if (_master || _bootloader) {
         _board.watch.Log([] { return std::string("held in reset"); });
     }
@@ -35,7 +80,12 @@ void Module::PowerOff() {
 
 void Module::Boot(std::int64_t now) {
     PowerOff();
+    _off = false;
+    _board.interrupted = false;
     _board.generation = _board.lines.Generation();
+    if (_board.faults.Strikes(FaultId::BOOT_SILENT)) {
+        return;
+    }
     if (_board.lines.BootloaderEnabled()) {
         _board.watch.Log([] { return std::string("boots as the bootloader"); });
         _bootloader = std::make_unique<Bootloader>(_board, now);

@@ -21,7 +21,8 @@ namespace VirtualModule {
 ///
 /// Where to look: Master and Bootloader are the two programs with their handshakes; Mailbox takes requests
 /// and puts answers; the *Commands classes carry them out; ProcessData has the cyclic data and the status
-/// section; Bus is the master's view of its slaves, Stations are the devices on the cable.
+/// section; Bus is the master's view of its slaves, Stations are the devices on the cable. Faults is the
+/// table of what can be made to go wrong, and FaultInjector what the others ask whether it does.
 class Module {
 public:
     using Clock = std::function<std::int64_t()>;
@@ -43,6 +44,9 @@ public:
     /// Where the log goes from now on: every request, answer, indication and change of state, a line each.
     void SetLog(Watch::Sink log) { _board.watch.SetLog(std::move(log)); }
 
+    /// How often something has happened that the STEP of a fault counts, since the module was made.
+    unsigned Counted(Counts what) const { return _board.faults.Counted(what); }
+
     /// Takes a slave off the bus or puts it back, in any state of the module.
     void SetSlavePresent(std::uint8_t address, bool present);
 
@@ -53,12 +57,17 @@ public:
     void RaiseLog() { RunningMaster().RaiseLog(); }
 
 private:
+    void StepPrograms();
+    void StepProgram(std::int64_t now);
+    void HoldInReset();
     void PowerOff();
     void Boot(std::int64_t now);
+    void HandleOutage(std::int64_t now);
     Master& RunningMaster();
 
     Board _board;
     Clock _clock;
+    bool _off = false;                       // reset came and the boot is still to come
     std::unique_ptr<Master> _master;         // set while it runs
     std::unique_ptr<Bootloader> _bootloader; // set while it runs
 };

@@ -1,7 +1,9 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include <cstdint>
+#include "virtualmodule/Fault.h"
+
+#include <vector>
 
 namespace VirtualModule {
 
@@ -27,6 +29,9 @@ struct Options {
     std::int64_t burnTime = 100'000'000;
     /// The mode that the master goes into once it is initialised, unless the host chose one before.
     OperationMode startMode = OperationMode::OPERATE;
+    /// What goes wrong; Faults.cpp has the list. std::invalid_argument from the module for a VALUE that is
+    /// none.
+    std::vector<Fault> faults;
 };
 
 } // namespace VirtualModule

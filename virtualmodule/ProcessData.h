@@ -3,6 +3,7 @@
 
 #include "virtualmodule/Bus.h"
 #include "virtualmodule/DpRam.h"
+#include "virtualmodule/FaultInjector.h"
 #include "virtualmodule/Watch.h"
 
 namespace VirtualModule {
@@ -13,7 +14,7 @@ namespace VirtualModule {
 /// has it, the output area whenever something in it has changed.
 class ProcessData {
 public:
-    ProcessData(DpRam& dpRam, Bus& bus, Watch& watch);
+    ProcessData(DpRam& dpRam, Bus& bus, Watch& watch, FaultInjector& faults);
 
     /// One bus cycle with what the host last released.
     void Exchange();
@@ -30,10 +31,12 @@ private:
     std::uint16_t WriteModuleStatus(const BusStatus& status);
     std::uint16_t WriteFieldbusStatus(const BusStatus& status);
     std::uint16_t WriteOutputData();
+    unsigned FalsifyStatus();
 
     DpRam& _dpRam;
     Bus& _bus;
     Watch& _watch;
+    FaultInjector& _faults;
     bool _inputHandedOver = false;
     bool _outputHandedOver = false;
     Bytes _input;         // what the host last wrote

@@ -114,4 +114,19 @@ TEST(FirmwareTest, AnImageCarriesItsVersion) {
     EXPECT_EQ(VirtualModule::VersionOf(cut, 6).major, 6) << "the version itself is missing";
 }
 
+TEST(FirmwareTest, ASealHoldsOrShowsDamage) {
+    const auto holds = [](const std::string& text, std::uint8_t high, std::uint8_t low) {
+        Bytes image(text.begin(), text.end());
+        VirtualModule::Append(image, Bytes{high, low});
+        return VirtualModule::SealHolds(image);
+    };
+    EXPECT_TRUE(holds("123456789VT22-CRC:", 0x7F, 0x5A));
+    EXPECT_FALSE(holds("123456789VT22-CRC:", 0x5A, 0x7F));
+    EXPECT_FALSE(holds("123456788VT22-CRC:", 0x7F, 0x5A));
+    EXPECT_FALSE(holds("123456789VT22_CRD:", 0x7F, 0x5A)) << "a damaged mark";
+    EXPECT_TRUE(holds("123456789VT23_CRD:", 0x7F, 0x5A)) << "no mark";
+    EXPECT_TRUE(holds("123456789VT22-CRC", ':', 0x7F)) << "not at the end";
+    EXPECT_TRUE(holds("T22-CRC:", 0x7F, 0x5A)) << "shorter than a seal";
+}
+
 } // namespace
