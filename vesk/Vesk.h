@@ -3,6 +3,7 @@
 
 /// The one header that an application includes. It begins with the factories of Vesk::Modules::DPVM::Vt22.
 
+#include "vesk/core/Version.h"
 #include "vesk/core/VeskException.h"
 #include "vesk/hostinterface/RuntimeConfig.h"
 #include "vesk/mailbox/MailboxResponseException.h"

@@ -35,8 +35,11 @@ public:
         return Path(name);
     }
 
-    std::string Content(const std::string& name) const {
-        std::ifstream file(Path(name), std::ios::binary);
+    std::string Content(const std::string& name) const { return Read(Path(name)); }
+
+    /// The content of any file; empty where there is none.
+    static std::string Read(const std::string& path) {
+        std::ifstream file(path, std::ios::binary);
         return {std::istreambuf_iterator<char>(file), {}};
     }
 

@@ -120,6 +120,14 @@ public:
                      std::shared_ptr<System::IArray<unsigned char>> data,
                      ResponseAction responseAction) override;
 
+    /// Queues a request that has no operation of its own, such as one for the database information; otherwise
+    /// as the services of IDPVMModule. NullReferenceException before the first power-on.
+    void Enqueue(std::shared_ptr<Mailbox::IRequest> request, ResponseAction responseAction,
+                 int timeoutSeconds);
+
+    /// Records that a configuration download has still to send; 0 while none runs.
+    int RecordsToDownload() const { return _downloadQueue ? _downloadQueue->Count() : 0; }
+
     /// The steps of the state machine. Update runs them; an application has no need to.
     void Reset();
     void PowerOn();
@@ -168,8 +176,6 @@ private:
 
     Vt22DeviceIdArea& DeviceId() const;
     Vt22OutArea& OutArea() const;
-    void Enqueue(std::shared_ptr<Mailbox::IRequest> request, ResponseAction responseAction,
-                 int timeoutSeconds);
     void Enqueue(std::shared_ptr<Mailbox::IRequest> request, ResponseStep step, int timeoutSeconds);
 
     std::weak_ptr<Vt22Module> _self;

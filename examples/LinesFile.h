@@ -1,0 +1,93 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "vesk/system/Delegates.h"
+
+#include <atomic>
+#include <cerrno>
+#include <fcntl.h>
+#include <memory>
+#include <string>
+#include <sys/mman.h>
+#include <system_error>
+#include <unistd.h>
+
+/// The three control lines of a virtual module that runs as a process of its own: four bytes in a file that
+/// both map. On a controller, functions that read and drive real lines take its place.
+///
+/// Byte 0, irq: not 0 when the module asserts its interrupt, and then the generation in which it does. Byte
+/// 1: level of the reset line. Byte 2: level of the bootloader-enable line. Byte 3, generation: counts the
+/// releases of reset, 1 to 255 over and over.
+class LinesFile : public std::enable_shared_from_this<LinesFile> {
+public:
+    /// Maps the file; std::system_error naming it when it cannot be opened or has fewer than four bytes.
+    static std::shared_ptr<LinesFile> Open(const std::string& path) {
+        return std::shared_ptr<LinesFile>(new LinesFile(path));
+    }
+
+    ~LinesFile() { munmap(_bytes, SIZE); }
+
+    LinesFile(const LinesFile&) = delete;
+    LinesFile& operator=(const LinesFile&) = delete;
+
+    /// The callbacks for the factories of Vt22.h; each keeps the file open.
+    std::shared_ptr<System::IFunc<bool>> VelmoIrq_n() {
+        return System::Func<bool>::Create([lines = shared_from_this()] { return lines->ReadIrq_n(); });
+    }
+
+    std::shared_ptr<System::IArgFunc<bool, void>> Reset_n() {
+        return System::ArgFunc<bool, void>::Create(
+            [lines = shared_from_this()](bool level) { lines->DriveReset_n(level); });
+    }
+
+    std::shared_ptr<System::IArgFunc<bool, void>> BootloaderEnable_n() {
+        return System::ArgFunc<bool, void>::Create(
+            [lines = shared_from_this()](bool level) { lines->_bytes[BOOTLOADER_ENABLE_N] = level; });
+    }
+
+private:
+    enum { IRQ, RESET_N, BOOTLOADER_ENABLE_N, GENERATION, SIZE };
+
+    using Byte = std::atomic<unsigned char>;
+    static_assert(sizeof(Byte) == 1 && Byte::is_always_lock_free);
+
+    explicit LinesFile(const std::string& path) {
+        const int file = open(path.c_str(), O_RDWR | O_CLOEXEC);
+        if (file < 0)
+            throw std::system_error(errno, std::generic_category(), path);
+        if (lseek(file, 0, SEEK_END) < SIZE) {
+            close(file);
+            throw std::system_error(EINVAL, std::generic_category(), path + ": shorter than the four lines");
+        }
+        void* const memory = mmap(nullptr, SIZE, PROT_READ | PROT_WRITE, MAP_SHARED, file, 0);
+        const int error = errno;
+        close(file);
+        if (memory == MAP_FAILED)
+            throw std::system_error(error, std::generic_category(), path);
+        _bytes = static_cast<Byte*>(memory);
+    }
+
+    /// The level of the interrupt line. On the real bus reading the module's register releases it.
+    bool ReadIrq_n() {
+        const unsigned char irq = _bytes[IRQ];
+        if (_bytes[RESET_N] == 0 || irq == 0 || irq != _bytes[GENERATION])
+            return true;
+        _bytes[IRQ] = 0;
+        return false;
+    }
+
+    /// A rise starts a new generation, so that an interrupt of the life before counts no more.
+    void DriveReset_n(bool level) {
+        if (!level) {
+            _bytes[RESET_N] = 0;
+            _bytes[IRQ] = 0;
+        } else if (_bytes[RESET_N] == 0) {
+            _bytes[IRQ] = 0;
+            const unsigned char generation = _bytes[GENERATION];
+            _bytes[GENERATION] = static_cast<unsigned char>(generation == 255 ? 1 : generation + 1);
+            _bytes[RESET_N] = 1;
+        }
+    }
+
+    Byte* _bytes = nullptr;
+};

@@ -1,0 +1,106 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "tests/support/TemporaryFolder.h"
+
+#include <cerrno>
+#include <chrono>
+#include <csignal>
+#include <fcntl.h>
+#include <stdexcept>
+#include <string>
+#include <sys/prctl.h>
+#include <sys/wait.h>
+#include <thread>
+#include <unistd.h>
+#include <vector>
+
+/// A program that runs beside the test. It is killed, if it still runs, with the object or with the test.
+class Process {
+public:
+    Process(const std::string& program, const std::vector<std::string>& arguments) : _child(::fork()) {
+        if (_child == 0) {
+            ::prctl(PR_SET_PDEATHSIG, SIGKILL);
+            Redirect(STDOUT_FILENO, _folder.Path("out"));
+            Redirect(STDERR_FILENO, _folder.Path("err"));
+            Execute(program, arguments);
+        }
+        if (_child < 0)
+            throw std::runtime_error("no process for " + program);
+    }
+
+    ~Process() { End(SIGKILL); }
+
+    Process(const Process&) = delete;
+    Process& operator=(const Process&) = delete;
+
+    /// Waits for its end: its exit status, or the number of the signal that ended it, negative.
+    int Wait() {
+        while (!_ended && ::waitpid(_child, &_status, 0) != _child)
+            if (errno != EINTR)
+                throw std::runtime_error("no child to wait for");
+        _ended = true;
+        return WIFEXITED(_status) ? WEXITSTATUS(_status) : -WTERMSIG(_status);
+    }
+
+    /// Sends the signal and waits for the end that follows from it.
+    int End(int signal) {
+        if (!_ended)
+            ::kill(_child, signal);
+        return Wait();
+    }
+
+    /// What it has written so far.
+    std::string Out() const { return _folder.Content("out"); }
+
+    std::string Err() const { return _folder.Content("err"); }
+
+    /// Waits until it has written `text`; false when it has ended without, or after two minutes.
+    bool WaitForOut(const std::string& text) {
+        return WaitFor([&] { return Out().find(text) != std::string::npos; });
+    }
+
+    bool WaitForErr(const std::string& text) {
+        return WaitFor([&] { return Err().find(text) != std::string::npos; });
+    }
+
+    /// Becomes the program.
+    [[noreturn]] static void Execute(const std::string& program, const std::vector<std::string>& arguments) {
+        // Where the module is, is the test's affair alone.
+        for (const char* variable : {"VESK_DPRAM", "VESK_OFFSET", "VESK_LINES"})
+            ::unsetenv(variable);
+        std::vector<char*> argv{const_cast<char*>(program.c_str())};
+        for (const std::string& argument : arguments)
+            argv.push_back(const_cast<char*>(argument.c_str()));
+        argv.push_back(nullptr);
+        ::execv(program.c_str(), argv.data());
+        ::_exit(127);
+    }
+
+private:
+    template <class Condition>
+    bool WaitFor(const Condition& reached) {
+        const auto end = std::chrono::steady_clock::now() + std::chrono::minutes(2);
+        while (!reached()) {
+            if (HasEnded() || std::chrono::steady_clock::now() > end)
+                return reached();
+            std::this_thread::sleep_for(std::chrono::microseconds(200));
+        }
+        return true;
+    }
+
+    bool HasEnded() {
+        _ended = _ended || ::waitpid(_child, &_status, WNOHANG) == _child;
+        return _ended;
+    }
+
+    static void Redirect(int descriptor, const std::string& path) {
+        if (::dup2(::open(path.c_str(), O_WRONLY | O_CREAT, 0600), descriptor) != descriptor)
+            ::_exit(127);
+    }
+
+    TemporaryFolder _folder;
+    ::pid_t _child;
+    bool _ended = false;
+    int _status = 0;
+};

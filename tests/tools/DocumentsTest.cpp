@@ -1,0 +1,129 @@
+// SPDX-License-Identifier: MIT
+#include "tests/support/RunTool.h"
+
+#include "vesk/Vesk.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <regex>
+#include <sstream>
+
+using testing::Contains;
+using testing::HasSubstr;
+using testing::Not;
+
+namespace {
+
+/// What is made from the program's help: the man page and the completions.
+class DocumentsTest : public testing::Test {
+protected:
+    /// The path of the generated document.
+    std::string Generate(const std::string& document) {
+        const auto result = RunTool::Run({"generate", document});
+        EXPECT_EQ(result.status, 0) << result.err;
+        return _folder.Put("vesk." + document, result.out);
+    }
+
+    static ToolResult Shell(const std::string& script) { return RunTool::Run({"-c", script}, "/bin/sh"); }
+
+    static bool Installed(const std::string& program) { return Shell("command -v " + program).status == 0; }
+
+    /// The commands that --help lists, those of `vesk config` with their parent's name before them.
+    static std::vector<std::string> Commands() {
+        std::vector<std::string> commands;
+        for (const std::string prefix : {"", "config "}) {
+            RunTool::Arguments arguments{"--help"};
+            if (!prefix.empty())
+                arguments.insert(arguments.begin(), "config");
+            const std::string help = RunTool::Run(arguments).out;
+            std::istringstream lines(help.substr(help.find("Subcommands:\n") + 13));
+            for (std::string line; std::getline(lines, line);)
+                if (line.size() > 2 && line.starts_with("  ") && line[2] != ' ')
+                    commands.push_back(prefix + line.substr(2, line.find(' ', 2) - 2));
+        }
+        return commands;
+    }
+
+    /// What bash offers for the line, whose last word is being typed.
+    std::vector<std::string> BashOffers(const std::string& line) {
+        const auto result = RunTool::Run({"-c", "source " + Generate("bash") + "; COMP_WORDS=(" + line +
+                                                    "); COMP_CWORD=$((${#COMP_WORDS[@]} - 1)); " +
+                                                    "_vesk; printf '%s\\n' \"${COMPREPLY[@]}\""},
+                                         "/bin/bash");
+        EXPECT_EQ(result.err, "");
+        std::vector<std::string> words;
+        std::istringstream lines(result.out);
+        for (std::string word; std::getline(lines, word);)
+            words.push_back(word);
+        return words;
+    }
+
+    TemporaryFolder _folder;
+};
+
+TEST_F(DocumentsTest, ManPageHasEveryCommandAndNoFault) {
+    const std::string page = Generate("man");
+    const std::string text = _folder.Content("vesk.man");
+    EXPECT_TRUE(text.starts_with(".TH VESK 1 \"\" \"vesk " + std::string(Vesk::Version()) + "\"\n"));
+    ASSERT_THAT(Commands(), Contains("explain"));
+    ASSERT_THAT(Commands(), Contains("config diff"));
+    for (const std::string& command : Commands())
+        EXPECT_TRUE(std::regex_search(
+            text,
+            std::regex("\n.SS vesk " + std::regex_replace(command, std::regex("-"), R"(\\-)") + "[ \n]")))
+            << command;
+    EXPECT_THAT(text, HasSubstr("Example:\n.PP\n.RS\n\\fBvesk explain 0x87\\fR\n"));
+    EXPECT_THAT(text, Not(HasSubstr("generate")));
+    if (Installed("groff")) {
+        const auto groff = Shell("groff -man -ww -Tascii " + page);
+        EXPECT_EQ(groff.status, 0);
+        EXPECT_EQ(groff.err, "");
+        EXPECT_THAT(groff.out, HasSubstr("Wrong usage."));
+    }
+    if (Installed("mandoc")) {
+        EXPECT_EQ(Shell("mandoc -T lint -W error " + page).status, 0);
+    }
+}
+
+TEST_F(DocumentsTest, BashOffersCommandsAndOptions) {
+    EXPECT_THAT(BashOffers("vesk ''"), testing::IsSupersetOf({"config", "dump", "explain", "run"}));
+    EXPECT_THAT(BashOffers("vesk ''"), Not(Contains("generate")));
+    EXPECT_THAT(BashOffers("vesk exp"), testing::ElementsAre("explain"));
+    EXPECT_THAT(BashOffers("vesk config ''"), testing::ElementsAre("show", "diff"));
+    EXPECT_THAT(BashOffers("vesk config diff a.ddb --j"), testing::ElementsAre("--json"));
+    EXPECT_THAT(BashOffers("vesk dump --"), testing::ElementsAre("--help", "--bootloader", "--json"));
+    EXPECT_THAT(BashOffers("vesk dump config --"), testing::ElementsAre("--help", "--bootloader", "--json"))
+        << "a file may be named like a command";
+}
+
+TEST_F(DocumentsTest, OtherShellsAcceptTheirs) {
+    const std::string zsh = Generate("zsh");
+    EXPECT_THAT(_folder.Content("vesk.zsh"), HasSubstr("#compdef vesk\n"));
+    if (Installed("zsh")) {
+        EXPECT_EQ(Shell("zsh -n " + zsh).err, "");
+    }
+    const std::string fish = Generate("fish");
+    EXPECT_THAT(_folder.Content("vesk.fish"), HasSubstr("complete -c vesk -n '__vesk_is' -f -a explain -d "));
+    if (Installed("fish")) {
+        const std::string home = "HOME=" + _folder.Path("") + " ";
+        const auto offered = Shell(home + "fish -c 'source " + fish + "; complete -C \"vesk config d\"'");
+        EXPECT_EQ(offered.err, "");
+        EXPECT_TRUE(offered.out.starts_with("diff\t")) << offered.out;
+    }
+}
+
+TEST_F(DocumentsTest, GenerateIsHiddenAndTakesKnownDocumentsOnly) {
+    EXPECT_THAT(RunTool::Run({"--help"}).out, Not(HasSubstr("generate")));
+    EXPECT_EQ(RunTool::Run({"generate", "html"}).status, 2);
+    EXPECT_EQ(RunTool::Run({"generate"}).status, 2);
+}
+
+TEST_F(DocumentsTest, VersionIsThatOfTheLibrary) {
+    EXPECT_TRUE(std::regex_match(Vesk::Version(), std::regex("2\\.[0-9]+\\.[0-9]+")));
+    const auto result = RunTool::Run({"--version"});
+    EXPECT_EQ(result.status, 0);
+    EXPECT_EQ(result.out, "vesk " + std::string(Vesk::Version()) + "\n");
+}
+
+} // namespace

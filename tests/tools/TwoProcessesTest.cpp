@@ -1,0 +1,239 @@
+// SPDX-License-Identifier: MIT
+#include "examples/LinesFile.h"
+#include "tests/support/ModuleFiles.h"
+#include "virtualmodule/Faults.h"
+#include "virtualmodule/Flash.h"
+
+#include <gmock/gmock.h>
+#include <nlohmann/json.hpp>
+
+#include <sys/stat.h>
+
+namespace {
+
+using testing::ContainsRegex;
+using testing::EndsWith;
+using testing::HasSubstr;
+using VirtualModule::Flash;
+
+struct TwoProcessesTest : testing::Test {
+    /// What the report of `vesk run --json` says whichever module it was and however fast it went.
+    static nlohmann::json Facts(const Process& host) {
+        nlohmann::json facts = nlohmann::json::parse(host.Out());
+        facts.erase("link");
+        facts["exchange"].erase("milliseconds");
+        for (const char* life : {"firstLife", "secondLife"})
+            for (auto& state : facts[life]["states"])
+                state.erase("milliseconds");
+        return facts;
+    }
+
+    /// A host that comes now does its whole job.
+    void ExpectRecovery() const {
+        const auto host = files.StartHost();
+        EXPECT_EQ(host->Wait(), 0) << host->Out() << host->Err();
+        EXPECT_THAT(host->Out(), HasSubstr("\nAll held: 12 slaves, 20 cycles, 0 mismatches, 2 lives.\n"));
+        EXPECT_EQ(host->Err(), "");
+    }
+
+    /// The flash file is whole.
+    void ExpectFlash() const { EXPECT_NO_THROW(Flash::Load(files.flash)); }
+
+    const ModuleFiles files;
+};
+
+TEST_F(TwoProcessesTest, AWholeLifeIsThatOfOneProcess) {
+    Process alone(VESK_TOOL, {"run", SOURCE_DIR "/examples/plant.ddb", "--cycles", "20", "--json"});
+    const auto module = files.StartModule();
+    const auto host = files.StartHost(20, {"--json"});
+    ASSERT_EQ(alone.Wait(), 0) << alone.Err();
+    ASSERT_EQ(host->Wait(), 0) << host->Err();
+    EXPECT_EQ(Facts(*host), Facts(alone));
+    EXPECT_EQ(host->Err(), "");
+    EXPECT_EQ(alone.Err(), "vesk: no --dpram and --lines, so a virtual module in this process serves\n");
+    EXPECT_EQ(module->End(SIGTERM), 0);
+    EXPECT_EQ(module->Err(), "");
+
+    const auto next = files.StartModule();
+    const auto again = files.StartHost(20, {"--json"});
+    ASSERT_EQ(again->Wait(), 0) << again->Err();
+    EXPECT_EQ(Facts(*again)["firstLife"], Facts(alone)["secondLife"]) << "the flash lasted: no download";
+    EXPECT_EQ(next->End(SIGINT), 0);
+    EXPECT_THAT(next->Out(), Not(HasSubstr("flash saved")));
+}
+
+// What the module logs at moments all over a life, up to the exchange of process data, which does not end.
+constexpr const char* MOMENTS[]{"boots as the master",
+                                "command GetDatabaseInfo",
+                                "command DeleteDatabase",
+                                "command SlaveRecord",
+                                "request 16:",
+                                "command EndDatabase",
+                                "held in reset",
+                                "command StartInit",
+                                "command VelmoInit",
+                                "  online",
+                                "command SetOperation",
+                                "indication 0x03"};
+constexpr int ENDLESS = 1'000'000'000;
+
+TEST_F(TwoProcessesTest, ANewHostRecoversAfterTheModuleWasKilled) {
+    for (const char* moment : MOMENTS) {
+        SCOPED_TRACE(moment);
+        std::filesystem::remove(files.flash);
+        auto module = files.StartModule();
+        const auto host = files.StartHost(ENDLESS);
+        ASSERT_TRUE(module->WaitForOut(moment));
+        EXPECT_EQ(module->End(SIGKILL), -SIGKILL);
+        ExpectFlash();
+        module = files.StartModule();
+        host->End(SIGKILL);
+        ExpectRecovery();
+        EXPECT_EQ(module->End(SIGTERM), 0);
+    }
+}
+
+TEST_F(TwoProcessesTest, AHostNoticesThatItsModuleIsAnotherOne) {
+    auto module = files.StartModule();
+    const auto host = files.StartHost(ENDLESS);
+    ASSERT_TRUE(module->WaitForOut("indication 0x03"));
+    module->End(SIGKILL);
+    module = files.StartModule();
+    EXPECT_EQ(host->Wait(), 1);
+    EXPECT_THAT(host->Err(), HasSubstr("Unexpected poweron indication from module!"));
+}
+
+TEST_F(TwoProcessesTest, ANewHostRecoversAfterTheHostWasKilled) {
+    for (const char* moment : MOMENTS) {
+        SCOPED_TRACE(moment);
+        std::filesystem::remove(files.flash);
+        const auto module = files.StartModule();
+        const auto host = files.StartHost(ENDLESS);
+        ASSERT_TRUE(module->WaitForOut(moment));
+        EXPECT_EQ(host->End(SIGKILL), -SIGKILL);
+        ExpectRecovery();
+        EXPECT_EQ(module->End(SIGTERM), 0);
+        EXPECT_EQ(module->Err(), "") << "a new host starts with a reset, so it breaks no rule";
+        ExpectFlash();
+    }
+}
+
+TEST_F(TwoProcessesTest, TheFlashIsNeverHalfWritten) {
+    // Each request of a download from the third to the last changes the flash, right after its line.
+    for (int request = 2; request <= 19; ++request) {
+        std::filesystem::remove(files.flash);
+        const auto module = files.StartModule();
+        const auto host = files.StartHost();
+        ASSERT_TRUE(module->WaitForOut("request " + std::to_string(request) + ": ")) << host->Err();
+        module->End(SIGKILL);
+        host->End(SIGKILL);
+        ExpectFlash();
+    }
+    const auto module = files.StartModule();
+    ExpectRecovery();
+    EXPECT_TRUE(Flash::Load(files.flash).database.Complete());
+}
+
+TEST_F(TwoProcessesTest, AFirmwareUpdateThatWasCutOffIsRunAgain) {
+    const auto update = files.With({"flash", SOURCE_DIR "/examples/firmware/vt22-1.5.0.fw", "--yes"});
+    auto module = files.StartModule({"--fault", "firmware-silent@10"}); // goes no further before it is killed
+    Process host(VESK_TOOL, update);
+    ASSERT_TRUE(module->WaitForOut("request 10:"));
+    module->End(SIGKILL);
+    host.End(SIGKILL);
+    EXPECT_FALSE(Flash::Load(files.flash).application.valid);
+
+    module = files.StartModule();
+    Process again(VESK_TOOL, update);
+    EXPECT_EQ(again.Wait(), 0) << again.Err();
+    EXPECT_THAT(again.Out(), HasSubstr("The module runs firmware 1.5.0"));
+    EXPECT_EQ(module->End(SIGTERM), 0);
+    EXPECT_EQ(module->Err(), "");
+    EXPECT_TRUE(Flash::Load(files.flash).application.valid);
+}
+
+TEST_F(TwoProcessesTest, WhatTheHostBreaksIsReportedAtOnceAndCountedAtTheEnd) {
+    const auto module = files.StartModule();
+    const auto lines = LinesFile::Open(files.lines);
+    lines->BootloaderEnable_n()->Invoke(true);
+    lines->Reset_n()->Invoke(true);
+    ASSERT_TRUE(module->WaitForOut("indication 0x10"));
+    const int dpRam = ::open(files.dpRam.c_str(), O_RDWR | O_CLOEXEC);
+    EXPECT_EQ(::pwrite(dpRam, "\x80", 1, 0x1FFA), 1) << "a reserved bit, and nobody has read the line";
+    EXPECT_EQ(::pwrite(dpRam, "\x80", 1, 0x1FFC), 1);
+    ::close(dpRam);
+    EXPECT_TRUE(module->WaitForErr("vesk: violation: host register written without an interrupt"));
+    EXPECT_TRUE(module->WaitForErr("vesk: violation: reserved bit written: 0x80\n"));
+    EXPECT_EQ(module->End(SIGINT), 0);
+    EXPECT_THAT(module->Err(), EndsWith("\nvesk: the host broke the protocol 2 times\n"));
+}
+
+TEST_F(TwoProcessesTest, FaultsStrikeOnRequest) {
+    // The second boot follows the download, the third is that of the second host.
+    const auto module =
+        files.StartModule({"--fault", "boot-empty@2x1", "--fault", "wrong-vendor-id@3=0x1234"});
+    for (const char* error : {"Empty indication at bootup!", "Unexpected vendor id!"}) {
+        const auto host = files.StartHost();
+        EXPECT_EQ(host->Wait(), 1);
+        EXPECT_THAT(host->Err(), HasSubstr(error));
+    }
+    Process list(VESK_TOOL, {"module", "--faults"});
+    EXPECT_EQ(list.Wait(), 0);
+    for (const auto& kind : VirtualModule::Faults())
+        EXPECT_THAT(list.Out(), ContainsRegex("\n" + std::string(kind.name) + "[ [].*" +
+                                              std::string(Name(kind.counts)) + " "));
+}
+
+TEST_F(TwoProcessesTest, RefusesWhatCannotWork) {
+    const auto running = files.StartModule();
+    const TemporaryFolder other;
+    const std::string folder = other.Path("folder");
+    const std::string pipe = other.Path("pipe");
+    const std::string text = other.Put("text", "some text\n");
+    const std::string dpRam = other.Path("dpram");
+    const std::string lines = other.Path("lines");
+    std::filesystem::create_directory(folder);
+    ASSERT_EQ(::mkfifo(pipe.c_str(), 0600), 0);
+    const std::string plant = SOURCE_DIR "/examples/plant.ddb";
+
+    const struct {
+        std::vector<std::string> arguments;
+        int status;
+        std::string error;
+    } cases[]{
+        {{"module", "--dpram", files.dpRam, "--lines", lines}, 1, files.dpRam + " is in use by another"},
+        {{"module", "--dpram", dpRam, "--lines", files.lines}, 1, files.lines + " is in use by another"},
+        {{"module", "--dpram", folder, "--lines", lines}, 1, folder + ": Is a directory"},
+        {{"module", "--dpram", pipe, "--lines", lines}, 1, pipe + " is not a regular file"},
+        {{"module", "--dpram", text, "--lines", lines}, 1, text + " has 10 bytes instead of 8192"},
+        {{"module", "--dpram", dpRam, "--lines", dpRam}, 1, dpRam + " has 8192 bytes instead of 4"},
+        {{"module", "--dpram", folder + "/no/dpram", "--lines", lines}, 1, "No such file or directory"},
+        {{"module", "--dpram", dpRam, "--lines", lines, "--flash", text}, 1, text + ": not a flash file"},
+        {{"module", "--dpram", dpRam, "--lines", lines, "--flash", pipe}, 1, pipe + " is not a regular file"},
+        {{"module", "--dpram", dpRam, "--lines", lines, "--flash", folder + "/no/flash"}, 1, "No such file"},
+        {{"module", "--dpram", dpRam}, 2, "--lines is required"},
+        {{"module", "--dpram", dpRam, "--lines", lines, "--period", "5"}, 2, "5 is not a duration"},
+        {{"module", "--dpram", dpRam, "--lines", lines, "--period", "-1ms"}, 2, "-1ms is not a duration"},
+        {{"module", "--dpram", dpRam, "--lines", lines, "--period", "2h"}, 2, "2h is not a duration"},
+        {{"module", "--dpram", dpRam, "--lines", lines, "--speed", "0"}, 2, "0 is not from 0.001 to 1000"},
+        {{"module", "--dpram", dpRam, "--lines", lines, "--speed", "nan"}, 2, "nan is not from"},
+        {{"module", "--dpram", dpRam, "--lines", lines, "--fault", "dad"}, 2, "but there is dead"},
+        {{"run", plant, "--dpram", files.dpRam}, 2, "--dpram requires --lines"},
+        {{"run", plant, "--lines", files.lines}, 2, "--lines requires --dpram"},
+        {{"run", plant, "--offset", "4096"}, 2, "--offset requires --dpram"},
+        {{"run", plant, "--dpram", other.Path("none"), "--lines", files.lines}, 1, "none does not exist"},
+        {{"run", plant, "--dpram", files.dpRam, "--lines", other.Path("none")}, 1, "none does not exist"},
+        {{"run", plant, "--dpram", files.dpRam, "--lines", files.lines, "--offset", "1"}, 1, "8193"},
+    };
+
+    for (const auto& [arguments, status, error] : cases) {
+        Process tool(VESK_TOOL, arguments);
+        EXPECT_EQ(tool.Wait(), status) << error;
+        EXPECT_THAT(tool.Err(), HasSubstr(error));
+    }
+    EXPECT_EQ(other.Content("text"), "some text\n");
+    ExpectRecovery();
+    EXPECT_EQ(running->Err(), "");
+}
+
+} // namespace

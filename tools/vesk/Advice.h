@@ -1,0 +1,27 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <exception>
+#include <nlohmann/json.hpp>
+#include <string>
+
+namespace VeskTool {
+
+/// What lies behind a failure, for people. Either may be empty.
+struct Advice {
+    std::string cause;
+    std::string next; // what to do about it
+};
+
+/// The dotted name of a library exception; "Failure" or "Refusal" for the commands' own.
+std::string TypeOf(const std::exception& exception);
+
+/// The advice that the exception itself carries, or that its type and message allow.
+Advice AdviceFor(const std::exception& exception);
+
+/// {"error": {"type", "message", "hint"}}, what --json prints for a failure.
+nlohmann::ordered_json ErrorToJson(const std::string& type, const std::string& message,
+                                   const std::string& hint);
+nlohmann::ordered_json ErrorToJson(const std::exception& exception);
+
+} // namespace VeskTool

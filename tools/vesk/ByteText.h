@@ -1,0 +1,29 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <nlohmann/json.hpp>
+
+#include <span>
+#include <string>
+#include <string_view>
+
+/// How the commands write bytes that may be anything.
+namespace VeskTool {
+
+/// The text with everything but printable ASCII as \xNN, so that it cannot do anything to a terminal.
+std::string Printable(std::string_view text);
+
+/// Two digits for each byte, without blanks; what JSON gets.
+std::string HexDigits(std::span<const unsigned char> bytes);
+
+/// "0x" and at least four digits.
+std::string HexOffset(int offset);
+
+/// Lines of 16 bytes, each with its offset, the first one `offset`; lines of nothing but zero are folded into
+/// one. Every line ends with a line feed.
+std::string HexLines(std::span<const unsigned char> bytes, int offset);
+
+/// The JSON as the commands print it. What is not UTF-8, a file's name say, does not make it fail.
+std::string JsonText(const nlohmann::ordered_json& json);
+
+} // namespace VeskTool

@@ -1,0 +1,47 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <CLI/CLI.hpp>
+#include <string>
+#include <vector>
+
+namespace VeskTool {
+
+/// What the program's help knows, in the form that other documents are made from. Hidden commands and options
+/// are left out.
+struct CommandTree {
+    struct Parameter {
+        std::vector<std::string> names;  // "-o", "--output"; of an argument without dashes its name
+        std::string value;               // what follows it, "FILE"; empty for a flag and for an argument
+        std::vector<std::string> values; // the only ones that it may have; empty for any
+        std::string environment;         // the variable that may stand for it; or empty
+        std::string description;
+        bool required = false;
+        bool several = false;
+    };
+
+    explicit CommandTree(const CLI::App& app, const std::string& parent = "");
+
+    std::string name; // the last word of the path
+    std::string path; // "vesk config show"
+    std::vector<std::string> description;
+    std::vector<std::string> examples;
+    std::vector<Parameter> options;
+    std::vector<Parameter> arguments;
+    std::vector<CommandTree> commands;
+
+    /// The description's first sentence, without its full stop.
+    std::string Summary() const;
+
+private:
+    void AddParts(const CLI::App& app);
+};
+
+/// The man page vesk(1).
+std::string ManPage(const CommandTree& program);
+/// The completion files.
+std::string BashCompletion(const CommandTree& program);
+std::string ZshCompletion(const CommandTree& program);
+std::string FishCompletion(const CommandTree& program);
+
+} // namespace VeskTool

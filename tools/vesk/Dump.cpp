@@ -1,0 +1,63 @@
+// SPDX-License-Identifier: MIT
+#include "tools/vesk/ByteText.h"
+#include "tools/vesk/Commands.h"
+#include "tools/vesk/DpRamMap.h"
+#include "tools/vesk/Failure.h"
+
+#include <array>
+#include <filesystem>
+#include <fstream>
+#include <iostream>
+
+namespace VeskTool {
+
+namespace {
+
+struct DumpOptions {
+    std::string path;
+    bool bootloader = false;
+    bool json = false;
+};
+
+std::array<unsigned char, DpRamMap::SIZE> ReadDump(const std::string& path) {
+    std::error_code error;
+    const auto status = std::filesystem::status(path, error);
+    if (!std::filesystem::exists(status))
+        throw Failure(path + ": " + error.message());
+    if (!std::filesystem::is_regular_file(status))
+        throw Failure(path + ": not a regular file");
+    const auto size = std::filesystem::file_size(path);
+    if (size != DpRamMap::SIZE)
+        throw Failure(path + ": " + std::to_string(size) + " bytes; a dump of the DPRAM has " +
+                      std::to_string(DpRamMap::SIZE));
+    std::array<unsigned char, DpRamMap::SIZE> bytes{};
+    std::ifstream file(path, std::ios::binary);
+    if (!file.read(reinterpret_cast<char*>(bytes.data()), DpRamMap::SIZE))
+        throw Failure(path + ": cannot be read");
+    return bytes;
+}
+
+void ShowDump(const DumpOptions& options) {
+    const auto bytes = ReadDump(options.path);
+    const DpRamMap map = options.bootloader ? DpRamMap::Bootloader(bytes) : DpRamMap::Master(bytes);
+    std::cout << (options.json ? JsonText(map.ToJson()) : map.ToText());
+}
+
+} // namespace
+
+void AddDump(CLI::App& program, int& status) {
+    CLI::App* const command = program.add_subcommand(
+        "dump", "Show a dump of the dual-port RAM, such as an application leaves behind, as a readable map: "
+                "every block and register with its bits, both mailbox messages, the process data.\n"
+                "Example: vesk dump /tmp/hostinterface.bin");
+    const auto options = std::make_shared<DumpOptions>();
+    command->add_option("FILE", options->path, "Dump of 8192 bytes")->required()->type_name("");
+    command->add_flag("--bootloader", options->bootloader, "The module ran its bootloader");
+    command->add_flag("--json", options->json, "Print one JSON object instead of text");
+    command->callback([options, &status] {
+        ShowDump(*options);
+        status = DONE;
+    });
+}
+
+} // namespace VeskTool

@@ -1,0 +1,26 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <exception>
+#include <stdexcept>
+#include <string>
+
+namespace VeskTool {
+
+/// A failure that the command itself found, in words for people.
+class Failure : public std::runtime_error {
+public:
+    /// `hint`: what to do about it, a sentence; or nothing.
+    explicit Failure(const std::string& what, std::string hint = "")
+        : std::runtime_error(what), _hint(std::move(hint)) {}
+
+    const std::string& Hint() const { return _hint; }
+
+private:
+    std::string _hint;
+};
+
+/// The exception's type and message in one line: line breaks become "; ".
+std::string OneLine(const std::exception& exception);
+
+} // namespace VeskTool

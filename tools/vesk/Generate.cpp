@@ -1,0 +1,25 @@
+// SPDX-License-Identifier: MIT
+#include "tools/vesk/CommandTree.h"
+#include "tools/vesk/Commands.h"
+
+#include <iostream>
+
+namespace VeskTool {
+
+void AddGenerate(CLI::App& program, int& status) {
+    static const std::map<std::string, std::string (*)(const CommandTree&)> DOCUMENTS{
+        {"man", ManPage}, {"bash", BashCompletion}, {"zsh", ZshCompletion}, {"fish", FishCompletion}};
+    CLI::App* const command = program.add_subcommand(
+        "generate", "Print a document that is made from the help, for the installation.");
+    command->group(""); // nobody but the build needs it
+    const auto document = std::make_shared<std::string>();
+    command->add_option("DOCUMENT", *document, "man, bash, zsh or fish")
+        ->required()
+        ->check(CLI::IsMember({"man", "bash", "zsh", "fish"}));
+    command->callback([document, &program, &status] {
+        std::cout << DOCUMENTS.at(*document)(CommandTree(program));
+        status = DONE;
+    });
+}
+
+} // namespace VeskTool

@@ -1,0 +1,51 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "tools/vesk/Console.h"
+#include "tools/vesk/SharedFile.h"
+#include "virtualmodule/Module.h"
+
+#include <chrono>
+#include <csignal>
+#include <string>
+
+namespace VeskTool {
+
+/// The virtual module as a process of its own, for a host in another one: on a DPRAM file and a lines file
+/// that both map, with its flash in a file.
+class ModuleProcess {
+public:
+    struct Options {
+        std::string dpRamPath;
+        std::string linesPath;
+        std::string flashPath; // empty: the flash lasts as long as the process
+        VirtualModule::Options module;
+        double speed = 1; // of the module's clock
+        bool log = false;
+    };
+
+    /// Takes the files; Failure, or std::runtime_error for the flash, where one cannot be used.
+    ModuleProcess(Options options, Console console);
+
+    /// Plays the module until SIGINT or SIGTERM.
+    void Execute();
+
+private:
+    std::int64_t ModuleTime() const;
+    VirtualModule::Flash LoadFlash() const;
+    void SaveFlash();
+    void ReportViolations();
+    void Log(const std::string& text);
+
+    Options _options;
+    Console _console;
+    std::chrono::steady_clock::time_point _start = std::chrono::steady_clock::now();
+    SharedFile _dpRam;
+    SharedFile _lines;
+    VirtualModule::Flash _flash;
+    std::uint64_t _savedWrites = 0;
+    VirtualModule::Module _module;
+    std::size_t _reportedViolations = 0;
+};
+
+} // namespace VeskTool

@@ -1,0 +1,39 @@
+// SPDX-License-Identifier: MIT
+#include "tools/vesk/PlantFlash.h"
+
+#include "tools/vesk/PlantFile.h"
+#include "tools/vesk/Text.h"
+#include "vesk/modules/dpvm/config/DdbParser.h"
+#include "vesk/system/Convert.h"
+#include "vesk/system/io/MemoryStream.h"
+
+namespace VeskTool {
+
+using namespace Vesk::Modules::DPVM::Config;
+using System::IO::MemoryStream;
+
+/// The binary form of a master or slave record.
+template <class Record>
+static VirtualModule::Bytes BinaryForm(const Record& record) {
+    const auto stream = MemoryStream::Create();
+    record.ToStream(stream);
+    const auto bytes = stream->ToArray();
+    return {bytes->Data(), bytes->Data() + bytes->Count()};
+}
+
+VirtualModule::Flash PlantFlash() {
+    const auto file = System::Array<unsigned char>::Create({PLANT_FILE.begin(), PLANT_FILE.end()});
+    const auto plant = DdbParser::FromStream(MemoryStream::Create(file));
+    VirtualModule::Flash flash;
+    VirtualModule::Database& database = flash.database;
+    database.master = BinaryForm(*plant->Master());
+    const auto addresses = plant->SlaveAddresses();
+    for (int i = 0; i < addresses->Count(); ++i)
+        database.slaves[addresses->Get(i)] = BinaryForm(*plant->Slave(addresses->Get(i)));
+    const std::string description = ChecksumText(plant->Checksum());
+    database.description.assign(description.begin(), description.end());
+    database.state = VirtualModule::Database::State::COMPLETE;
+    return flash;
+}
+
+} // namespace VeskTool
