@@ -39,7 +39,7 @@ struct TwoProcessesTest : testing::Test {
     /// The flash file is whole.
     void ExpectFlash() const { EXPECT_NO_THROW(Flash::Load(files.flash)); }
 
-    const ModuleFiles files;
+    ModuleFiles files;
 };
 
 TEST_F(TwoProcessesTest, AWholeLifeIsThatOfOneProcess) {

@@ -27,8 +27,7 @@ bool InArea::Update() {
     if (!_acquired)
         return false;
     const auto& segments = _placement.Segments();
-    if (std::none_of(segments.begin(), segments.end(),
-                     [](const auto& segment) { return segment->Updated(); }))
+    if (std::ranges::none_of(segments, [](const auto& segment) { return segment->Updated(); }))
         return false;
     for (const auto& segment : segments)
         segment->Copy();

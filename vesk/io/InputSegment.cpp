@@ -25,26 +25,28 @@ InputSegment::InputSegment(std::shared_ptr<HostInterface::IHostInterface> hostIn
       _dpRamOffset(dpRamOffset),
       _src(std::move(src)),
       _shadow(System::Array<unsigned char>::Create(count)),
-      _srcOffset(srcOffset) {}
+      _shadowBytes(_shadow->Data()),
+      _srcOffset(srcOffset),
+      _count(count) {}
 
 bool InputSegment::Updated() {
-    if (!_updated && Count() > 0)
-        _updated = std::memcmp(_shadow->Data(), Source(), static_cast<std::size_t>(Count())) != 0;
+    if (!_updated && _count > 0)
+        _updated = std::memcmp(_shadowBytes, Source(), static_cast<std::size_t>(_count)) != 0;
     return _updated;
 }
 
 void InputSegment::Copy() {
-    if (Count() > 0)
-        std::memcpy(_shadow->Data(), Source(), static_cast<std::size_t>(Count()));
-    _hostInterface->Write(_dpRamOffset, _shadow, 0, Count());
+    if (_count > 0)
+        std::memcpy(_shadowBytes, Source(), static_cast<std::size_t>(_count));
+    _hostInterface->Write(_dpRamOffset, _shadow, 0, _count);
     _updated = false;
 }
 
 const unsigned char* InputSegment::Source() const {
     if (_srcOffset < 0)
         System::_throw_not_less_exception(_srcOffset, 0, "srcOffset", "zero");
-    if (static_cast<std::int64_t>(_srcOffset) + Count() > _src->Count())
-        System::_throw_range_exception(_srcOffset, Count(), _src->Count(), "srcOffset", "count", "src");
+    if (static_cast<std::int64_t>(_srcOffset) + _count > _src->Count())
+        System::_throw_range_exception(_srcOffset, _count, _src->Count(), "srcOffset", "count", "src");
     return _src->Data() + _srcOffset;
 }
 
@@ -55,7 +57,7 @@ System::String InputSegment::ToString() const {
         .Append(", src: ")
         .Append(_srcOffset)
         .Append(", count: ")
-        .Append(Count())
+        .Append(_count)
         .ToString();
 }
 

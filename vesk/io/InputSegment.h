@@ -24,7 +24,7 @@ public:
 
     unsigned short DpRamOffset() const { return _dpRamOffset; }
 
-    int Count() const { return _shadow->Count(); }
+    int Count() const { return _count; }
 
     System::String ToString() const override;
 
@@ -38,8 +38,10 @@ private:
     std::shared_ptr<HostInterface::IHostInterface> _hostInterface;
     unsigned short _dpRamOffset;
     std::shared_ptr<System::IArray<unsigned char>> _src;
-    std::shared_ptr<System::Array<unsigned char>> _shadow; // the bytes last written
+    std::shared_ptr<System::IArray<unsigned char>> _shadow; // the bytes last written
+    unsigned char* _shadowBytes;                            // the first of them
     int _srcOffset;
+    int _count;
     bool _updated = true;
 };
 

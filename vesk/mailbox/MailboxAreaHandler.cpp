@@ -53,7 +53,7 @@ bool MailboxAreaHandler::Update() {
         _outstanding->PollTimer();
         return false;
     }
-    if (!_mailboxInFree || _queue->Count() == 0)
+    if (!_mailboxInFree || _queue->IsEmpty())
         return false;
     _mailboxInFree = false;
     _outstanding = _queue->Dequeue();

@@ -46,7 +46,7 @@ void Vt22FieldbusOut::Update() {
         UpdateMasterStatus();
 }
 
-void Vt22FieldbusOut::ReadList(int field, const std::shared_ptr<Array<unsigned char>>& list) {
+void Vt22FieldbusOut::ReadList(int field, const std::shared_ptr<System::IArray<unsigned char>>& list) {
     _hostInterface->Read(_offset + field, list, 0, list->Count());
 }
 

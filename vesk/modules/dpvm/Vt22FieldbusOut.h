@@ -42,16 +42,16 @@ protected:
                     std::shared_ptr<System::IArgFunc<OperationMode_e, void>> operationModeCallback);
 
 private:
-    void ReadList(int field, const std::shared_ptr<System::Array<unsigned char>>& list);
+    void ReadList(int field, const std::shared_ptr<System::IArray<unsigned char>>& list);
     void UpdateMasterStatus();
 
     unsigned short _offset;
     std::shared_ptr<HostInterface::IHostInterface> _hostInterface;
-    std::shared_ptr<System::Array<unsigned char>> _slaveConfiguredList;
-    std::shared_ptr<System::Array<unsigned char>> _dataTransferList;
-    std::shared_ptr<System::Array<unsigned char>> _slaveDiagnosticList;
-    std::shared_ptr<System::Array<unsigned char>> _dpv1ConnectionLiveList;
-    std::shared_ptr<System::Array<unsigned char>> _masterStatus; // byte 0: the operation mode
+    std::shared_ptr<System::IArray<unsigned char>> _slaveConfiguredList;
+    std::shared_ptr<System::IArray<unsigned char>> _dataTransferList;
+    std::shared_ptr<System::IArray<unsigned char>> _slaveDiagnosticList;
+    std::shared_ptr<System::IArray<unsigned char>> _dpv1ConnectionLiveList;
+    std::shared_ptr<System::IArray<unsigned char>> _masterStatus; // byte 0: the operation mode
     std::shared_ptr<System::IArgFunc<OperationMode_e, void>> _operationModeCallback;
 };
 

@@ -260,7 +260,7 @@ void Vt22Module::BeginInitialization() {
 }
 
 void Vt22Module::Init_GetDatabaseInfo(std::shared_ptr<IResponse> response) {
-    _databaseInfo = DatabaseInfo::FromMailboxResponse(std::move(response));
+    _databaseInfo = DatabaseInfo::FromMailboxResponse(response);
     Enqueue(Slave::InitMessages::StartInit(), &Vt22Module::Init_StartInit, INIT_SECONDS);
 }
 

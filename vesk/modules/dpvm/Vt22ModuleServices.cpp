@@ -99,7 +99,7 @@ void Vt22Module::SetSlaveAddress(unsigned char slaveAddress, unsigned char newSl
                                  ResponseAction responseAction) {
     constexpr unsigned char addressMayChangeAgain = 0;
     Enqueue(DPVMMessages::SetSlaveAddress(slaveAddress, newSlaveAddress, identNumber, addressMayChangeAgain,
-                                          std::move(data)),
+                                          data),
             std::move(responseAction), SERVICE_SECONDS);
 }
 
@@ -112,11 +112,11 @@ void Vt22Module::ReadSlaveOutput(unsigned char slaveAddress, ResponseAction resp
 }
 
 void Vt22Module::StartSlaves(std::shared_ptr<IArray<unsigned char>> slaves, ResponseAction responseAction) {
-    Enqueue(DPVMMessages::StartSlave(std::move(slaves)), std::move(responseAction), SERVICE_SECONDS);
+    Enqueue(DPVMMessages::StartSlave(slaves), std::move(responseAction), SERVICE_SECONDS);
 }
 
 void Vt22Module::StopSlaves(std::shared_ptr<IArray<unsigned char>> slaves, ResponseAction responseAction) {
-    Enqueue(DPVMMessages::StopSlave(std::move(slaves)), std::move(responseAction), SERVICE_SECONDS);
+    Enqueue(DPVMMessages::StopSlave(slaves), std::move(responseAction), SERVICE_SECONDS);
 }
 
 void Vt22Module::GetLiveList(ResponseAction responseAction) {
@@ -131,7 +131,7 @@ void Vt22Module::Class1Read(unsigned char slaveAddress, unsigned char slot, unsi
 
 void Vt22Module::Class1Write(unsigned char slaveAddress, unsigned char slot, unsigned char index,
                              std::shared_ptr<IArray<unsigned char>> data, ResponseAction responseAction) {
-    Enqueue(DPVMMessages::Class1Write(slaveAddress, slot, index, std::move(data)), std::move(responseAction),
+    Enqueue(DPVMMessages::Class1Write(slaveAddress, slot, index, data), std::move(responseAction),
             SERVICE_SECONDS);
 }
 
@@ -154,7 +154,7 @@ void Vt22Module::Class2Read(unsigned char slaveAddress, unsigned char slot, unsi
 
 void Vt22Module::Class2Write(unsigned char slaveAddress, unsigned char slot, unsigned char index,
                              std::shared_ptr<IArray<unsigned char>> data, ResponseAction responseAction) {
-    Enqueue(DPVMMessages::Class2Write(ReferenceOf(slaveAddress), slot, index, std::move(data)),
+    Enqueue(DPVMMessages::Class2Write(ReferenceOf(slaveAddress), slot, index, data),
             std::move(responseAction), SERVICE_SECONDS);
 }
 

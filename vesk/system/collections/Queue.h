@@ -17,6 +17,8 @@ public:
 
     int Count() const { return static_cast<int>(_elements.size()); }
 
+    bool IsEmpty() const { return _elements.empty(); }
+
     void Enqueue(T element) { _elements.push_back(std::move(element)); }
 
     /// Takes the oldest element off the queue; InvalidOperationException when there is none.

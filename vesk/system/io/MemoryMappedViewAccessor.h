@@ -3,6 +3,8 @@
 
 #include "vesk/system/Array.h"
 
+#include <algorithm>
+#include <cstdint>
 #include <memory>
 
 namespace System::IO {
@@ -48,8 +50,17 @@ private:
             ThrowBadAccess(offset);
     }
 
+    /// How many bytes of the block lie inside the view.
+    int CheckBlock(int offset, const IArray<unsigned char>* array, int arrayOffset, int count) const {
+        if (!_bytes || offset < 0 || offset > _capacity || !array || arrayOffset < 0 || count < 0 ||
+            static_cast<std::int64_t>(arrayOffset) + count > array->Count())
+            ThrowBadBlock(offset, array, arrayOffset, count);
+        return std::min(count, _capacity - offset);
+    }
+
     [[noreturn]] void ThrowBadAccess(int offset) const;
-    int CheckBlock(int offset, IArray<unsigned char>* array, int arrayOffset, int count) const;
+    [[noreturn]] void ThrowBadBlock(int offset, const IArray<unsigned char>* array, int arrayOffset,
+                                    int count) const;
 
     volatile unsigned char* _bytes; // null once disposed
     int _capacity;

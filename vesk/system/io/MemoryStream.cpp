@@ -69,9 +69,7 @@ std::shared_ptr<IArray<unsigned char>> MemoryStream::ToArray() {
     return Array<unsigned char>::Create(std::vector<unsigned char>(_bytes, _bytes + _length));
 }
 
-void MemoryStream::Reserve(std::int64_t end) {
-    if (end <= _length)
-        return;
+void MemoryStream::Grow(std::int64_t end) {
     if (_array)
         _env_throw(IOException::Create("Write up to " + std::to_string(end) + " in a stream of " +
                                        std::to_string(_length) + " bytes"));

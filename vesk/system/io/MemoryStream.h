@@ -30,7 +30,12 @@ protected:
     explicit MemoryStream(std::shared_ptr<IArray<unsigned char>> array);
 
 private:
-    void Reserve(std::int64_t end);
+    void Reserve(std::int64_t end) {
+        if (end > _length)
+            Grow(end);
+    }
+
+    void Grow(std::int64_t end);
 
     std::shared_ptr<IArray<unsigned char>> _array; // null for a stream that grows
     std::vector<unsigned char> _grown;

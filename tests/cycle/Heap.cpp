@@ -1,0 +1,55 @@
+// SPDX-License-Identifier: MIT
+#include "tests/cycle/Heap.h"
+
+#include <cstdlib>
+#include <malloc.h>
+#include <new>
+
+static thread_local long allocations = 0;
+static thread_local long bytes = 0;
+
+long Heap::Allocations() {
+    return allocations;
+}
+
+long Heap::Bytes() {
+    return bytes;
+}
+
+static void* Counted(void* memory) {
+    if (!memory)
+        throw std::bad_alloc();
+    ++allocations;
+    bytes += static_cast<long>(malloc_usable_size(memory));
+    return memory;
+}
+
+static void Release(void* memory) noexcept {
+    bytes -= static_cast<long>(malloc_usable_size(memory));
+    std::free(memory);
+}
+
+void* operator new(std::size_t size) {
+    return Counted(std::malloc(size ? size : 1));
+}
+
+void* operator new(std::size_t size, std::align_val_t alignment) {
+    const auto boundary = static_cast<std::size_t>(alignment);
+    return Counted(std::aligned_alloc(boundary, (size + boundary - 1) / boundary * boundary));
+}
+
+void operator delete(void* memory) noexcept {
+    Release(memory);
+}
+
+void operator delete(void* memory, std::size_t) noexcept {
+    Release(memory);
+}
+
+void operator delete(void* memory, std::align_val_t) noexcept {
+    Release(memory);
+}
+
+void operator delete(void* memory, std::size_t, std::align_val_t) noexcept {
+    Release(memory);
+}
