@@ -13,7 +13,7 @@ namespace VeskTool {
 static constexpr timespec REST{0, 20'000};
 static constexpr timespec REST_IN_RESET{0, 1'000'000};
 
-ModuleProcess::ModuleProcess(Options options, Console console)
+ModuleProcess::ModuleProcess(Options options, const Console& console)
     : _options(std::move(options)),
       _console(console),
       _dpRam(_options.dpRamPath, VirtualModule::DpRam::SIZE),
@@ -62,7 +62,9 @@ void ModuleProcess::Execute() {
         ReportViolations();
     } while (sigtimedwait(&ends, nullptr, lines.ResetAsserted() ? &REST_IN_RESET : &REST) < 0);
     if (_reportedViolations > 0)
-        _console.err << "vesk: the host broke the protocol " << _reportedViolations << " times" << std::endl;
+        _console.err << "vesk: the host broke the protocol "
+                     << (_reportedViolations < VirtualModule::Watch::MOST_VIOLATIONS ? "" : "at least ")
+                     << _reportedViolations << " times" << std::endl;
 }
 
 void ModuleProcess::SaveFlash() {

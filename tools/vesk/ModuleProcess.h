@@ -25,7 +25,7 @@ public:
     };
 
     /// Takes the files; Failure, or std::runtime_error for the flash, where one cannot be used.
-    ModuleProcess(Options options, Console console);
+    ModuleProcess(Options options, const Console& console);
 
     /// Plays the module until SIGINT or SIGTERM.
     void Execute();
