@@ -122,10 +122,10 @@ static Bytes AddressTable(const Station& station, int firstInput, int firstOutpu
     Bytes content;
     AppendByte(content, static_cast<std::size_t>(station.inputs));
     AppendByte(content, static_cast<std::size_t>(station.outputs));
-    for (int i = 0; i < station.inputs; ++i)
-        AppendWord(content, static_cast<std::size_t>(firstInput + i));
-    for (int i = 0; i < station.outputs; ++i)
-        AppendWord(content, static_cast<std::size_t>(firstOutput + i));
+    for (int place = firstInput; place < firstInput + station.inputs; ++place)
+        AppendWord(content, static_cast<std::size_t>(place));
+    for (int place = firstOutput; place < firstOutput + station.outputs; ++place)
+        AppendWord(content, static_cast<std::size_t>(place));
     return content;
 }
 

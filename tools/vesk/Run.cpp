@@ -197,6 +197,7 @@ void Run::ShowBus(Session& session) {
 
     std::vector<int> configured;
     const auto addresses = _config->SlaveAddresses();
+    configured.reserve(static_cast<std::size_t>(addresses->Count()));
     for (int i = 0; i < addresses->Count(); ++i)
         configured.push_back(addresses->Get(i));
     std::sort(configured.begin(), configured.end());
