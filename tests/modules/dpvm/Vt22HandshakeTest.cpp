@@ -24,7 +24,7 @@ protected:
     std::shared_ptr<Vt22VelmoIndication> _velmo = Vt22VelmoIndication::Create(0x1FFB, 0x1FFE, _dpRam);
     std::shared_ptr<Vt22ApplicationIndication> _application =
         Vt22ApplicationIndication::Create(0x1FFA, 0x1FFC, _dpRam);
-    const Log _empty;
+    const Log _empty{};
 };
 
 TEST_F(Vt22HandshakeTest, NeedsAHostInterfaceAndTouchesNothingWhenCreated) {
