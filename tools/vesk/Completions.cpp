@@ -73,7 +73,7 @@ std::string ZshText(const std::string& text) {
     return escaped;
 }
 
-/// One specification of _arguments for each name of the option.
+/// One entry for _arguments for each name of the option.
 std::string ZshOption(const CommandTree::Parameter& option) {
     std::string text;
     std::string description = "[" + ZshText(option.description) + "]";
