@@ -398,6 +398,17 @@ TEST_F(Vt22ModuleTest, DropsMappingsAndListsWithEachPowerOn) {
     _module->MapInputData(0, bytes, 0, 8);
 }
 
+TEST_F(Vt22ModuleTest, ForgetsItsInitialisationAndItsDatabaseWithAReset) {
+    Boot();
+    Initialize();
+    _module->Reset();
+    Boot();
+    _module->BeginInitialization();
+    _module->Update();
+    EXPECT_EQ(_module->State(), State::INITIALIZING);
+    EXPECT_EQ(Command(), 0x17) << "the database is read anew";
+}
+
 TEST(Vt22Test, AsksForItsConfigurationBeforeItOpensAnything) {
     ExpectFailure<System::ArgumentNullException>("config must not be null", [] {
         return Vt22::CreateConfigured(nullptr, 0, nullptr, nullptr, nullptr, nullptr, nullptr, nullptr,
