@@ -50,7 +50,7 @@ TEST_F(TwoProcessesTest, AWholeLifeIsThatOfOneProcess) {
     ASSERT_EQ(host->Wait(), 0) << host->Err();
     EXPECT_EQ(Facts(*host), Facts(alone));
     EXPECT_EQ(host->Err(), "");
-    EXPECT_EQ(alone.Err(), "vesk: no --dpram and --lines, so a virtual module in this process serves\n");
+    EXPECT_EQ(alone.Err(), "vesk: no --dpram, so a virtual module in this process serves\n");
     EXPECT_EQ(module->End(SIGTERM), 0);
     EXPECT_EQ(module->Err(), "");
 

@@ -245,7 +245,7 @@ TEST(Verbs, CheckBeforeTheySend) {
         {{"write", "5", "1", "200", "00", "--text", "x"}, ""},
         {{"write", "5", "1", "200"}, ""},
         {{"stop", "5", "126"}, "ADDRESS: 126 is not a number from 0 to 125"},
-        {{"mode", "run"}, "MODE: run is none of offline, stop, clear and operate"},
+        {{"mode", "run"}, "MODE: run not in {offline,stop,clear,operate}"},
         {{"set-address", "127", "5", "1"}, "OLD: 127 is not a number from 0 to 126"},
         {{"set-address", "3", "126", "1"}, "NEW: 126 is not a number from 0 to 125"},
         {{"set-address", "3", "4", "0x10000"}, "IDENT: 0x10000 is not a number from 0 to 65535 (0xffff)"},

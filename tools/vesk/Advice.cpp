@@ -97,7 +97,10 @@ const std::array TYPES{
 std::string TypeOf(const std::exception& exception) {
     if (const auto cause = LibraryException(exception))
         return cause->TypeName().Value();
-    return dynamic_cast<const Refusal*>(&exception) ? "Refusal" : "Failure";
+    if (dynamic_cast<const Refusal*>(&exception) != nullptr)
+        return "Refusal";
+    const auto* const failure = dynamic_cast<const Failure*>(&exception);
+    return failure ? failure->Type() : "Failure";
 }
 
 Advice AdviceFor(const std::exception& exception) {

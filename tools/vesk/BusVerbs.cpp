@@ -162,16 +162,17 @@ void AddMode(CLI::App& program, int& status) {
                          "back into reset, so "
                          "what it shows is whether the mode can be reached.\n"
                          "Example: vesk mode clear");
-    const auto take = [self = command.get()](const std::string& text) {
-        for (const OperationMode_e mode : MODES)
-            if (LowerCase(ModeName(mode)) == LowerCase(text))
-                self->arguments["mode"] = mode;
-        if (!self->arguments.contains("mode"))
-            throw CLI::ValidationError("MODE", text + " is none of offline, stop, clear and operate");
+    std::vector<std::string> names;
+    for (const OperationMode_e mode : MODES)
+        names.push_back(LowerCase(ModeName(mode)));
+    const auto take = [self = command.get(), names](const std::string& text) {
+        const auto found = std::find(names.begin(), names.end(), text);
+        self->arguments["mode"] = MODES.at(static_cast<std::size_t>(found - names.begin()));
     };
     command->App()
         .add_option_function<std::string>("MODE", take, "offline, stop, clear or operate")
         ->required()
+        ->transform(CLI::IsMember(names, CLI::ignore_case))
         ->type_name("");
 }
 

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "tools/vesk/DatabaseFile.h"
 
+#include "tools/vesk/Advice.h"
 #include "tools/vesk/Failure.h"
 #include "vesk/modules/dpvm/config/DdbParser.h"
 #include "vesk/system/io/FileStream.h"
@@ -29,8 +30,8 @@ std::shared_ptr<Vesk::Modules::DPVM::Config::IBusConfig> LoadDatabaseFile(const 
         const std::string what = OneLine(exception);
         // The failures of opening a file name it themselves.
         if (what.find(path) != std::string::npos)
-            throw Failure(what);
-        throw Failure(path + ": " + what + LengthHint(path));
+            throw Failure(what, "", TypeOf(exception));
+        throw Failure(path + ": " + what + LengthHint(path), "", TypeOf(exception));
     }
 }
 

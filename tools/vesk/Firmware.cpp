@@ -2,6 +2,7 @@
 #include "tools/vesk/Commands.h"
 #include "tools/vesk/Failure.h"
 #include "tools/vesk/FirmwareFile.h"
+#include "tools/vesk/Numbers.h"
 #include "tools/vesk/Text.h"
 #include "vesk/system/Convert.h"
 #include "vesk/system/io/File.h"
@@ -27,23 +28,9 @@ struct BuildOptions {
     bool seal = false;
 };
 
-/// A number, decimal or with 0x, from 0 to `most`; a usage failure that names it and the range otherwise.
-std::uint64_t ParseNumber(const std::string& name, const std::string& text, std::uint64_t most) {
-    const bool hex = text.rfind("0x", 0) == 0 || text.rfind("0X", 0) == 0;
-    try {
-        const std::uint64_t value = System::Convert::ToUInt64(hex ? text.substr(2) : text, hex ? 16 : 10);
-        if (value <= most)
-            return value;
-    } catch (const std::exception&) {
-        // it is no number at all, which has the same message
-    }
-    throw CLI::ValidationError(name, text + " is not a number from 0 to " + std::to_string(most) + " (" +
-                                         Hex(static_cast<unsigned int>(most)) + ")");
-}
-
 template <class Number>
 Number Parse(const std::string& name, const std::string& text) {
-    return static_cast<Number>(ParseNumber(name, text, std::numeric_limits<Number>::max()));
+    return static_cast<Number>(ParseNumber(name, text, 0, std::numeric_limits<Number>::max()));
 }
 
 /// Adds an option whose text is a Number that `target` takes.

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "tools/vesk/FirmwareFile.h"
 
+#include "tools/vesk/Advice.h"
 #include "tools/vesk/Failure.h"
 #include "tools/vesk/Text.h"
 #include "vesk/modules/bootloader/CRC16.h"
@@ -84,8 +85,8 @@ static auto ReadFile(const std::string& path, const std::string& hint, const Rea
         const std::string what = OneLine(exception);
         // The failures of opening a file name it themselves.
         if (what.find(path) != std::string::npos)
-            throw Failure(what);
-        throw Failure(path + ": " + what + hint);
+            throw Failure(what, "", TypeOf(exception));
+        throw Failure(path + ": " + what + hint, "", TypeOf(exception));
     }
 }
 

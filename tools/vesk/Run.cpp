@@ -23,11 +23,10 @@ static constexpr unsigned char TEST_INDEX = 200;
 
 static constexpr auto EXCHANGE_TIMEOUT = std::chrono::seconds(5);
 
-Run::Run(Options options, Link link, std::ostream& out)
-    : _options(std::move(options)), _link(std::move(link)), _out(out) {}
+Run::Run(Options options, std::shared_ptr<Config::IBusConfig> config, Link link, std::ostream& out)
+    : _options(std::move(options)), _config(std::move(config)), _link(std::move(link)), _out(out) {}
 
 void Run::Execute() {
-    _config = LoadDatabaseFile(_options.configPath);
     _report["config"] = _options.configPath;
     _report["link"] = _link.description;
     Line("vesk run " + _options.configPath + ", " + std::to_string(_config->SlaveAddresses()->Count()) +
@@ -240,7 +239,8 @@ void AddRun(CLI::App& program, int& status) {
     const auto link = std::make_shared<LinkOptions>();
     link->AddTo(*command);
     command->callback([options, link, &status] {
-        Run(*options, link->Open(), std::cout).Execute();
+        const auto config = LoadDatabaseFile(options->configPath);
+        Run(*options, config, link->Open(), std::cout).Execute();
         status = DONE;
     });
 }

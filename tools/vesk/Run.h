@@ -20,7 +20,9 @@ public:
         bool json = false;
     };
 
-    Run(Options options, Link link, std::ostream& out);
+    /// `config` is what the file in the options holds.
+    Run(Options options, std::shared_ptr<Vesk::Modules::DPVM::Config::IBusConfig> config, Link link,
+        std::ostream& out);
 
     /// Failure, or an exception of the library, where something does not hold.
     void Execute();
@@ -41,9 +43,9 @@ private:
     void Line(const std::string& text);
 
     Options _options;
+    std::shared_ptr<Vesk::Modules::DPVM::Config::IBusConfig> _config;
     Link _link;
     std::ostream& _out;
-    std::shared_ptr<Vesk::Modules::DPVM::Config::IBusConfig> _config;
     nlohmann::json _report; // what --json prints
 };
 

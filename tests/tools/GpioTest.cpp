@@ -1,0 +1,180 @@
+// SPDX-License-Identifier: MIT
+// The module's lines on a GPIO chip, as --gpio names them. The chip is made of this file: its functions stand
+// in for libgpiod's and lead to a virtual module.
+#include "tests/support/RunTool.h"
+#include "tests/support/TestClock.h"
+#include "tools/vesk/LinkOptions.h"
+#include "tools/vesk/PlantFlash.h"
+#include "tools/vesk/Session.h"
+#include "vesk/hostinterface/RuntimeConfig.h"
+#include "virtualmodule/InProcess.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#ifdef VESK_WITH_GPIOD
+#include <gpiod.h>
+
+using namespace VeskTool;
+using testing::ElementsAre;
+using testing::HasSubstr;
+
+namespace {
+
+enum LineNumber : unsigned int { RESET = 2, BOOT = 4, IRQ = 17, TAKEN = 20, LINES = 32 };
+
+VirtualModule::InProcess* module;
+std::vector<std::string> requests; // in the order of the host
+int failures;                      // errno of the next reading or driving; 0 for none
+
+int Drive(unsigned int line, int level) {
+    if (line == RESET)
+        module->Reset_n(level != 0);
+    else
+        module->BootloaderEnable_n(level != 0);
+    return 0;
+}
+
+bool Fails() {
+    errno = failures;
+    return failures != 0;
+}
+
+} // namespace
+
+struct gpiod_chip {};
+
+struct gpiod_line {
+    unsigned int number;
+};
+
+static gpiod_chip theChip;
+static gpiod_line theLines[LINES];
+
+gpiod_chip* gpiod_chip_open_lookup(const char* name) {
+    errno = ENOENT;
+    return std::string(name) == "gpiochip0:a" ? &theChip : nullptr;
+}
+
+void gpiod_chip_close(gpiod_chip*) {
+    requests.push_back("close");
+}
+
+gpiod_line* gpiod_chip_get_line(gpiod_chip*, unsigned int number) {
+    errno = EINVAL;
+    if (number >= LINES)
+        return nullptr;
+    theLines[number].number = number;
+    return &theLines[number];
+}
+
+int gpiod_line_request_input(gpiod_line* line, const char* consumer) {
+    requests.push_back("input " + std::to_string(line->number) + " " + consumer);
+    return 0;
+}
+
+int gpiod_line_request_output(gpiod_line* line, const char* consumer, int level) {
+    errno = EBUSY;
+    if (line->number == TAKEN)
+        return -1;
+    requests.push_back("output " + std::to_string(line->number) + " " + consumer + " " +
+                       std::to_string(level));
+    return Drive(line->number, level);
+}
+
+int gpiod_line_get_value(gpiod_line* line) {
+    if (Fails())
+        return -1;
+    return line->number == IRQ ? module->VelmoIrq_n() : 0;
+}
+
+int gpiod_line_set_value(gpiod_line* line, int level) {
+    return Fails() ? -1 : Drive(line->number, level);
+}
+
+namespace {
+
+class GpioTest : public testing::Test {
+protected:
+    GpioTest() {
+        Vesk::RuntimeConfig::_hostInterfaceDumpPath = nullptr;
+        module = &virtualModule;
+        requests.clear();
+        failures = 0;
+    }
+
+    Link Open(const std::string& gpio) {
+        CLI::App app;
+        LinkOptions options;
+        options.AddTo(app);
+        app.parse(std::vector<std::string>{"--gpio=" + gpio, "--dpram=" + virtualModule.DpRamPath()});
+        return options.Open();
+    }
+
+    TestClock clock;
+    VirtualModule::Flash flash = PlantFlash();
+    VirtualModule::InProcess virtualModule{flash, TestClock::Nanoseconds};
+};
+
+TEST_F(GpioTest, TheLinesBringAModuleUp) {
+    {
+        Session session(Open("gpiochip0:a:reset=2,irq=17,boot=4"), nullptr);
+        EXPECT_THAT(requests, ElementsAre("output 2 vesk 0", "output 4 vesk 1", "input 17 vesk"));
+        session.OnUpdate([this] { clock.Advance(1'000'000); });
+        session.Reach(Need::OPERATING);
+        EXPECT_EQ(session.Mode(), Vesk::Modules::DPVM::OperationMode_e::OPERATE);
+    }
+    EXPECT_EQ(requests.back(), "close");
+    EXPECT_TRUE(virtualModule.GetModule().Violations().empty());
+}
+
+TEST_F(GpioTest, ALineThatFailsIsNamed) {
+    const auto failureOf = [](const auto& act) -> std::string {
+        try {
+            act();
+        } catch (const std::exception& failure) {
+            return failure.what();
+        }
+        return "nothing";
+    };
+    EXPECT_THAT(failureOf([&] { Open("gpiochip9:irq=17,reset=2,boot=4"); }),
+                HasSubstr("gpiochip9: No such file"));
+    EXPECT_THAT(failureOf([&] { Open("gpiochip0:a:irq=99,reset=2,boot=4"); }),
+                HasSubstr("line 99 (irq): Invalid"));
+    EXPECT_THAT(failureOf([&] { Open("gpiochip0:a:irq=17,reset=2,boot=20"); }),
+                HasSubstr("line 20 (boot): Device"));
+    EXPECT_EQ(requests.back(), "close") << "what was taken is given back";
+
+    const Link link = Open("gpiochip0:a:irq=17,reset=2,boot=4");
+    failures = EIO;
+    EXPECT_THAT(failureOf([&] { link.velmoIrq_n->Invoke(); }),
+                HasSubstr("line 17 (irq): Input/output error"));
+    EXPECT_THAT(failureOf([&] { link.reset_n->Invoke(true); }),
+                HasSubstr("line 2 (reset): Input/output error"));
+    EXPECT_THAT(failureOf([&] { link.bootloader_enable_n->Invoke(false); }),
+                HasSubstr("line 4 (boot): Input"));
+}
+
+} // namespace
+#endif
+
+TEST(LinkOptionsTest, WrongUseIsNamed) {
+    const auto expectUsage = [](const RunTool::Arguments& options, const std::string& message) {
+        RunTool::Arguments arguments{"identify"};
+        arguments.insert(arguments.end(), options.begin(), options.end());
+        const ToolResult result = RunTool::Run(arguments);
+        EXPECT_EQ(result.status, 2) << message;
+        EXPECT_THAT(result.err, testing::HasSubstr(message));
+    };
+    const std::string form = " is not CHIP:irq=N,reset=N,boot=N";
+    for (const std::string gpio :
+         {"chip", ":irq=1,reset=2,boot=3", "chip:irq=1,reset=2", "chip:irq=1,irq=2,boot=3",
+          "chip:irq=1,reset=2,boat=3", "chip:irq=1,reset=2,boot"})
+        expectUsage({"--dpram", "d", "--gpio", gpio}, gpio + form);
+    expectUsage({"--dpram", "d", "--gpio", "chip:irq=x,reset=2,boot=3"}, "--gpio irq");
+    expectUsage({"--dpram", "d"}, "--dpram requires --lines or --gpio");
+    expectUsage({"--lines", "l"}, "--lines requires --dpram");
+    expectUsage({"--gpio", "chip:irq=1,reset=2,boot=3"}, "--gpio requires --dpram");
+    expectUsage({"--dpram", "d", "--lines", "l", "--gpio", "chip:irq=1,reset=2,boot=3"},
+                "--lines excludes --gpio");
+}
