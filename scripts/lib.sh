@@ -73,3 +73,13 @@ build() {
     cmake -S . -B "$folder" -G Ninja --log-level=WARNING "$@" >/dev/null
     cmake --build "$folder" "${options[@]}"
 }
+
+# Runs the tests of the build folder FOLDER with the options of CTest that follow; adds their number to `passed`.
+passed=0
+run_tests() {
+    local folder=$1 log=$1/tests.log
+    shift
+    ctest --test-dir "$folder" --output-on-failure --no-tests=error -j "$(nproc)" "$@" | tee "$log" \
+        || fail "tests failed, see above"
+    passed=$((passed + $(sed -n 's/^100% tests passed, 0 tests failed out of //p' "$log")))
+}

@@ -67,13 +67,19 @@ public:
     /// Becomes the program.
     [[noreturn]] static void Execute(const std::string& program, const std::vector<std::string>& arguments) {
         // Where the module is, is the test's affair alone.
-        for (const char* variable : {"VESK_DPRAM", "VESK_OFFSET", "VESK_LINES"})
+        for (const char* variable : {"VESK_DPRAM", "VESK_OFFSET", "VESK_LINES", "VESK_GPIO"})
             ::unsetenv(variable);
-        std::vector<char*> argv{const_cast<char*>(program.c_str())};
-        for (const std::string& argument : arguments)
-            argv.push_back(const_cast<char*>(argument.c_str()));
+#ifdef TEST_EMULATOR
+        std::vector<std::string> words{TEST_EMULATOR, program};
+#else
+        std::vector<std::string> words{program};
+#endif
+        words.insert(words.end(), arguments.begin(), arguments.end());
+        std::vector<char*> argv;
+        for (std::string& word : words)
+            argv.push_back(word.data());
         argv.push_back(nullptr);
-        ::execv(program.c_str(), argv.data());
+        ::execv(argv.front(), argv.data());
         ::_exit(127);
     }
 

@@ -276,7 +276,7 @@ TEST_F(DumpCommandTest, TakesNothingButARegularFileOfTheRightSize) {
              Case{_folder.Put("short", std::string(8191, 'x')), ": 8191 bytes; a dump of the DPRAM has 8192"},
              Case{_folder.Put("long", std::string(8193, 'x')), ": 8193 bytes; a dump of the DPRAM has 8192"},
              Case{_folder.Path("missing"), ": No such file or directory"},
-             Case{_folder.Path("."), ": not a regular file"},
+             Case{_folder.Path("."), ": is a directory"},
              Case{"/dev/zero", ": not a regular file"},
          }) {
         const auto result = RunTool::Run({"dump", one.path});

@@ -3,10 +3,10 @@
 #include "tools/vesk/Commands.h"
 #include "tools/vesk/DpRamMap.h"
 #include "tools/vesk/Failure.h"
+#include "vesk/system/io/FileStream.h"
 
+#include <algorithm>
 #include <array>
-#include <filesystem>
-#include <fstream>
 #include <iostream>
 
 namespace VeskTool {
@@ -20,20 +20,16 @@ struct DumpOptions {
 };
 
 std::array<unsigned char, DpRamMap::SIZE> ReadDump(const std::string& path) {
-    std::error_code error;
-    const auto status = std::filesystem::status(path, error);
-    if (!std::filesystem::exists(status))
-        throw Failure(path + ": " + error.message());
-    if (!std::filesystem::is_regular_file(status))
-        throw Failure(path + ": not a regular file");
-    const auto size = std::filesystem::file_size(path);
-    if (size != DpRamMap::SIZE)
-        throw Failure(path + ": " + std::to_string(size) + " bytes; a dump of the DPRAM has " +
+    const auto file =
+        System::IO::FileStream::Create(path, System::IO::FileMode::OPEN, System::IO::FileAccess::READ);
+    if (file->Length() != DpRamMap::SIZE)
+        throw Failure(path + ": " + std::to_string(file->Length()) + " bytes; a dump of the DPRAM has " +
                       std::to_string(DpRamMap::SIZE));
-    std::array<unsigned char, DpRamMap::SIZE> bytes{};
-    std::ifstream file(path, std::ios::binary);
-    if (!file.read(reinterpret_cast<char*>(bytes.data()), DpRamMap::SIZE))
+    const auto content = System::Array<unsigned char>::Create(DpRamMap::SIZE);
+    if (file->Read(content, 0, DpRamMap::SIZE) != DpRamMap::SIZE)
         throw Failure(path + ": cannot be read");
+    std::array<unsigned char, DpRamMap::SIZE> bytes{};
+    std::copy_n(content->Data(), bytes.size(), bytes.begin());
     return bytes;
 }
 
