@@ -30,6 +30,8 @@ MailboxResponseException::Create(const std::shared_ptr<IResponse>& response,
 }
 
 void MailboxResponseException::ThrowIfError(const std::shared_ptr<IResponse>& response) {
+    if (!response)
+        System::_throw_argument_null_exception("response");
     if (response->Error() != ErrorCode::NO_ERROR)
         System::_env_throw(Create(response));
 }

@@ -16,7 +16,7 @@ public:
     static std::shared_ptr<MailboxResponseException> Create(const std::shared_ptr<IResponse>& response,
                                                             const std::shared_ptr<IRequest>& request);
 
-    /// Throws Create(response) for a response that reports an error.
+    /// Throws Create(response) for a response that reports an error; ArgumentNullException without one.
     static void ThrowIfError(const std::shared_ptr<IResponse>& response);
 
     System::String TypeName() const override;

@@ -4,6 +4,7 @@
 
 #include "vesk/mailbox/MailboxResponseException.h"
 #include "vesk/mailbox/MailboxTimeoutException.h"
+#include "vesk/mailbox/Response.h"
 
 using namespace Vesk;
 
@@ -52,6 +53,24 @@ TEST_F(Vt22BootloaderDownloadTest, EndsOnlyWhatHasBegun) {
     StartOver();
     expectNone();
     EXPECT_EQ(_remaining, -1);
+}
+
+TEST_F(Vt22BootloaderDownloadTest, RefusesAStepThatIsOutOfItsTurn) {
+    const auto fine =
+        Mailbox::Response::Create(Mailbox::ErrorCode::NO_ERROR, System::Array<unsigned short>::Create(8),
+                                  System::Array<unsigned char>::Create(0));
+    ExpectFailure<System::ArgumentNullException>("response must not be null",
+                                                 [this] { _module->DownloadNext(nullptr); });
+    ExpectFailure<System::NullReferenceException>("_downloadQueue is null",
+                                                  [&] { _module->DownloadNext(fine); });
+    _module->ChangeState(State::BOOTED);
+    const auto expectNoMailbox = [](const auto& step) {
+        ExpectFailure<System::NullReferenceException>("_mailbox is null", step);
+    };
+    expectNoMailbox([this] { _module->Update(); });
+    expectNoMailbox(
+        [this] { _module->BeginBootloaderDownload(FirmwareFileBuilder().Type(1).Read(), &_remaining); });
+    EXPECT_EQ(_remaining, -1) << "nothing has begun";
 }
 
 TEST_F(Vt22BootloaderDownloadTest, DownloadsEveryByteInItsPlace) {

@@ -6,6 +6,7 @@
 #include "vesk/core/VeskException.h"
 #include "vesk/mailbox/MailboxResponseException.h"
 #include "vesk/mailbox/MailboxTimeoutException.h"
+#include "vesk/mailbox/Response.h"
 #include "vesk/modules/dpvm/Vt22.h"
 #include "vesk/modules/dpvm/Vt22FatalEventException.h"
 
@@ -204,6 +205,34 @@ TEST_F(Vt22ModuleTest, RefusesACorruptState) {
     _module->ChangeState(static_cast<State>(-1));
     ExpectUpdate<ModuleStateException>("Unknown state: -1");
     EXPECT_EQ(Vt22Module::StateToString(static_cast<State>(7)).Value(), "UNKNOWN: 7");
+}
+
+TEST_F(Vt22ModuleTest, RefusesAStepThatIsOutOfItsTurn) {
+    const std::shared_ptr<IResponse> fine =
+        Vesk::Mailbox::Response::Create(Vesk::Mailbox::ErrorCode::NO_ERROR, Array<unsigned short>::Create(8),
+                                        Array<unsigned char>::Create(0));
+    using Step = void (Vt22Module::*)(std::shared_ptr<IResponse>);
+    const std::pair<Step, const char*> steps[] = {
+        {&Vt22Module::Init_GetDatabaseInfo, "_mailbox"},
+        {&Vt22Module::Init_StartInit, "_outArea"},
+        {&Vt22Module::Init_VelmoInit, "_mailbox"},
+        {&Vt22Module::Download_GetDatabaseInfo, "_busConfig"},
+        {&Vt22Module::Download_StartDatabaseDownload, "_busConfig"},
+        {&Vt22Module::Download_Next, "_downloadQueue"},
+    };
+    for (const auto& [step, missing] : steps) {
+        ExpectFailure<System::ArgumentNullException>("response must not be null",
+                                                     [&] { (_module.get()->*step)(nullptr); });
+        ExpectFailure<NullReferenceException>(std::string(missing) + " is null",
+                                              [&] { (_module.get()->*step)(fine); });
+    }
+    for (const State state : {State::BOOTED, State::DOWNLOAD_COMPLETE, State::INITIALIZED}) {
+        _module->ChangeState(state);
+        ExpectUpdate<NullReferenceException>("_outArea is null");
+    }
+    Create();
+    Boot();
+    ExpectFailure<NullReferenceException>("_databaseInfo is null", [&] { _module->Init_StartInit(fine); });
 }
 
 // ---- the initialisation

@@ -106,8 +106,7 @@ void Vt22Bootloader::PollPowerOn() {
             System::_env_throw(StartupException::Create("Timeout waiting for initial IRQ"));
         return;
     }
-    if (!_mailbox) // the last area that a power-on creates: without it the power-on has failed
-        System::_throw_null_reference_exception("_mailbox");
+    CheckAreas();
     _timer->Stop();
     _velmoIndication->HandleBootEvent();
     _mailbox->HandleBootEvent();
@@ -116,7 +115,14 @@ void Vt22Bootloader::PollPowerOn() {
     ChangeState(ModuleState_e::BOOTED);
 }
 
+/// The mailbox is the last area that a power-on creates: without it there was none, or it has failed.
+void Vt22Bootloader::CheckAreas() const {
+    if (!_mailbox)
+        System::_throw_null_reference_exception("_mailbox");
+}
+
 void Vt22Bootloader::CommonStep() {
+    CheckAreas();
     if (_hostInterface->VelmoIRQ())
         HandleIndication();
     if (_mailbox->Update())
@@ -272,6 +278,8 @@ void Vt22Bootloader::BeginDownload(std::shared_ptr<Requests> requests, int* rema
 
 void Vt22Bootloader::DownloadNext(std::shared_ptr<IResponse> response) {
     Mailbox::MailboxResponseException::ThrowIfError(response);
+    if (!_downloadQueue)
+        System::_throw_null_reference_exception("_downloadQueue");
     --_remaining;
     if (_downloadQueue->Count() == 0) {
         _downloadQueue = nullptr;
@@ -290,6 +298,7 @@ static int TimeoutSeconds(IRequest& request) {
 }
 
 void Vt22Bootloader::Send(const std::shared_ptr<IRequest>& request) {
+    CheckAreas();
     using ResponseAction = System::WeakMethodArgFunc<Vt22Bootloader, std::shared_ptr<IResponse>, void>;
     _mailbox->Enqueue(request, ResponseAction::Create(weak_from_this(), &Vt22Bootloader::DownloadNext),
                       TimeoutSeconds(*request));

@@ -67,7 +67,8 @@ public:
 
     void VerifyIdentity();
 
-    /// The answer to each request of a download, which sends the next one.
+    /// The answer to each request of a download, which sends the next one. NullReferenceException while no
+    /// download runs.
     void DownloadNext(std::shared_ptr<Mailbox::IResponse> response);
 
 protected:
@@ -80,6 +81,7 @@ private:
     void PollPowerOn();
     void CommonStep();
     void HandleIndication();
+    void CheckAreas() const;
     Bootloader::BootloaderCtrl& Ctrl() const;
 
     void CheckDownload(const std::shared_ptr<Bootloader::TarnFile>& firmware, const int* remaining,

@@ -154,7 +154,7 @@ void Vt22Module::PollPowerOn() {
             System::_env_throw(StartupException::Create("Timeout waiting for initial IRQ"));
         return;
     }
-    OutArea(); // the last area that a power-on creates: without it the power-on has failed
+    OutArea(); // the last area that a power-on creates: without it there was none, or it has failed
     const auto& event = _velmoIndication->Update();
     if (!event)
         System::_env_throw(ModuleStateException::Create("Empty indication at bootup!"));
@@ -193,6 +193,7 @@ void Vt22Module::PollInitialization() {
 // ---- the cycle
 
 void Vt22Module::CommonStep() {
+    OutArea(); // as after the power-on
     if (_hostInterface->VelmoIRQ())
         HandleInterrupt();
     if (_mailbox->Update())
@@ -267,8 +268,8 @@ void Vt22Module::Init_GetDatabaseInfo(std::shared_ptr<IResponse> response) {
 void Vt22Module::Init_StartInit(std::shared_ptr<IResponse> response) {
     Mailbox::MailboxResponseException::ThrowIfError(response);
     CheckMappings();
-    const unsigned short input = _databaseInfo->InitInputLength;
-    const unsigned short output = _databaseInfo->InitOutputLength;
+    const unsigned short input = Database().InitInputLength;
+    const unsigned short output = Database().InitOutputLength;
     Enqueue(Vt22Messages::VelmoInit(input, input, input, output, output, output), &Vt22Module::Init_VelmoInit,
             INIT_SECONDS);
 }
@@ -297,13 +298,14 @@ static void CheckMapping(const char* failure, unsigned short configured, unsigne
 
 void Vt22Module::CheckMappings() const {
     const IO::OutArea& output = *OutArea().OutputData();
-    CheckMapping("More input data mapped than available in config", _databaseInfo->TotalInputLength,
+    const DatabaseInfo& database = Database();
+    CheckMapping("More input data mapped than available in config", database.TotalInputLength,
                  _inArea->TotalMapped());
-    CheckMapping("More output data mapped than available in config", _databaseInfo->TotalOutputLength,
+    CheckMapping("More output data mapped than available in config", database.TotalOutputLength,
                  output.TotalMapped());
-    CheckMapping("Input data mapped outside of available area", _databaseInfo->InitInputLength,
+    CheckMapping("Input data mapped outside of available area", database.InitInputLength,
                  _inArea->HighestEnd());
-    CheckMapping("Output data mapped outside of available area", _databaseInfo->InitOutputLength,
+    CheckMapping("Output data mapped outside of available area", database.InitOutputLength,
                  output.HighestEnd());
 }
 

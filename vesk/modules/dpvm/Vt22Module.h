@@ -138,6 +138,7 @@ public:
     void VerifyIdentity();
 
     /// The chain of the initialisation, each step the answer to the request of the one before.
+    /// NullReferenceException for one that is out of its turn, here and below.
     void Init_GetDatabaseInfo(std::shared_ptr<Mailbox::IResponse> response);
     void Init_StartInit(std::shared_ptr<Mailbox::IResponse> response);
     void Init_VelmoInit(std::shared_ptr<Mailbox::IResponse> response);
@@ -176,6 +177,8 @@ private:
 
     Vt22DeviceIdArea& DeviceId() const;
     Vt22OutArea& OutArea() const;
+    DatabaseInfo& Database() const;
+    Config::IBusConfig& BusConfig() const;
     void Enqueue(std::shared_ptr<Mailbox::IRequest> request, ResponseStep step, int timeoutSeconds);
 
     std::weak_ptr<Vt22Module> _self;

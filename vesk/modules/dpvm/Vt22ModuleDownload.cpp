@@ -34,6 +34,8 @@ static bool SaysNoDatabase(IResponse& response) {
 }
 
 void Vt22Module::Download_GetDatabaseInfo(std::shared_ptr<IResponse> response) {
+    if (!response)
+        System::_throw_argument_null_exception("response");
     if (SaysNoDatabase(*response))
         return StartDownload();
     _databaseInfo = DatabaseInfo::FromMailboxResponse(response);
@@ -49,12 +51,12 @@ void Vt22Module::Download_GetDatabaseInfo(std::shared_ptr<IResponse> response) {
 }
 
 bool Vt22Module::DatabaseMatches() const {
-    const std::string& description = _databaseInfo->Description.Value();
+    const unsigned int checksum = BusConfig().Checksum();
+    const std::string& description = Database().Description.Value();
     if (description.size() != DESCRIPTION_LENGTH)
         return false;
     try {
-        return static_cast<unsigned int>(System::Convert::ToUInt64(description, 16)) ==
-               _busConfig->Checksum();
+        return static_cast<unsigned int>(System::Convert::ToUInt64(description, 16)) == checksum;
     } catch (const std::shared_ptr<System::Exception>&) {
         return false; // a description that is no number is that of another configuration
     }
@@ -68,11 +70,11 @@ void Vt22Module::StartDownload() {
 void Vt22Module::Download_StartDatabaseDownload(std::shared_ptr<IResponse> response) {
     MailboxResponseException::ThrowIfError(response);
     const auto queue = System::Collections::Generic::Queue<std::shared_ptr<IRequest>>::Create();
-    queue->Enqueue(DPVMMessages::MasterRecordDownload(_busConfig->Master()));
-    const auto addresses = _busConfig->SlaveAddresses();
+    queue->Enqueue(DPVMMessages::MasterRecordDownload(BusConfig().Master()));
+    const auto addresses = BusConfig().SlaveAddresses();
     for (int slave = 0; slave < addresses->Count(); ++slave) {
         const unsigned char address = addresses->Get(slave);
-        const auto fragments = DPVMMessages::SlaveRecordDownload(address, _busConfig->Slave(address));
+        const auto fragments = DPVMMessages::SlaveRecordDownload(address, BusConfig().Slave(address));
         for (int fragment = 0; fragment < fragments->Count(); ++fragment)
             queue->Enqueue(fragments->Get(fragment));
     }
@@ -82,10 +84,12 @@ void Vt22Module::Download_StartDatabaseDownload(std::shared_ptr<IResponse> respo
 
 void Vt22Module::Download_Next(std::shared_ptr<IResponse> response) {
     MailboxResponseException::ThrowIfError(response);
+    if (!_downloadQueue)
+        System::_throw_null_reference_exception("_downloadQueue");
     if (_downloadQueue->Count() > 0)
         return Enqueue(_downloadQueue->Dequeue(), &Vt22Module::Download_Next, DOWNLOAD_SECONDS);
     const System::String description =
-        System::Convert::ToString(_busConfig->Checksum(), 16).PadLeft(DESCRIPTION_LENGTH, '0');
+        System::Convert::ToString(BusConfig().Checksum(), 16).PadLeft(DESCRIPTION_LENGTH, '0');
     Enqueue(DPVMMessages::EndDatabaseDownload(description), &Vt22Module::Download_EndDataBaseDownload,
             DOWNLOAD_SECONDS);
     _downloadQueue = nullptr;

@@ -10,7 +10,7 @@ using System::IArray;
 
 static constexpr int SERVICE_SECONDS = 3;
 
-// ---- what a power-on creates
+// ---- what a power-on or an earlier step creates
 
 Vt22DeviceIdArea& Vt22Module::DeviceId() const {
     if (!_deviceIdArea)
@@ -22,6 +22,18 @@ Vt22OutArea& Vt22Module::OutArea() const {
     if (!_outArea)
         System::_throw_null_reference_exception("_outArea");
     return *_outArea;
+}
+
+DatabaseInfo& Vt22Module::Database() const {
+    if (!_databaseInfo)
+        System::_throw_null_reference_exception("_databaseInfo");
+    return *_databaseInfo;
+}
+
+Config::IBusConfig& Vt22Module::BusConfig() const {
+    if (!_busConfig)
+        System::_throw_null_reference_exception("_busConfig");
+    return *_busConfig;
 }
 
 void Vt22Module::Enqueue(std::shared_ptr<Mailbox::IRequest> request, ResponseAction responseAction,

@@ -41,20 +41,23 @@ std::shared_ptr<MemoryMappedFile> MemoryMappedFile::CreateFromPath(const String&
     if (capacity < 0)
         _throw_not_less_exception(capacity, 0, "capacity", "zero");
 
-    const int descriptor = OpenForMapping(path, static_cast<std::int64_t>(offset) + capacity);
     const auto skipped = static_cast<std::size_t>(offset) % static_cast<std::size_t>(::sysconf(_SC_PAGESIZE));
     const std::size_t length = skipped + static_cast<std::size_t>(capacity);
+    // Made first: what is opened and mapped after it is left behind by nothing that fails.
+    auto file = MakeShared<MemoryMappedFile>(length, skipped, capacity);
+    const int descriptor = OpenForMapping(path, static_cast<std::int64_t>(offset) + capacity);
     void* const pages = ::mmap(nullptr, length, PROT_READ | PROT_WRITE, MAP_SHARED, descriptor,
                                static_cast<off_t>(static_cast<std::size_t>(offset) - skipped));
     const int error = errno;
     ::close(descriptor);
     if (pages == MAP_FAILED)
         ThrowIOException(path, error);
-    return MakeShared<MemoryMappedFile>(pages, length, skipped, capacity);
+    file->_pages = pages;
+    return file;
 }
 
-MemoryMappedFile::MemoryMappedFile(void* pages, std::size_t pagesLength, std::size_t skipped, int capacity)
-    : _pages(pages), _pagesLength(pagesLength), _skipped(skipped), _capacity(capacity) {}
+MemoryMappedFile::MemoryMappedFile(std::size_t pagesLength, std::size_t skipped, int capacity)
+    : _pagesLength(pagesLength), _skipped(skipped), _capacity(capacity) {}
 
 MemoryMappedFile::~MemoryMappedFile() {
     Close();

@@ -32,10 +32,10 @@ public:
     void Close();
 
 protected:
-    MemoryMappedFile(void* pages, std::size_t pagesLength, std::size_t skipped, int capacity);
+    MemoryMappedFile(std::size_t pagesLength, std::size_t skipped, int capacity);
 
 private:
-    void* _pages; // from the start of a page on; null when closed
+    void* _pages = nullptr; // from the start of a page on; null when closed
     std::size_t _pagesLength;
     std::size_t _skipped; // bytes of the first page before the mapping
     int _capacity;
