@@ -12,7 +12,7 @@ DEPENDS = "cli11 nlohmann-json libgpiod"
 
 inherit cmake pkgconfig
 
-EXTRA_OECMAKE = "-DVESK_BUILD_TESTS=OFF -DVESK_BUILD_EXAMPLES=OFF"
+EXTRA_OECMAKE = "-DVESK_BUILD_TESTS=OFF -DVESK_BUILD_EXAMPLES=OFF -DVESK_SEPARATE_DEBUG=OFF"
 
 PACKAGES =+ "${PN}-tools"
 FILES:${PN}-tools = "${bindir} ${datadir}/bash-completion ${datadir}/zsh ${datadir}/fish"

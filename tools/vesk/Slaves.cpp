@@ -14,10 +14,11 @@ using ResponseAction = Vesk::Modules::DPVM::IDPVMModule::ResponseAction;
 
 namespace {
 
-using Service = void (Vesk::Modules::DPVM::Vt22Module::*)(unsigned char, ResponseAction);
+using SlaveService = void (Vesk::Modules::DPVM::Vt22Module::*)(unsigned char, ResponseAction);
 
 /// The bytes that the module answers about a slave; nothing where it answers with an error.
-std::optional<std::vector<unsigned char>> AskAbout(Session& session, Service service, unsigned int address) {
+std::optional<std::vector<unsigned char>> AskAbout(Session& session, SlaveService service,
+                                                   unsigned int address) {
     const auto answer = session.TryAsk(
         [&](ResponseAction action) {
             (session.Module().*service)(static_cast<unsigned char>(address), std::move(action));
