@@ -29,6 +29,9 @@ bool Board::ComesToInterrupt() {
 }
 
 void Board::RaiseInterrupt() {
+    if (options.beforeInterrupt) {
+        options.beforeInterrupt();
+    }
     if (faultyDpRam) {
         faultyDpRam->Show();
     }

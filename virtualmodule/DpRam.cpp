@@ -81,7 +81,7 @@ std::optional<DpRam::Range> DpRam::FindForeignWrite(std::size_t from) {
         return foreign;
     };
     for (std::size_t i = from; i < SIZE; ++i) {
-        if (adopt(i)) {
+        if (Read8(i) != _shadow[i] && adopt(i)) {
             std::size_t end = i + 1;
             while (end < SIZE && adopt(end)) {
                 ++end;

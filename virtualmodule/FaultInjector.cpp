@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "virtualmodule/FaultInjector.h"
 
+#include <algorithm>
+
 namespace VirtualModule {
 
 namespace {
@@ -28,6 +30,10 @@ void FaultInjector::CountRequest(const Message& request, bool bootloader) {
     if (_request != Counts::REQUESTS) {
         Count(_request);
     }
+}
+
+bool FaultInjector::HasStruck() const {
+    return std::any_of(_faults.begin(), _faults.end(), [](const Armed& armed) { return armed.logged != 0; });
 }
 
 /// Not between two of what it counts.

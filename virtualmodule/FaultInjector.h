@@ -25,6 +25,12 @@ public:
     /// std::invalid_argument for a VALUE that the table does not have.
     FaultInjector(const std::vector<Fault>& faults, const Watch& watch);
 
+    /// Whether any fault has struck.
+    bool HasStruck() const;
+
+    /// No fault strikes any more.
+    void Clear() { _faults.clear(); }
+
     /// One more of these.
     void Count(Counts what) { ++_counted[static_cast<std::size_t>(what)]; }
 

@@ -43,7 +43,8 @@ struct FaultKind {
     Values values;          // the ranges of rows with the same name do not meet
     std::string_view wrong; // what goes wrong
     /// How a life ends: first, with the usual step, count and value; then, what else may come of others, and
-    /// of the other life. That nothing comes of them at all (SAME_DATA) is always possible.
+    /// of the other life. Where a fault does not come to strike, or only when all but the last is done,
+    /// nothing comes of it (SAME_DATA), whatever stands here.
     std::vector<const Outcome*> outcomes;
     Life life = Life::MASTER;
 

@@ -43,8 +43,8 @@ void FaultyDpRam::TakeHostWrites() {
     const bool ignored = _faults.Strikes(FaultId::DPRAM_WRITES_IGNORED) != nullptr;
     for (std::size_t i = _host.size(); i-- > 0;) {
         const std::uint8_t now = _host[i];
-        std::atomic_thread_fence(std::memory_order_acquire);
         if (now != _shown[i]) {
+            std::atomic_thread_fence(std::memory_order_acquire);
             _shown[i] = now;
             _module[i] = ignored ? _module[i] : now;
         }

@@ -3,7 +3,6 @@
 
 #include <algorithm>
 #include <cerrno>
-#include <cstdlib>
 #include <cstring>
 #include <fcntl.h>
 #include <filesystem>
@@ -143,10 +142,12 @@ Flash Decode(ByteView bytes) {
 /// A new file beside the one to be replaced; unless it takes that one's place, it goes away again.
 class Replacement {
 public:
-    explicit Replacement(const std::string& path) : _path(path), _temporary(path + ".XXXXXX") {
-        _descriptor = ::mkstemp(_temporary.data());
+    explicit Replacement(const std::string& path) : _path(path), _temporary(path + Flash::UNFINISHED) {
+        // Made anew, so that it is nobody else's link to somewhere.
+        ::unlink(_temporary.c_str());
+        _descriptor = ::open(_temporary.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0666);
         if (_descriptor < 0) {
-            Fail(_path, std::strerror(errno));
+            Fail(_temporary, std::strerror(errno));
         }
     }
 

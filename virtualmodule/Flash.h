@@ -25,10 +25,14 @@ struct Flash {
     /// Counts what the module has written; whoever keeps the flash in a file saves it when this has moved.
     std::uint64_t writes = 0;
 
+    /// Save writes the file under its name and this, and then renames it.
+    static constexpr const char* UNFINISHED = ".new";
+
     /// Reads the file at `path`. std::runtime_error, which names the path and the reason, if it cannot be
     /// read, is damaged or cut short.
     static Flash Load(const std::string& path);
-    /// Writes the file at `path` whole or not at all; std::runtime_error with the reason if it fails.
+    /// Writes the file at `path` whole or not at all; std::runtime_error with the reason if it fails. What a
+    /// Save that was cut off left behind is overwritten.
     void Save(const std::string& path) const;
 };
 

@@ -47,6 +47,12 @@ public:
     /// How often something has happened that the STEP of a fault counts, since the module was made.
     unsigned Counted(Counts what) const { return _board.faults.Counted(what); }
 
+    /// Whether any of its faults has struck.
+    bool FaultHasStruck() const { return _board.faults.HasStruck(); }
+
+    /// Nothing goes wrong from now on; what went wrong stays so until the next reset.
+    void ClearFaults() { _board.faults.Clear(); }
+
     /// Takes a slave off the bus or puts it back, in any state of the module.
     void SetSlavePresent(std::uint8_t address, bool present);
 

@@ -13,6 +13,7 @@ struct ModuleFiles {
     std::string dpRam = folder.Path("dpram");
     std::string lines = folder.Path("lines");
     std::string flash = folder.Path("flash");
+    std::string speed = "10"; // of the module's time; its boot and its period then take a tenth
 
     /// The options that say where the module is, after `arguments`.
     Arguments With(Arguments arguments) const {
@@ -20,9 +21,9 @@ struct ModuleFiles {
         return arguments;
     }
 
-    /// A module that is ready. Its boot and its period take a tenth of the usual time, and it logs.
+    /// A module that is ready, and logs.
     std::unique_ptr<Process> StartModule(const Arguments& more = {}) const {
-        Arguments arguments = With({"module", "--flash", flash, "--speed", "10", "--log"});
+        Arguments arguments = With({"module", "--flash", flash, "--speed", speed, "--log"});
         arguments.insert(arguments.end(), more.begin(), more.end());
         auto module = std::make_unique<Process>(VESK_TOOL, arguments);
         if (!module->WaitForOut("module ready on " + dpRam + ", " + lines + "\n"))

@@ -2,6 +2,7 @@
 #include "tests/support/RunTool.h"
 
 #include "vesk/Vesk.h"
+#include "virtualmodule/Faults.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -15,7 +16,7 @@ using testing::Not;
 
 namespace {
 
-/// What is made from the program's help: the man page and the completions.
+/// What the program makes: the man page and the completions from its help, docs/faults.md from its faults.
 class DocumentsTest : public testing::Test {
 protected:
     /// The path of the generated document.
@@ -111,6 +112,19 @@ TEST_F(DocumentsTest, OtherShellsAcceptTheirs) {
         EXPECT_EQ(offered.err, "");
         EXPECT_TRUE(offered.out.starts_with("diff\t")) << offered.out;
     }
+}
+
+TEST_F(DocumentsTest, FaultsPageIsUpToDate) {
+    Generate("faults");
+    const std::string page = _folder.Content("vesk.faults");
+    EXPECT_EQ(TemporaryFolder::Read(SOURCE_DIR "/docs/faults.md"), page)
+        << "to bring it up to date: vesk generate faults > docs/faults.md";
+    EXPECT_THAT(page,
+                HasSubstr("| `Vesk.StartupException`<br>`Timeout waiting for initial IRQ` | The module was "
+                          "let out of reset and did not report. | Its supply, the reset and "));
+    EXPECT_THAT(page, HasSubstr("`boot-silent`, `boot-late=2500`; at times `dead` |\n"));
+    for (const VirtualModule::FaultKind& kind : VirtualModule::Faults())
+        EXPECT_THAT(page, HasSubstr("`" + std::string(kind.name)));
 }
 
 TEST_F(DocumentsTest, GenerateIsHiddenAndTakesKnownDocumentsOnly) {

@@ -49,7 +49,9 @@ TEST_F(FlashTest, ComesBackAsItWasSaved) {
     flash.application = {false, {9, 8, 7}, Bytes(300, 5)};
     flash.bootloader = {true, {3, 2, 1}, {4, 5, 6}};
     flash.Save(path);
-    flash.Save(path); // over an old one
+    // Over an old one, and beside one that was cut off or that somebody has put there.
+    std::filesystem::create_symlink(folder + "/elsewhere", path + Flash::UNFINISHED);
+    flash.Save(path);
     const Flash loaded = Flash::Load(path);
     EXPECT_EQ(loaded.serial, flash.serial);
     EXPECT_FALSE(loaded.application.valid);

@@ -22,7 +22,7 @@ ModuleProcess::ModuleProcess(Options options, const Console& console)
       _module(
           {static_cast<volatile std::uint8_t*>(_dpRam.Memory()), VirtualModule::DpRam::SIZE},
           VirtualModule::Lines::At(_lines.Memory()), _flash, [this] { return ModuleTime(); },
-          _options.module) {
+          ModuleOptions()) {
     if (_options.log)
         _module.SetLog([this](const std::string& text) { Log(text); });
 }
@@ -32,11 +32,20 @@ std::int64_t ModuleProcess::ModuleTime() const {
     return static_cast<std::int64_t>(passed.count() * _options.speed);
 }
 
+/// What the host is told it may rely on, even if this process is killed the next moment.
+VirtualModule::Options ModuleProcess::ModuleOptions() {
+    VirtualModule::Options options = _options.module;
+    options.beforeInterrupt = [this] { SaveFlash(); };
+    return options;
+}
+
 /// A module that has no flash file yet gets one at once, so that a path that cannot be written shows now.
 VirtualModule::Flash ModuleProcess::LoadFlash() const {
     const std::string& path = _options.flashPath;
     if (path.empty())
         return {};
+    std::error_code notThere;
+    std::filesystem::remove(path + VirtualModule::Flash::UNFINISHED, notThere);
     if (std::filesystem::exists(path)) {
         if (!std::filesystem::is_regular_file(path))
             throw Failure(path + " is not a regular file");
@@ -58,7 +67,7 @@ void ModuleProcess::Execute() {
     _console.out << "module ready on " << _options.dpRamPath << ", " << _options.linesPath << std::endl;
     do {
         _module.Step();
-        SaveFlash();
+        SaveFlash(); // what is written long before its answer, or never answered
         ReportViolations();
     } while (sigtimedwait(&ends, nullptr, lines.ResetAsserted() ? &REST_IN_RESET : &REST) < 0);
     if (_reportedViolations > 0)

@@ -32,6 +32,7 @@ public:
 
 private:
     std::int64_t ModuleTime() const;
+    VirtualModule::Options ModuleOptions();
     VirtualModule::Flash LoadFlash() const;
     void SaveFlash();
     void ReportViolations();
