@@ -35,7 +35,7 @@ struct Options {
     std::vector<Fault> faults;
     /// Called before each interrupt, so before the host may look at what it announces; may be empty. What is
     /// to outlive this process, the flash above all, is put away here.
-    std::function<void()> beforeInterrupt;
+    std::function<void()> beforeInterrupt{};
 };
 
 } // namespace VirtualModule

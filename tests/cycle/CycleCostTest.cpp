@@ -3,10 +3,12 @@
 // call. A program apart, since it counts them in place of the process's own functions.
 #include "tests/cycle/Heap.h"
 #include "tests/support/RunningMaster.h"
+#include "tests/support/TemporaryFolder.h"
 #include "tests/support/TestClock.h"
 
 #include "vesk/mailbox/Header.h"
 #include "vesk/mailbox/IResponse.h"
+#include "vesk/system/io/MemoryMappedFile.h"
 
 #include <gtest/gtest.h>
 
@@ -168,4 +170,24 @@ TEST(HeapTest, HoldsARunningMasterInLittleMemory) {
     const long before = Heap::Bytes();
     const RunningMaster second(3500, 125);
     EXPECT_LE(Heap::Bytes() - before - 7000, 64 * 1024) << "beside the application's arrays";
+}
+
+TEST(HeapTest, LeavesNoMappingBehindWhereMemoryRunsOut) {
+    using namespace System::IO;
+    const TemporaryFolder folder;
+    const System::String path = folder.Put("dpram", std::string(0x2000, 0));
+    long failing = 0;
+    for (bool failed = true; failed;) {
+        Heap::FailAt(++failing);
+        try {
+            MemoryMappedFile::CreateFromPath(path, FileMode::OPEN, 0, 0x2000,
+                                             MemoryMappedFileAccess::READ_WRITE);
+            failed = false;
+        } catch (const std::bad_alloc&) {
+        }
+        Heap::FailAt(0);
+        EXPECT_EQ(TemporaryFolder::Read("/proc/self/maps").find(path.Value()), std::string::npos)
+            << "allocation " << failing;
+    }
+    EXPECT_GT(failing, 1);
 }

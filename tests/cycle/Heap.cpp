@@ -4,9 +4,12 @@
 #include <cstdlib>
 #include <malloc.h>
 #include <new>
+#include <utility>
 
 static thread_local long allocations = 0;
 static thread_local long bytes = 0;
+static thread_local long untilFailure = 0; // 0: none
+static thread_local int spared = 0;
 
 long Heap::Allocations() {
     return allocations;
@@ -14,6 +17,22 @@ long Heap::Allocations() {
 
 long Heap::Bytes() {
     return bytes;
+}
+
+long Heap::FailAt(long n) {
+    return std::exchange(untilFailure, n);
+}
+
+Heap::Spared::Spared() {
+    ++spared;
+}
+
+Heap::Spared::~Spared() {
+    --spared;
+}
+
+static bool Fails() {
+    return untilFailure != 0 && spared == 0 && --untilFailure == 0;
 }
 
 static void* Counted(void* memory) {
@@ -30,12 +49,13 @@ static void Release(void* memory) noexcept {
 }
 
 void* operator new(std::size_t size) {
-    return Counted(std::malloc(size ? size : 1));
+    return Counted(Fails() ? nullptr : std::malloc(size ? size : 1));
 }
 
 void* operator new(std::size_t size, std::align_val_t alignment) {
     const auto boundary = static_cast<std::size_t>(alignment);
-    return Counted(std::aligned_alloc(boundary, (size + boundary - 1) / boundary * boundary));
+    const std::size_t rounded = (size + boundary - 1) / boundary * boundary;
+    return Counted(Fails() ? nullptr : std::aligned_alloc(boundary, rounded));
 }
 
 void operator delete(void* memory) noexcept {

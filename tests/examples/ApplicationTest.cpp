@@ -1,34 +1,145 @@
 // SPDX-License-Identifier: MIT
 #include "tests/support/ModuleFiles.h"
+#include "tests/support/RunTool.h"
 
-#include <gtest/gtest.h>
+#include <gmock/gmock.h>
+
+using testing::ElementsAre;
+using testing::HasSubstr;
+using testing::MatchesRegex;
+using testing::StartsWith;
 
 namespace {
 
-std::string Content(const std::string& path) {
-    std::ifstream file(path, std::ios::binary);
-    return {std::istreambuf_iterator<char>(file), {}};
-}
+constexpr const char* PLANT = SOURCE_DIR "/examples/plant.ddb";
 
-TEST(ApplicationTest, IsWhatTheReadmeShows) {
-    const std::string readme = Content(SOURCE_DIR "/README.md");
-    const std::string application = Content(SOURCE_DIR "/examples/application.cpp");
-    ASSERT_NE(application, "");
-    EXPECT_NE(readme.find("```cpp\n" + application + "```\n"), std::string::npos);
-}
+/// Each program of examples/ against a module in a process of its own.
+struct ApplicationTest : testing::Test {
+    using Arguments = std::vector<std::string>;
 
-TEST(ApplicationTest, RunsAgainstAModuleInAnotherProcess) {
-    const ModuleFiles files{};
-    const auto module = files.StartModule();
-    for (int life = 0; life < 2; ++life) { // with a download and without
-        Process application(EXAMPLE_APPLICATION,
-                            {files.dpRam, files.lines, SOURCE_DIR "/examples/plant.ddb"});
-        EXPECT_EQ(application.Wait(), 0) << application.Err();
-        EXPECT_EQ(application.Out().rfind("online\nnew mode\n42 went to the bus and came back\n", 0), 0u);
-        EXPECT_NE(application.Out().find("\nError: No error\n"), std::string::npos);
+    static std::string Path(const std::string& example) { return EXAMPLES + ("/" + example); }
+
+    /// The arguments that begin with the files of the module.
+    static Arguments On(const ModuleFiles& files, Arguments more) {
+        more.insert(more.begin(), {files.dpRam, files.lines});
+        return more;
     }
-    EXPECT_EQ(module->End(SIGTERM), 0);
-    EXPECT_EQ(module->Err(), "");
+
+    static void ExpectRightHost(Process& module) {
+        EXPECT_EQ(module.End(SIGTERM), 0);
+        EXPECT_EQ(module.Err(), "") << "what a module must never see";
+    }
+
+    ModuleFiles files;
+};
+
+TEST_F(ApplicationTest, TheReadmeShowsOneWhole) {
+    const std::string application = TemporaryFolder::Read(SOURCE_DIR "/examples/application.cpp");
+    ASSERT_NE(application, "");
+    EXPECT_THAT(TemporaryFolder::Read(SOURCE_DIR "/README.md"),
+                HasSubstr("```cpp\n" + application + "```\n"));
+}
+
+TEST_F(ApplicationTest, EachDoesItsTask) {
+    const std::string record = // "Virtual slave, ident 0x2a10, record 1"
+        "56 69 72 74 75 61 6c 20 73 6c 61 76 65 2c 20 69 64 65 6e 74 20 30 78 32 61 31 30 2c 20 72 65 63 6f "
+        "72 64 20 31\n";
+
+    const struct {
+        const char* example;
+        Arguments arguments;
+        int status;
+        std::string out;
+        std::string err;
+    } cases[]{
+        {"bus_up_and_down",
+         {PLANT},
+         0,
+         "online\nOPERATE\n12 slaves exchange data\nCLEAR\nSTOP\noffline\n",
+         ""},
+        {"cyclic_control", {PLANT}, 0, "running at 1000 rpm\nstanding still\n", ""},
+        {"cyclic_control", {PLANT, "1000"}, 1, "", "priority 1000: Invalid argument\n"},
+        {"cyclic_control",
+         {"none.ddb"},
+         1,
+         "",
+         "System.IO.FileNotFoundException: none.ddb: No such file or directory\n"},
+        {"read_record", {"3", "0", "1"}, 0, record + record, ""},
+        {"read_record", {"3", "9", "1"}, 1, "", "refused: Invalid Address\n"},
+        {"read_record", {"256", "0", "1"}, 1, "", "256 is not 0 to 255\n"},
+        {"firmware_update",
+         {SOURCE_DIR "/examples/firmware/vt22-1.5.0.fw"},
+         0,
+         "downloading VT22 demo firmware 1.5.0, 31 requests\nthe module runs version 1.5.0\n",
+         ""},
+    };
+
+    const auto module = files.StartModule();
+    for (const auto& [example, arguments, status, out, err] : cases) {
+        SCOPED_TRACE(example);
+        const ToolResult result = RunTool::Run(On(files, arguments), Path(example));
+        EXPECT_EQ(result.status, status);
+        EXPECT_EQ(result.out, out);
+        EXPECT_EQ(result.err, err);
+    }
+    for (int life = 0; life < 2; ++life) { // with another firmware's database, and with its own
+        const ToolResult result = RunTool::Run(On(files, {PLANT}), Path("application"));
+        EXPECT_EQ(result.status, 0) << result.err;
+        EXPECT_THAT(result.out, StartsWith("online\nnew mode\n42 went to the bus and came back\n"));
+        EXPECT_THAT(result.out, HasSubstr("\nError: No error\n"));
+    }
+    ExpectRightHost(*module);
+}
+
+TEST_F(ApplicationTest, EachSaysHowItIsUsed) {
+    for (const std::string example : {"application", "bus_up_and_down", "cyclic_control", "fault_log",
+                                      "firmware_update", "read_record", "several_modules"}) {
+        const ToolResult result = RunTool::Run({}, Path(example));
+        EXPECT_EQ(result.status, 1);
+        EXPECT_THAT(result.err, StartsWith("usage: " + example + " "));
+    }
+}
+
+TEST_F(ApplicationTest, AModuleThatFailsDoesNotStopTheOthers) {
+    const ModuleFiles failing;
+    const ModuleFiles third;
+    const auto module = files.StartModule();
+    const auto failingModule = failing.StartModule({"--fault", "fatal@20"});
+    const auto thirdModule = third.StartModule();
+    const ToolResult result = RunTool::Run(
+        {PLANT, files.dpRam, files.lines, failing.dpRam, failing.lines, third.dpRam, third.lines},
+        Path("several_modules"));
+    EXPECT_EQ(result.status, 1);
+    EXPECT_THAT(result.out, HasSubstr(files.dpRam + ": 42 went to the bus and came back\n"));
+    EXPECT_THAT(result.out, HasSubstr(third.dpRam + ": 42 went to the bus and came back\n"));
+    EXPECT_EQ(result.err,
+              failing.dpRam +
+                  ": Vesk.Modules.DPVM.Vt22FatalEventException: Fatal event reported by VT22 module\n");
+    ExpectRightHost(*module);
+    ExpectRightHost(*failingModule);
+    ExpectRightHost(*thirdModule);
+}
+
+TEST_F(ApplicationTest, TheFaultLogSurvivesTheModule) {
+    // Far behind the start-up, which takes some hundred interrupts with the download and ten without.
+    const auto module = files.StartModule({"--fault", "reboot@400x1", "--fault", "fatal@600x1"});
+    const std::string log = files.folder.Path("log");
+    Process example(Path("fault_log"), On(files, {PLANT, log}));
+    ASSERT_TRUE(example.WaitForOut("running\nrunning\nrunning\n")) << example.Err();
+    EXPECT_EQ(example.End(SIGTERM), 0);
+    EXPECT_EQ(example.Err(), "");
+
+    std::istringstream content(TemporaryFolder::Read(log));
+    std::vector<std::string> lines;
+    for (std::string line; std::getline(content, line);)
+        lines.push_back(line);
+    const std::string time = "20[0-9-]+T[0-9:]+Z ";
+    EXPECT_THAT(lines,
+                ElementsAre(MatchesRegex(time + "Vesk\\.ModuleStateException: Unexpected poweron indication "
+                                                "from module! PowerOn +"),
+                            MatchesRegex(time + "Vesk\\.Modules\\.DPVM\\.Vt22FatalEventException ErrorCode: "
+                                                "0x102 .* SourceFile: dpmaster\\.c +")));
+    ExpectRightHost(*module);
 }
 
 } // namespace

@@ -40,7 +40,7 @@ protected:
 
 TEST_F(FaultLifeTest, GoodLivesGetWhatTheyWant) {
     EXPECT_TRUE(_goodMaster.complete) << _goodMaster.Text();
-    EXPECT_EQ(_goodMaster.data.size(), 11u);
+    EXPECT_EQ(_goodMaster.data.size(), 59u);
     EXPECT_TRUE(_goodFirmware.complete) << _goodFirmware.Text();
     EXPECT_EQ(_goodFirmware.data.front(), "valid 1");
 }

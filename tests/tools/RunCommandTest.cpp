@@ -22,10 +22,13 @@ std::string Content(const DatabaseFileBuilder& file) {
 
 } // namespace
 
-TEST(RunCommand, LetsThePlantRun) {
-    const auto result = RunTool::Run({"run", PLANT, "--cycles", "5"});
-    EXPECT_EQ(result.status, 0) << result.err;
-    EXPECT_THAT(result.out, HasSubstr("All held: 12 slaves, 5 cycles, 0 mismatches, 2 lives.\n"));
+TEST(RunCommand, LetsThePlantRunWithItsFileOrWithout) {
+    for (const RunTool::Arguments& arguments :
+         {RunTool::Arguments{"run", PLANT, "--cycles", "5"}, RunTool::Arguments{"run", "--cycles", "5"}}) {
+        const auto result = RunTool::Run(arguments);
+        EXPECT_EQ(result.status, 0) << result.err;
+        EXPECT_THAT(result.out, HasSubstr("All held: 12 slaves, 5 cycles, 0 mismatches, 2 lives.\n"));
+    }
 }
 
 TEST(RunCommand, ReportsAsJson) {

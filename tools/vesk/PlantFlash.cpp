@@ -21,9 +21,13 @@ static VirtualModule::Bytes BinaryForm(const Record& record) {
     return {bytes->Data(), bytes->Data() + bytes->Count()};
 }
 
-VirtualModule::Flash PlantFlash() {
+std::shared_ptr<IBusConfig> Plant() {
     const auto file = System::Array<unsigned char>::Create({PLANT_FILE.begin(), PLANT_FILE.end()});
-    const auto plant = DdbParser::FromStream(MemoryStream::Create(file));
+    return DdbParser::FromStream(MemoryStream::Create(file));
+}
+
+VirtualModule::Flash PlantFlash() {
+    const auto plant = Plant();
     VirtualModule::Flash flash;
     VirtualModule::Database& database = flash.database;
     database.master = BinaryForm(*plant->Master());

@@ -5,6 +5,7 @@
 #include "tools/vesk/DatabaseFile.h"
 #include "tools/vesk/Failure.h"
 #include "tools/vesk/LinkOptions.h"
+#include "tools/vesk/PlantFlash.h"
 #include "tools/vesk/Text.h"
 
 #include <algorithm>
@@ -27,10 +28,11 @@ Run::Run(Options options, std::shared_ptr<Config::IBusConfig> config, Link link,
     : _options(std::move(options)), _config(std::move(config)), _link(std::move(link)), _out(out) {}
 
 void Run::Execute() {
-    _report["config"] = _options.configPath;
+    const std::string name = _options.configPath.empty() ? "the plant of the examples" : _options.configPath;
+    _report["config"] = name;
     _report["link"] = _link.description;
-    Line("vesk run " + _options.configPath + ", " + std::to_string(_config->SlaveAddresses()->Count()) +
-         " slaves, on a " + _link.description);
+    Line("vesk run " + name + ", " + std::to_string(_config->SlaveAddresses()->Count()) + " slaves, on a " +
+         _link.description);
     FirstLife();
     SecondLife();
     Summarize();
@@ -224,22 +226,21 @@ void Run::Line(const std::string& text) {
 void AddRun(CLI::App& program, int& status) {
     static constexpr auto* DESCRIPTION =
         "Power the module up, bring its database in line with CONFIG, exchange and check process data with "
-        "every "
-        "slave, use each kind of service, and do the start once more on the same flash.\n"
+        "every slave, use each kind of service, and do the start once more on the same flash.\n"
         "The check expects the slaves of the virtual module, which send back what they get, and overwrites a "
-        "record "
-        "of the first slave: do not run it on a machine.\n"
+        "record of the first slave: do not run it on a machine.\n"
         "Example: vesk run examples/plant.ddb --cycles 5000";
     const auto options = std::make_shared<Run::Options>();
     CLI::App* const command = program.add_subcommand("run", DESCRIPTION);
-    command->add_option("CONFIG", options->configPath, "Configuration database file (.ddb)")->required();
+    command->add_option("CONFIG", options->configPath,
+                        "Configuration database file (.ddb); without one the plant of the examples");
     command->add_option("--cycles", options->cycles, "Process data exchanges to check")
         ->capture_default_str();
     command->add_flag("--json", options->json, "Print one JSON object instead of text");
     const auto link = std::make_shared<LinkOptions>();
     link->AddTo(*command);
     command->callback([options, link, &status] {
-        const auto config = LoadDatabaseFile(options->configPath);
+        const auto config = options->configPath.empty() ? Plant() : LoadDatabaseFile(options->configPath);
         Run(*options, config, link->Open(), std::cout).Execute();
         status = DONE;
     });

@@ -1,0 +1,79 @@
+// SPDX-License-Identifier: MIT
+// Cyclic control of one slave, the conveyor drive at station 3: every millisecond its speed is read and a new
+// set point written. It runs up to 1000 rpm, slows down and stands still again. Arguments: the DPRAM file,
+// the lines file, the configuration database file, and the real-time priority of the cycle if it is to have
+// one.
+#include "LinesFile.h"
+#include "Updating.h"
+
+#include "vesk/Vesk.h"
+
+#include <algorithm>
+#include <cerrno>
+#include <iostream>
+#include <sched.h>
+#include <sys/mman.h>
+#include <system_error>
+
+using namespace Vesk::Modules::DPVM;
+using System::Array;
+
+/// Gives this thread a processor at once whenever it wants one, and keeps the process's memory in RAM. The
+/// user needs the right to both.
+static void RunInRealTime(int priority) {
+    sched_param parameters{};
+    parameters.sched_priority = priority;
+    if (sched_setscheduler(0, SCHED_FIFO, &parameters) != 0)
+        throw std::system_error(errno, std::generic_category(), "priority " + std::to_string(priority));
+    if (mlockall(MCL_CURRENT | MCL_FUTURE) != 0)
+        throw std::system_error(errno, std::generic_category(), "mlockall");
+}
+
+int main(int argc, char** argv) try {
+    if (argc != 4 && argc != 5)
+        throw std::runtime_error("usage: cyclic_control DPRAM LINES CONFIG [PRIORITY]");
+    const unsigned char drive = 3;
+    const auto lines = LinesFile::Open(argv[2]);
+    const auto config = Config::DdbParser::FromPath(argv[3]);
+    const auto master =
+        Vt22::CreateConfigured(argv[1], 0, lines->VelmoIrq_n(), lines->Reset_n(), lines->BootloaderEnable_n(),
+                               nullptr, nullptr, nullptr, config);
+    UpdateUntil(*master, "the configuration is in the module", [&] { return master->Configured(); });
+
+    // The configuration says where the drive's bytes are. Input goes to the bus, output comes from it.
+    const auto places = config->Slave(drive)->AddressTable();
+    const auto setPoint = Array<unsigned char>::Create(2);
+    const auto actual = Array<unsigned char>::Create(2);
+    master->MapInputData(places->InputOffsetTable()->Get(0), setPoint, 0, 2);
+    master->MapOutputData(places->OutputOffsetTable()->Get(0), actual, 0, 2);
+    master->BeginInitialization();
+    UpdateUntil(*master, "the module is initialised", [&] { return master->Initialized(); });
+    master->SetOperationMode(OperationMode_e::OPERATE);
+    if (argc == 5)
+        RunInRealTime(std::stoi(argv[4]));
+
+    const auto exchanging = master->GetDataTransferList();
+    int target = 1000;
+    int speed = 0;
+    auto next = std::chrono::steady_clock::now();
+    do {
+        master->Update();
+        speed = actual->Get(0) << 8 | actual->Get(1);
+        if (speed == target && target > 0) {
+            std::cout << "running at " << speed << " rpm\n";
+            target = 0;
+        }
+        const bool driveThere = exchanging->Get(drive / 8) >> drive % 8 & 1;
+        const int command = driveThere ? speed + std::clamp(target - speed, -50, 50) : 0;
+        setPoint->Set(0, static_cast<unsigned char>(command >> 8));
+        setPoint->Set(1, static_cast<unsigned char>(command));
+        std::this_thread::sleep_until(next += std::chrono::milliseconds(1));
+    } while (target > 0 || speed > 0);
+    std::cout << "standing still\n";
+    return 0;
+
+} catch (const std::exception& failure) {
+
+    std::cerr << failure.what() << "\n";
+    return 1;
+}

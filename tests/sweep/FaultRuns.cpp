@@ -1,0 +1,242 @@
+// SPDX-License-Identifier: MIT
+#include "tests/sweep/FaultRuns.h"
+
+#include "tests/cycle/Heap.h"
+
+#include "vesk/hostinterface/MasterDpRam.h"
+
+#include <algorithm>
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <limits>
+#include <set>
+
+using namespace VirtualModule;
+
+namespace {
+
+using Kind = FaultLife::Kind;
+constexpr Outcome OUT_OF_MEMORY{"std::bad_alloc", "", "", ""};
+
+/// This part of the steps of a life are its last ones.
+constexpr unsigned LAST_STEPS = 20;
+
+/// A range of values is tried whole if, with the steps, it makes no more runs than this.
+constexpr unsigned MOST_OF_A_RANGE = 2'500;
+
+long OpenDescriptors() {
+    using Entries = std::filesystem::directory_iterator;
+    return std::distance(Entries("/proc/self/fd"), Entries());
+}
+
+long MappedDpRams() {
+    long mapped = 0;
+    std::ifstream maps("/proc/self/maps");
+    for (std::string line; std::getline(maps, line);)
+        mapped += line.find("velmo-dpram") != std::string::npos ? 1 : 0;
+    return mapped;
+}
+
+bool IsOneOf(const FaultLife::Ending& ending, const std::vector<const Outcome*>& outcomes,
+             const FaultLife::Ending& good) {
+    return std::any_of(outcomes.begin(), outcomes.end(),
+                       [&](const Outcome* outcome) { return ending.Is(*outcome, good); });
+}
+
+std::string Text(const std::vector<const Outcome*>& outcomes) {
+    std::string text;
+    for (const Outcome* outcome : outcomes)
+        text += "\n  " + (outcome->IsException()
+                              ? std::string(outcome->type) + ": " + std::string(outcome->message)
+                              : std::string(outcome->means));
+    return text;
+}
+
+std::string Text(const FaultLife::Ending& ending, const FaultLife::Ending& good) {
+    return ending.Is(Outcomes::SAME_DATA, good) ? "the data of a good life" : ending.Text();
+}
+
+/// Where one byte or bit of the DPRAM is at fault, VALUE says which.
+bool IsPlace(const FaultKind& kind) {
+    return kind.id == FaultId::DPRAM_BIT_HIGH || kind.id == FaultId::DPRAM_BIT_LOW ||
+           kind.id == FaultId::DPRAM_FLICKER;
+}
+
+} // namespace
+
+std::string FaultRun::Text() const {
+    const std::string where = life == Kind::MASTER ? "master: " : "firmware: ";
+    if (hostFault)
+        return where + std::string(hostFault->name) + ", step " + std::to_string(step);
+    return where + (allocation != 0 ? "allocation " + std::to_string(allocation) + " fails"
+                                    : moduleFaults.front().Text());
+}
+
+FaultRuns::FaultRuns() {
+    for (const Kind life : {Kind::MASTER, Kind::FIRMWARE}) {
+        LiveWell(life); // what the library makes only once is made now
+        _good[life] = LiveWell(life);
+        AddModuleFaults(life);
+        AddHostFaults(life);
+        AddAllocations(life);
+    }
+}
+
+FaultRuns::Good FaultRuns::LiveWell(Kind kind) {
+    constexpr long never = std::numeric_limits<long>::max();
+    Good good;
+    FaultLife life;
+    HostSteps host(life, never);
+    Heap::FailAt(never);
+    good.ending = life.Run(kind);
+    good.allocations = never - Heap::FailAt(0);
+    for (std::size_t i = 0; i < COUNTS; ++i)
+        good.moduleSteps[i] = life.module.GetModule().Counted(static_cast<Counts>(i));
+    for (std::size_t i = 0; i < HOST_STEPS; ++i)
+        good.hostSteps[i] = host.Counted(static_cast<HostStep>(i));
+    for (unsigned i = 0; i < HostSteps::SIZE; ++i)
+        if (host.Touched()[i])
+            good.touched.push_back(i);
+    // Everything that a life ever touches, at once and each byte twice, and why the module stopped.
+    good.mostAccesses = host.MostAccesses();
+    good.bound =
+        2 * static_cast<long>(good.touched.size()) + Vesk::HostInterface::MasterDpRam::FatalEvent::BLOCK_SIZE;
+    return good;
+}
+
+std::string FaultRuns::Summary() const {
+    static constexpr std::array hostSteps{"reads", "writes", "looks at the interrupt line",
+                                          "other line operations", "clock readings"};
+    static_assert(hostSteps.size() == HOST_STEPS);
+    std::string text;
+    for (const auto& [life, good] : _good) {
+        text += life == Kind::MASTER ? "a master's life:" : "a firmware update:";
+        const auto append = [&text](unsigned count, std::string_view what) {
+            text += count == 0 ? "" : " " + std::to_string(count) + " " + std::string(what) + ",";
+        };
+        for (std::size_t i = 0; i < COUNTS; ++i)
+            append(good.moduleSteps[i], Name(static_cast<Counts>(i)));
+        for (std::size_t i = 0; i < HOST_STEPS; ++i)
+            append(good.hostSteps[i], hostSteps[i]);
+        text += " " + std::to_string(good.allocations) + " allocations; up to " +
+                std::to_string(good.mostAccesses) + " bytes accessed in an Update, " +
+                std::to_string(good.bound) + " allowed\n";
+    }
+    return text;
+}
+
+void FaultRuns::AddModuleFaults(Kind life) {
+    for (const FaultKind& kind : Faults())
+        for (unsigned step = 1; step <= _good[life].moduleSteps[static_cast<std::size_t>(kind.counts)];
+             ++step)
+            AddModuleFault(life, kind, step);
+}
+
+void FaultRuns::AddModuleFault(Kind life, const FaultKind& kind, unsigned step) {
+    for (const unsigned value : ValuesOf(kind, _good[life], step))
+        for (const unsigned count : std::set<unsigned>{kind.count, 1})
+            _runs.push_back({life, {{kind.id, step, count, value}}, nullptr, 0, 0, kind.outcomes});
+}
+
+std::vector<unsigned> FaultRuns::ValuesOf(const FaultKind& kind, const Good& good, unsigned step) const {
+    const auto& [name, usual, least, most] = kind.values;
+    if (name.empty())
+        return {0};
+    if (IsPlace(kind)) { // another two of the bytes that matter at each step
+        std::set<unsigned> places{usual};
+        for (unsigned i = 0; i < 2; ++i) {
+            const unsigned offset = good.touched[(step * 2 + i) * 97 % good.touched.size()];
+            places.insert(kind.id == FaultId::DPRAM_FLICKER ? offset : offset * 8 + (step + i) % 8);
+        }
+        return {places.begin(), places.end()};
+    }
+    std::set<unsigned> values{usual, least, most};
+    if ((most - least) * good.moduleSteps[static_cast<std::size_t>(kind.counts)] < MOST_OF_A_RANGE)
+        for (unsigned value = least; value <= most; ++value)
+            values.insert(value);
+    return {values.begin(), values.end()};
+}
+
+void FaultRuns::AddHostFaults(Kind life) {
+    for (const HostFault& fault : HostFaults())
+        for (unsigned step = 1; step <= _good[life].hostSteps[static_cast<std::size_t>(fault.at)]; ++step)
+            _runs.push_back({life, {}, &fault, step, 0, fault.outcomes});
+}
+
+void FaultRuns::AddAllocations(Kind life) {
+    for (long allocation = 1; allocation <= _good[life].allocations; ++allocation)
+        _runs.push_back({life, {}, nullptr, 0, allocation, {&OUT_OF_MEMORY}});
+}
+
+std::string FaultRuns::Broken(const FaultRun& run) const {
+    const long descriptors = OpenDescriptors();
+    const long mapped = MappedDpRams();
+    const long bytes = Heap::Bytes();
+    std::string broken = Live(run);
+    if (!broken.empty())
+        return broken;
+    if (Heap::Bytes() != bytes)
+        return std::to_string(Heap::Bytes() - bytes) + " bytes are left";
+    if (OpenDescriptors() != descriptors)
+        return std::to_string(OpenDescriptors() - descriptors) + " file descriptors are left";
+    if (MappedDpRams() != mapped)
+        return std::to_string(MappedDpRams() - mapped) + " mappings are left";
+    return {};
+}
+
+std::string FaultRuns::Live(const FaultRun& run) const {
+    const Good& good = _good.at(run.life);
+    FaultLife life({}, run.moduleFaults);
+    HostSteps host(life, good.bound);
+    try {
+        host.Arm(run.hostFault, run.step);
+        Heap::FailAt(run.allocation);
+        const FaultLife::Ending ending = life.Run(run.life);
+        Heap::FailAt(0);
+        const auto promised = PromisedOf(run, life.module.GetModule().FaultHasStruck());
+        if (!IsOneOf(ending, promised, good.ending))
+            return "promised" + Text(promised) + "\nseen\n  " + Text(ending, good.ending);
+        host.Arm(nullptr, 0);
+        const std::string broken = LiveAfterwards(run, life, ending);
+        if (!broken.empty() || host.ForeignWrite().empty())
+            return broken;
+        return "wrote where it must not: " + host.ForeignWrite();
+    } catch (const HostSteps::TooManyAccesses&) {
+        return "more than " + std::to_string(good.bound) + " bytes accessed in an Update";
+    }
+}
+
+/// What does not strike, or only when hardly anything is left to be done, changes nothing.
+std::vector<const Outcome*> FaultRuns::PromisedOf(const FaultRun& run, bool struck) const {
+    if (run.moduleFaults.empty())
+        return run.promised;
+    if (!struck)
+        return {&Outcomes::SAME_DATA};
+    const Fault& fault = run.moduleFaults.front();
+    const unsigned steps =
+        _good.at(run.life).moduleSteps[static_cast<std::size_t>(KindOf(fault.id, fault.value).counts)];
+    auto promised = run.promised;
+    if (fault.step + steps / LAST_STEPS >= steps)
+        promised.push_back(&Outcomes::SAME_DATA);
+    return promised;
+}
+
+std::string FaultRuns::LiveAfterwards(const FaultRun& run, FaultLife& life,
+                                      const FaultLife::Ending& first) const {
+    const FaultLife::Ending& good = _good.at(run.life).ending;
+    if (life.HasObject())
+        life.GoOn();
+    life.module.GetModule().ClearFaults();
+    if (life.HasObject()) {
+        const FaultLife::Ending again = life.RunAgain();
+        const bool usable = again.Is(Outcomes::SAME_DATA, good) ||
+                            (first.Is(Outcomes::READ_BACK, good) && again.Is(Outcomes::READ_BACK, good));
+        if (!usable)
+            return "after " + Text(first, good) + "\nand a reset, the same object " + again.Text();
+    }
+    const FaultLife::Ending next = life.Run(run.life);
+    return next.Is(Outcomes::SAME_DATA, good)
+               ? ""
+               : "after " + Text(first, good) + "\na new object " + next.Text();
+}
