@@ -69,11 +69,12 @@ public:
         // Where the module is, is the test's affair alone.
         for (const char* variable : {"VESK_DPRAM", "VESK_OFFSET", "VESK_LINES", "VESK_GPIO"})
             ::unsetenv(variable);
-#ifdef TEST_EMULATOR
-        std::vector<std::string> words{TEST_EMULATOR, program};
-#else
-        std::vector<std::string> words{program};
+        std::vector<std::string> words;
+#ifdef TEST_EMULATOR // which the programs of this build need; scripts and shells are the machine's own
+        if (program.rfind(BUILD_DIR "/", 0) == 0)
+            words = {TEST_EMULATOR};
 #endif
+        words.push_back(program);
         words.insert(words.end(), arguments.begin(), arguments.end());
         std::vector<char*> argv;
         for (std::string& word : words)

@@ -282,7 +282,7 @@ TEST_F(DumpCommandTest, TakesNothingButARegularFileOfTheRightSize) {
         const auto result = RunTool::Run({"dump", one.path});
         EXPECT_EQ(result.status, 1);
         EXPECT_EQ(result.out, "");
-        EXPECT_THAT(result.err, HasSubstr("vesk: " + one.path + one.error + "\n"));
+        EXPECT_THAT(result.err, HasSubstr(one.path + one.error + "\n"));
         const auto asJson = RunTool::Run({"dump", one.path, "--json"});
         EXPECT_EQ(json::parse(asJson.out).at("error").at("message"), one.path + one.error);
     }

@@ -99,11 +99,11 @@ void Build(const BuildOptions& options) {
         Seal(program);
     FirmwareFacts facts = options.facts;
     constexpr std::uint64_t space = std::uint64_t{1} << 32;
-    if (program.size() > MAX_PROGRAM_SIZE || facts.address + program.size() > space)
+    const std::uint64_t end = std::uint64_t{facts.address} + program.size();
+    if (program.size() > MAX_PROGRAM_SIZE || end > space)
         throw Failure(options.imagePath + ": a program of " + std::to_string(program.size()) + " bytes at " +
                       Hex(facts.address) + " does not fit: it has up to " + std::to_string(MAX_PROGRAM_SIZE) +
                       " bytes and ends at 0xffffffff at the latest");
-    const std::uint64_t end = facts.address + program.size();
     facts.crcStart = options.crcStart.value_or(facts.address);
     facts.crcLength = options.crcLength.value_or(
         static_cast<unsigned int>(end - std::min<std::uint64_t>(end, facts.crcStart)));
