@@ -162,9 +162,9 @@ void AddMode(CLI::App& program, int& status) {
                          "back into reset, so "
                          "what it shows is whether the mode can be reached.\n"
                          "Example: vesk mode clear");
-    std::vector<std::string> names;
-    for (const OperationMode_e mode : MODES)
-        names.push_back(LowerCase(ModeName(mode)));
+    std::vector<std::string> names(MODES.size());
+    std::transform(MODES.begin(), MODES.end(), names.begin(),
+                   [](OperationMode_e mode) { return LowerCase(ModeName(mode)); });
     const auto take = [self = command.get(), names](const std::string& text) {
         const auto found = std::find(names.begin(), names.end(), text);
         self->arguments["mode"] = MODES.at(static_cast<std::size_t>(found - names.begin()));

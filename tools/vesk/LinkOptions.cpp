@@ -89,9 +89,11 @@ Link LinkOptions::Open(VirtualModule::Flash flash) const {
 
 LinkOptions::Gpio LinkOptions::ParseGpio(const std::string& text) {
     const auto colon = text.rfind(':');
-    const CLI::ValidationError malformed("--gpio", text + " is not CHIP:irq=N,reset=N,boot=N");
+    const auto malformed = [&] {
+        return CLI::ValidationError("--gpio", text + " is not CHIP:irq=N,reset=N,boot=N");
+    };
     if (colon == std::string::npos || colon == 0)
-        throw malformed;
+        throw malformed();
     std::map<std::string, unsigned int> numbers;
     std::istringstream rest(text.substr(colon + 1));
     for (std::string part; std::getline(rest, part, ',');) {
@@ -99,11 +101,11 @@ LinkOptions::Gpio LinkOptions::ParseGpio(const std::string& text) {
         const std::string role = part.substr(0, equals);
         if (equals == std::string::npos || (role != "irq" && role != "reset" && role != "boot") ||
             numbers.count(role) != 0)
-            throw malformed;
+            throw malformed();
         numbers[role] = ParseNumber("--gpio " + role, part.substr(equals + 1), 0, HIGHEST_GPIO_LINE);
     }
     if (numbers.size() != 3)
-        throw malformed;
+        throw malformed();
     return {text.substr(0, colon), numbers["irq"], numbers["reset"], numbers["boot"]};
 }
 
