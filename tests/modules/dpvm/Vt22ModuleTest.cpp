@@ -222,9 +222,9 @@ TEST_F(Vt22ModuleTest, RefusesAStepThatIsOutOfItsTurn) {
     };
     for (const auto& [step, missing] : steps) {
         ExpectFailure<System::ArgumentNullException>("response must not be null",
-                                                     [&] { (_module.get()->*step)(nullptr); });
+                                                     [&, step = step] { (_module.get()->*step)(nullptr); });
         ExpectFailure<NullReferenceException>(std::string(missing) + " is null",
-                                              [&] { (_module.get()->*step)(fine); });
+                                              [&, step = step] { (_module.get()->*step)(fine); });
     }
     for (const State state : {State::BOOTED, State::DOWNLOAD_COMPLETE, State::INITIALIZED}) {
         _module->ChangeState(state);
