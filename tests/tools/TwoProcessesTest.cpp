@@ -310,6 +310,18 @@ TEST_F(TwoProcessesTest, EachFaultEndsAsTheListPromises) {
                                               std::string(Name(kind.counts)) + " "));
 }
 
+TEST_F(TwoProcessesTest, ASlaveThatIsOffTheBusIsNamed) {
+    const auto module = files.StartModule({"--absent", "9", "--absent", "20"});
+    Process download(VESK_TOOL, files.With({"download", SOURCE_DIR "/examples/plant.ddb"}));
+    ASSERT_EQ(download.Wait(), 0) << download.Err();
+    Process status(VESK_TOOL, files.With({"status", "--json"}));
+    EXPECT_EQ(status.Wait(), 1);
+    const nlohmann::json problem = nlohmann::json::parse(status.Out()).at("problem");
+    EXPECT_EQ(problem.at("step"), "slaves");
+    EXPECT_EQ(problem.at("what"), "Slave 9 does not exchange data");
+    EXPECT_THAT(problem.at("cause").get<std::string>(), HasSubstr("does not answer on the bus"));
+}
+
 TEST_F(TwoProcessesTest, RefusesWhatCannotWork) {
     const auto running = files.StartModule();
     const TemporaryFolder other;

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "tools/vesk/Commands.h"
 #include "tools/vesk/ModuleProcess.h"
+#include "tools/vesk/Numbers.h"
 #include "tools/vesk/Text.h"
 #include "virtualmodule/Faults.h"
 
@@ -109,6 +110,12 @@ void AddModule(CLI::App& program, int& status) {
                      "Let the module's time, its period and its delays, run NUMBER times as fast (1)")
         ->type_name("NUMBER")
         ->check(CheckSpeed);
+    command
+        ->add_option("--absent", options->absentSlaves,
+                     "Take this slave off the bus; may be given more than once")
+        ->allow_extra_args(false)
+        ->type_name("ADDRESS")
+        ->check(CLI::Range(0u, HIGHEST_ADDRESS).description(""));
     command->add_flag(
         "--log", options->log,
         "Print every indication, message and change of state, with the seconds since the start");

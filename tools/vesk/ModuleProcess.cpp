@@ -64,6 +64,8 @@ void ModuleProcess::Execute() {
     sigaddset(&ends, SIGTERM);
     sigprocmask(SIG_BLOCK, &ends, nullptr);
     const auto& lines = VirtualModule::Lines::At(_lines.Memory());
+    for (const unsigned int address : _options.absentSlaves)
+        _module.SetSlavePresent(static_cast<std::uint8_t>(address), false);
     _console.out << "module ready on " << _options.dpRamPath << ", " << _options.linesPath << std::endl;
     do {
         _module.Step();

@@ -8,6 +8,7 @@
 #include <chrono>
 #include <csignal>
 #include <string>
+#include <vector>
 
 namespace VeskTool {
 
@@ -20,7 +21,8 @@ public:
         std::string linesPath;
         std::string flashPath; // empty: the flash lasts as long as the process
         VirtualModule::Options module;
-        double speed = 1; // of the module's clock
+        std::vector<unsigned int> absentSlaves; // addresses at which nothing answers on the bus
+        double speed = 1;                       // of the module's clock
         bool log = false;
     };
 
