@@ -3,6 +3,7 @@
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <nlohmann/json.hpp>
 
 #include <filesystem>
 
@@ -152,6 +153,12 @@ TEST_F(FirmwareCommandTest, ShowsAFileAndWhetherItsChecksumFits) {
                 HasSubstr("Description: VT22 demo firmware 1.5.0\nFirmware Type: APPLICATION_FIRMWARE\n"
                           "Module ID: 0x201\n"));
     EXPECT_THAT(good.out, EndsWith("\nChecksum: fits the program\n"));
+    const auto facts = nlohmann::json::parse(RunTool::Run({"firmware", "show", EXAMPLE, "--json"}).out);
+    EXPECT_EQ(facts.at("type"), "APPLICATION_FIRMWARE");
+    EXPECT_EQ(facts.at("address"), 0x20000);
+    EXPECT_EQ(facts.at("length"), 0x1914);
+    EXPECT_EQ(facts.at("oldest"), "1.4");
+    EXPECT_EQ(facts.at("checked"), true);
 
     std::string content = TemporaryFolder::Read(EXAMPLE);
     content[200] = static_cast<char>(content[200] ^ 1);

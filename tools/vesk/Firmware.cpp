@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+#include "tools/vesk/ByteText.h"
 #include "tools/vesk/Commands.h"
 #include "tools/vesk/Failure.h"
 #include "tools/vesk/FirmwareFile.h"
@@ -115,19 +116,37 @@ void Build(const BuildOptions& options) {
 }
 
 /// Failure when what the file says about its program is not true.
-void Show(const std::string& path) {
+nlohmann::ordered_json ToJson(const Vesk::Modules::Bootloader::TarnFile& file, bool checked) {
+    auto& counts = *file.EraseSegmentsCount;
+    return {{"description", Printable(file.Description.Value())},
+            {"type", Vesk::Modules::Bootloader::TarnFile::FirmwareTypeToString(file.FirmwareType).Value()},
+            {"moduleId", file.ModuleId},
+            {"eraseSegments", file.EraseSegments},
+            {"address", file.AddressBurnStart},
+            {"length", file.ProgramData->Count()},
+            {"crcStart", file.CrcStart},
+            {"crcLength", file.CrcLength},
+            {"crc", file.Crc},
+            {"oldest", std::to_string(file.OldestMajor) + "." + std::to_string(file.OldestMinor)},
+            {"eraseSegmentsCount", std::vector<unsigned int>(counts.Data(), counts.Data() + counts.Count())},
+            {"checked", checked}};
+}
+
+/// A program that its checksum does not fit is a failure; the text shows the file all the same.
+void Show(const std::string& path, bool json) {
     const auto file = LoadFirmwareFile(path);
-    std::cout << file->ToString().Value();
     const auto covered = CoveredChecksum(*file);
-    if (!covered) {
-        std::cout << "Checksum: covers other bytes than the program's, cannot be checked\n";
-        return;
-    }
-    if (*covered != file->Crc) {
-        std::cout << "Checksum: does not fit the program" << std::endl;
+    const bool damaged = covered && *covered != file->Crc;
+    if (!json)
+        std::cout << file->ToString().Value() << "Checksum: "
+                  << (!covered  ? "covers other bytes than the program's, cannot be checked"
+                      : damaged ? "does not fit the program"
+                                : "fits the program")
+                  << std::endl;
+    if (damaged)
         throw Failure(Damage(path, *file, *covered));
-    }
-    std::cout << "Checksum: fits the program\n";
+    if (json)
+        std::cout << JsonText(ToJson(*file, covered.has_value()));
 }
 
 void AddShow(CLI::App& firmware, int& status) {
@@ -135,9 +154,11 @@ void AddShow(CLI::App& firmware, int& status) {
         "show", "Show what a firmware file says about its program, and whether its checksum fits.\n"
                 "Example: vesk firmware show examples/firmware/vt22-1.5.0.fw");
     const auto path = std::make_shared<std::string>();
+    const auto json = std::make_shared<bool>(false);
     command->add_option("FILE", *path, "Firmware file")->required();
-    command->callback([path, &status] {
-        Show(*path);
+    command->add_flag("--json", *json, "Print one JSON object instead of text");
+    command->callback([path, json, &status] {
+        Show(*path, *json);
         status = DONE;
     });
 }
