@@ -10,6 +10,7 @@ namespace MasterDpRam = Vesk::HostInterface::MasterDpRam;
 
 /// `bytes` bytes each way in `segments` segments each way, against the bare accesses.
 static void Exchange(benchmark::State& state, int bytes, int segments, int batch, const Target& target) {
+    const OccupiedHeap occupied;
     RunningMaster master(bytes, segments);
     master.PutStatus(0x04, 0, 0, 0); // output data
     unsigned char* const in = master.in->Data();
