@@ -38,11 +38,11 @@ public:
         };
         _master.Raise(0x00);
         interrupt();
-        Accesses::Write(dpRam + MasterDpRam::MAILBOX_IN, _message, MailboxDpRam::HEADER_SIZE);
+        Accesses::Move(_message, dpRam + MasterDpRam::MAILBOX_IN, MailboxDpRam::HEADER_SIZE);
         answer(0x08);
         _master.Answer();
         interrupt();
-        Accesses::Read(dpRam + MasterDpRam::MAILBOX_OUT, _message, MailboxDpRam::AREA_SIZE);
+        Accesses::Move(dpRam + MasterDpRam::MAILBOX_OUT, _message, MailboxDpRam::AREA_SIZE);
         answer(0x04);
     }
 

@@ -2,12 +2,11 @@
 #include "virtualmodule/Flash.h"
 
 #include <algorithm>
+#include <array>
 #include <cerrno>
 #include <cstring>
 #include <fcntl.h>
 #include <filesystem>
-#include <fstream>
-#include <iterator>
 #include <stdexcept>
 #include <string_view>
 #include <unistd.h>
@@ -139,6 +138,30 @@ Flash Decode(ByteView bytes) {
     throw std::runtime_error("flash file " + path + ": " + reason);
 }
 
+/// The bytes of the file at `path`, as many as a flash file may have.
+Bytes ReadFile(const std::string& path) {
+    const int descriptor = ::open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK | O_NOCTTY);
+    if (descriptor < 0) {
+        Fail(path, std::strerror(errno));
+    }
+    Bytes bytes;
+    std::array<std::uint8_t, 4096> block;
+    ::ssize_t count = 0;
+    while (bytes.size() <= Flash::MAX_FILE_SIZE &&
+           (count = ::read(descriptor, block.data(), block.size())) > 0) {
+        Append(bytes, ByteView(block).first(static_cast<std::size_t>(count)));
+    }
+    const int error = count < 0 ? errno : 0;
+    ::close(descriptor);
+    if (error != 0) {
+        Fail(path, std::strerror(error));
+    }
+    if (bytes.size() > Flash::MAX_FILE_SIZE) {
+        Fail(path, "not a flash file: more than " + std::to_string(Flash::MAX_FILE_SIZE) + " bytes");
+    }
+    return bytes;
+}
+
 /// A new file beside the one to be replaced; unless it takes that one's place, it goes away again.
 class Replacement {
 public:
@@ -206,14 +229,7 @@ private:
 } // namespace
 
 Flash Flash::Load(const std::string& path) {
-    std::ifstream file(path, std::ios::binary);
-    if (!file) {
-        Fail(path, std::strerror(errno));
-    }
-    const Bytes bytes{std::istreambuf_iterator<char>(file), {}};
-    if (file.bad()) {
-        Fail(path, "cannot be read");
-    }
+    const Bytes bytes = ReadFile(path);
     try {
         return Decode(bytes);
     } catch (const std::runtime_error& reason) {

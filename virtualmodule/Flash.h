@@ -17,6 +17,8 @@ struct FlashRegion {
 struct Flash {
     static constexpr std::size_t APPLICATION_SIZE = 0x400000;
     static constexpr std::size_t BOOTLOADER_SIZE = 0x40000;
+    /// Of the file: both programs, 126 slave records of 255 fragments of 256 bytes, and what little is left.
+    static constexpr std::size_t MAX_FILE_SIZE = 0x1000000;
 
     Database database;
     FlashRegion application{true, {1, 4, 2}, {}};
