@@ -7,10 +7,7 @@
 using namespace Vesk;
 
 TEST(ErrorStrings, AreWordedExactly) {
-    const struct {
-        System::String text;
-        const char* expected;
-    } cases[] = {
+    const std::pair<System::String, const char*> cases[] = {
         {ErrorStrings::Invalid("slave address", 200), "Invalid slave address (200)"},
         {ErrorStrings::GreaterThan("count", 7, 5), "count (7) > 5"},
         {ErrorStrings::GreaterThan("count", 7, "limit", 5), "count (7) > limit (5)"},
@@ -19,7 +16,6 @@ TEST(ErrorStrings, AreWordedExactly) {
         {ErrorStrings::NotEqual("length", 12, "expected", 16), "length (12) != expected (16)"},
         {ErrorStrings::NotInRange("slot", 130, 0, 125), "slot (130) not in range [0 : 125]"},
     };
-
     for (const auto& [text, expected] : cases)
         EXPECT_EQ(text.Value(), expected);
 }

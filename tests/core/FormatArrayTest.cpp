@@ -8,11 +8,7 @@ using namespace System;
 TEST(FormatArray, WritesEachElementWithPrefixWidthAndBase) {
     const auto bytes = Array<unsigned char>::Create({0, 10, 255});
     const auto words = Array<unsigned short>::Create({1, 0xFFFF});
-
-    const struct {
-        String text;
-        const char* expected;
-    } cases[] = {
+    const std::pair<String, const char*> cases[] = {
         {Vesk::FormatArray(bytes, 0, 3, nullptr, 2, 16), "[00, 0a, ff]"},
         {Vesk::FormatArray(bytes, 1, 2, "0x", 2, 16), "[0x0a, 0xff]"},
         {Vesk::FormatArray(bytes, 0, 3, nullptr, 0, 10), "[0, 10, 255]"},
@@ -20,7 +16,6 @@ TEST(FormatArray, WritesEachElementWithPrefixWidthAndBase) {
         {Vesk::FormatArray(bytes, 3, 0, "0x", 2, 16), "[]"},
         {Vesk::FormatArray(words, 0, 2, "0x", 4, 16), "[0x0001, 0xffff]"},
     };
-
     for (const auto& [text, expected] : cases)
         EXPECT_EQ(text.Value(), expected);
     ExpectFailure<ArgumentOutOfRangeException>("index (3) must not be greater than count - 1 (2)", [&] {

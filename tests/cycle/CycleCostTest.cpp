@@ -20,6 +20,7 @@
 #include <pthread.h>
 #include <sys/prctl.h>
 #include <sys/syscall.h>
+#include <tuple>
 #include <unistd.h>
 
 using Vesk::Mailbox::IResponse;
@@ -108,13 +109,9 @@ protected:
 };
 
 TEST_F(CycleCostTest, AllocatesNothingLocksNothingAndThrowsNothing) {
-    const long allocations = Heap::Allocations();
-    const long locked = locks;
-    const long thrown = throws;
+    const auto before = std::tuple(Heap::Allocations(), locks, throws);
     RunCycles(1000);
-    EXPECT_EQ(Heap::Allocations() - allocations, 0);
-    EXPECT_EQ(locks - locked, 0);
-    EXPECT_EQ(throws - thrown, 0);
+    EXPECT_EQ(std::tuple(Heap::Allocations(), locks, throws), before);
     EXPECT_EQ(_master.calls, 3000) << "of online, offline and the mode";
     EXPECT_EQ(_master.DpRam()[0x296], _master.in->Get(0));
 }
@@ -132,9 +129,7 @@ TEST_F(CycleCostTest, AsksTheSystemForNothingButTheTime) {
 }
 
 TEST_F(CycleCostTest, CountsWhatThereIsToCount) {
-    const long allocations = Heap::Allocations();
-    const long locked = locks;
-    const long thrown = throws;
+    const auto [allocations, locked, thrown] = std::tuple(Heap::Allocations(), locks, throws);
     const auto bytes = System::Array<unsigned char>::Create(32); // of message type 0, which is none
     EXPECT_THROW(Vesk::Mailbox::Header::FromArray(bytes, 0, true), std::exception);
     EXPECT_GT(Heap::Allocations(), allocations);

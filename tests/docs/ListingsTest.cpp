@@ -4,9 +4,6 @@
 #include "tests/support/ModuleFiles.h"
 #include "tests/support/RunTool.h"
 
-#include <gmock/gmock.h>
-
-#include <map>
 #include <regex>
 #include <set>
 #include <sstream>
@@ -70,17 +67,16 @@ class Commands {
 public:
     /// The whole line of a block: a command, or several with commas between, and a remark behind two blanks.
     void RunLine(const std::string& line) {
-        if (line.starts_with("od ")) {
-            _out = OutOf(line);
-            return;
-        }
         const std::string commands = line.substr(0, std::min(line.find("  "), line.find(" #")));
         std::string program;
-        for (Lines words : Alternatives(Words(commands))) {
-            if (words.empty() || !IsProgram(words[0]))
-                words.insert(words.begin(), program);
-            program = words[0];
-            Run(words);
+        for (std::string command : Split(std::regex_replace(commands, std::regex(", "), "\n"))) {
+            if (!std::regex_search(command, std::regex("^(vesk|od|[^ ]*/[^ ]*) ?")))
+                command.insert(0, program + " ");
+            program = command.substr(0, command.find(' '));
+            if (program.starts_with("scripts/") || program == ".ci/run")
+                ExpectScript(program, command.substr(program.size()));
+            else
+                Run(ForThisTest(command), command.starts_with("vesk module"));
         }
     }
 
@@ -90,84 +86,38 @@ public:
     ~Commands() { EndModule(); }
 
 private:
-    static bool IsProgram(const std::string& word) {
-        return word == "vesk" || word.find('/') != std::string::npos;
+    /// It builds this tree, so it cannot run in its test.
+    static void ExpectScript(const std::string& script, const std::string& arguments) {
+        EXPECT_EQ(::access(script.c_str(), X_OK), 0);
+        std::istringstream words(arguments);
+        for (std::string word; words >> word;)
+            EXPECT_THAT(TemporaryFolder::Read(script), HasSubstr(word));
     }
 
-    /// Words as a shell has them, and each comma behind one as a word.
-    static Lines Words(const std::string& text) {
-        Lines words;
-        const std::regex word(R"re("([^"]*)"|([^ ",]+(?:,[^ ",]+)*)|(,))re");
-        for (std::sregex_iterator at(text.begin(), text.end(), word), end; at != end; ++at)
-            words.push_back((*at)[1].matched ? (*at)[1] : (*at)[0]);
-        return words;
+    /// With the programs of this build, and with files for those of the reader and for /tmp.
+    std::string ForThisTest(std::string command) const {
+        const std::string plant = ModuleFiles::PLANT;
+        for (const auto& [written, meant] : {std::pair<const char*, std::string>{"/tmp/", _folder.Path("")},
+                                             {"FILE\\.ddb", plant},
+                                             {"A B", plant + " " + plant},
+                                             {"FILE\\.fw", ModuleFiles::FIRMWARE},
+                                             {"^vesk", VESK_TOOL},
+                                             {"^build/dev/examples", EXAMPLES}})
+            command = std::regex_replace(command, std::regex(written), meant);
+        return command;
     }
 
-    static std::vector<Lines> Alternatives(const Lines& words) {
-        std::vector<Lines> alternatives(1);
-        for (const std::string& word : words)
-            if (word == ",")
-                alternatives.emplace_back();
-            else
-                alternatives.back().push_back(word);
-        return alternatives;
-    }
-
-    /// What stands for a file of the reader's, and /tmp.
-    std::string File(const std::string& word) {
-        static const std::map<std::string, std::string> OF_THE_READER{
-            {"FILE.ddb", "examples/plant.ddb"},
-            {"A", "examples/plant.ddb"},
-            {"B", "examples/plant.ddb"},
-            {"FILE.fw", "examples/firmware/vt22-1.5.0.fw"}};
-        if (const auto found = OF_THE_READER.find(word); found != OF_THE_READER.end())
-            return found->second;
-        return word.starts_with("/tmp/") ? _folder.Path(word.substr(5)) : word;
-    }
-
-    void Run(const Lines& words) {
-        Lines arguments;
-        for (std::size_t i = 1; i < words.size(); ++i)
-            arguments.push_back(File(words[i]));
-        const std::string& program = words[0];
-        if (!IsProgram(program)) {
-            ADD_FAILURE() << "is no command";
-        } else if (program.starts_with("scripts/") || program == ".ci/run") {
-            // It builds this tree, so it cannot run in its test.
-            EXPECT_EQ(::access(program.c_str(), X_OK), 0);
-            for (const std::string& argument : arguments)
-                EXPECT_THAT(TemporaryFolder::Read(program), HasSubstr(argument));
-        } else if (program == "vesk" && !arguments.empty() && arguments[0] == "module") {
-            StartModule(arguments);
-        } else {
-            const ToolResult result = RunTool::Run(arguments, Path(program));
-            EXPECT_EQ(result.status, 0) << result.out << result.err;
-            _out = result.out;
+    void Run(const std::string& command, bool isModule) {
+        if (isModule) {
+            EndModule();
+            const RunTool::Arguments arguments{"-c", "exec " + command + " --speed 10"};
+            _module = std::make_unique<Process>("/bin/sh", arguments);
+            EXPECT_TRUE(_module->WaitForOut("module ready on ")) << _module->Err();
+            return;
         }
-    }
-
-    static std::string Path(const std::string& program) {
-        if (program == "vesk")
-            return VESK_TOOL;
-        return program.starts_with(EXAMPLES_IN_TREE) ? EXAMPLES + program.substr(EXAMPLES_IN_TREE.size() - 1)
-                                                     : program;
-    }
-
-    /// A program of this machine, whatever machine the tree is built for.
-    static std::string OutOf(const std::string& command) {
-        std::string out;
-        FILE* const pipe = ::popen(command.c_str(), "r");
-        for (int byte = 0; (byte = std::fgetc(pipe)) != EOF;)
-            out += static_cast<char>(byte);
-        EXPECT_EQ(::pclose(pipe), 0);
-        return out;
-    }
-
-    void StartModule(Lines arguments) {
-        EndModule();
-        arguments.insert(arguments.end(), {"--speed", "10"});
-        _module = std::make_unique<Process>(VESK_TOOL, arguments);
-        EXPECT_TRUE(_module->WaitForOut("module ready on ")) << _module->Err();
+        const ToolResult result = RunTool::Run({"-c", command}, "/bin/sh");
+        EXPECT_EQ(result.status, 0) << result.out << result.err;
+        _out = result.out;
     }
 
     void EndModule() {
@@ -176,8 +126,6 @@ private:
         EXPECT_EQ(_module->End(SIGTERM), 0);
         EXPECT_EQ(_module->Err(), "");
     }
-
-    static constexpr std::string_view EXAMPLES_IN_TREE = "build/dev/examples/";
 
     TemporaryFolder _folder;
     std::string _dump = _folder.Put("hostinterface.bin", std::string(0x2000, '\0')); // of an application

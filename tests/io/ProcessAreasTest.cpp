@@ -6,6 +6,8 @@
 #include "vesk/io/InArea.h"
 #include "vesk/io/OutArea.h"
 
+#include <tuple>
+
 using System::ArgumentOutOfRangeException;
 using System::Array;
 using Vesk::ConfigException;
@@ -13,27 +15,19 @@ using Vesk::IO::InArea;
 using Vesk::IO::OutArea;
 using Log = std::vector<std::string>;
 
-namespace {
-
 using Bytes = std::shared_ptr<Array<unsigned char>>;
 
-void Map(InArea& area, unsigned short offset, const Bytes& bytes, int index, int count) {
+static void Map(InArea& area, unsigned short offset, const Bytes& bytes, int index, int count) {
     area.MapInputData(offset, bytes, index, count);
 }
 
-void Map(OutArea& area, unsigned short offset, const Bytes& bytes, int index, int count) {
+static void Map(OutArea& area, unsigned short offset, const Bytes& bytes, int index, int count) {
     area.MapOutputData(offset, bytes, index, count);
 }
-
-} // namespace
 
 template <class Area>
 class PlacementTest : public testing::Test {
 protected:
-    std::shared_ptr<Area> Create(unsigned short offset, unsigned short size) {
-        return Area::Create(offset, size, _dpRam);
-    }
-
     std::shared_ptr<RecordingHostInterface> _dpRam = std::make_shared<RecordingHostInterface>();
     Bytes _bytes = Array<unsigned char>::Create(70000);
 };
@@ -42,35 +36,31 @@ using Areas = testing::Types<InArea, OutArea>;
 TYPED_TEST_SUITE(PlacementTest, Areas);
 
 TYPED_TEST(PlacementTest, KeepsSegmentsInsideTheAreaAndApart) {
-    const auto area = this->Create(0x296, 100);
+    const auto area = TypeParam::Create(0x296, 100, this->_dpRam);
     Map(*area, 10, this->_bytes, 0, 10);
     Map(*area, 90, this->_bytes, 0, 10);
 
-    struct Case {
-        unsigned short offset;
-        int count;
-        const char* message;
+    const std::string outside = "Segment mapped outside area\n";
+    const std::string start = "Start of segment within existing segment\n";
+    const std::string end = "End of segment within existing segment\n";
+    const std::string around = "Segment wraps around existing segment\n";
+    const std::tuple<unsigned short, int, std::string> cases[] = {
+        {91, 10, outside + "91 + 10 > 100"},
+        {100, 1, outside + "100 + 1 > 100"},
+        {65535, 2147483647, outside + "65535 + 2147483647 > 100"},
+        {15, 2, start + "15 >= 10 && 15 < 20"},
+        {10, 1, start + "10 >= 10 && 10 < 20"},
+        {19, 60, start + "19 >= 10 && 19 < 20"},
+        {15, -2, start + "15 >= 10 && 15 < 20"},
+        {5, 10, end + "15 > 10 && 15 <= 20"},
+        {5, 6, end + "11 > 10 && 11 <= 20"},
+        {0, 20, end + "20 > 10 && 20 <= 20"},
+        {5, 20, around + "5 <= 10 && 25 >= 20"},
+        {20, 80, end + "100 > 90 && 100 <= 100"},
     };
-
-    const char* const outside = "Segment mapped outside area\n";
-    const char* const start = "Start of segment within existing segment\n";
-    const char* const end = "End of segment within existing segment\n";
-    const char* const around = "Segment wraps around existing segment\n";
-    for (const auto& [c, message] : {std::pair{Case{91, 10, outside}, "91 + 10 > 100"},
-                                     {Case{100, 1, outside}, "100 + 1 > 100"},
-                                     {Case{65535, 2147483647, outside}, "65535 + 2147483647 > 100"},
-                                     {Case{15, 2, start}, "15 >= 10 && 15 < 20"},
-                                     {Case{10, 1, start}, "10 >= 10 && 10 < 20"},
-                                     {Case{19, 60, start}, "19 >= 10 && 19 < 20"},
-                                     {Case{15, -2, start}, "15 >= 10 && 15 < 20"},
-                                     {Case{5, 10, end}, "15 > 10 && 15 <= 20"},
-                                     {Case{5, 6, end}, "11 > 10 && 11 <= 20"},
-                                     {Case{0, 20, end}, "20 > 10 && 20 <= 20"},
-                                     {Case{5, 20, around}, "5 <= 10 && 25 >= 20"},
-                                     {Case{20, 80, end}, "100 > 90 && 100 <= 100"}})
-        ExpectFailure<ConfigException>(std::string(c.message) + message, [&, &place = c] {
-            return Map(*area, place.offset, this->_bytes, 0, place.count), 0;
-        });
+    for (const auto& [offset, count, message] : cases)
+        ExpectFailure<ConfigException>(
+            message, [&, offset = offset, count = count] { Map(*area, offset, this->_bytes, 0, count); });
     EXPECT_EQ(area->TotalMapped(), 20) << "a failed mapping leaves the area as it was";
     EXPECT_EQ(area->HighestEnd(), 100);
 
@@ -84,23 +74,23 @@ TYPED_TEST(PlacementTest, KeepsSegmentsInsideTheAreaAndApart) {
 TYPED_TEST(PlacementTest, RefusesNullAndNegativeCounts) {
     ExpectFailure<System::ArgumentNullException>("hostInterface must not be null",
                                                  [] { return TypeParam::Create(0, 10, nullptr); });
-    const auto area = this->Create(0, 10);
-    const char* const name =
-        std::is_same_v<TypeParam, InArea> ? "src must not be null" : "dst must not be null";
-    ExpectFailure<System::ArgumentNullException>(name, [&] { return Map(*area, 0, nullptr, 0, 1), 0; });
+    const auto area = TypeParam::Create(0, 10, this->_dpRam);
+    const std::string name = std::is_same_v<TypeParam, InArea> ? "src" : "dst";
+    ExpectFailure<System::ArgumentNullException>(name + " must not be null",
+                                                 [&] { Map(*area, 0, nullptr, 0, 1); });
     ExpectFailure<ArgumentOutOfRangeException>("size (-1) must not be less than zero (0)",
-                                               [&] { return Map(*area, 5, this->_bytes, 0, -1), 0; });
+                                               [&] { Map(*area, 5, this->_bytes, 0, -1); });
     EXPECT_EQ(area->TotalMapped(), 0);
 }
 
 TYPED_TEST(PlacementTest, CountsIn16BitsAndWrapsDpRamOffsets) {
-    const auto area = this->Create(0xFF00, 0xFFFF);
+    const auto area = TypeParam::Create(0xFF00, 0xFFFF, this->_dpRam);
     Map(*area, 0x0200, this->_bytes, 0, 0x8000); // from DPRAM 0x0100 on
     Map(*area, 0x8200, this->_bytes, 0, 0x7DFF);
     EXPECT_EQ(area->TotalMapped(), 0xFDFF);
     EXPECT_EQ(area->HighestEnd(), 0xFFFF);
     ExpectFailure<ConfigException>("Start of segment within existing segment\n600 >= 512 && 600 < 33280",
-                                   [&] { return Map(*area, 600, this->_bytes, 0, 1), 0; });
+                                   [&] { Map(*area, 600, this->_bytes, 0, 1); });
 }
 
 class InAreaTest : public testing::Test {
@@ -170,7 +160,7 @@ TEST(OutAreaTest, ReadsEverySegmentInTheOrderOfItsMapping) {
     area->MapOutputData(10, dst, 5, 2);
     ExpectFailure<ArgumentOutOfRangeException>(
         "arrayoffset (5) + arraycount (2) must not be greater than the length of array (6)",
-        [&] { return area->Update(), 0; });
+        [&] { area->Update(); });
 }
 
 TEST(SegmentTextTest, NamesPlaceIndexAndCount) {

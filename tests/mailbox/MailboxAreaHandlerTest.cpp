@@ -2,17 +2,21 @@
 #include "tests/support/ExpectFailure.h"
 #include "tests/support/RecordingHostInterface.h"
 #include "tests/support/TestClock.h"
+#include "tests/support/TraceListener.h"
 
 #include "vesk/hostinterface/RuntimeConfig.h"
 #include "vesk/mailbox/MailboxAreaHandler.h"
 #include "vesk/mailbox/MailboxResponseException.h"
 #include "vesk/mailbox/MailboxTimeoutException.h"
 #include "vesk/mailbox/RequestBuilder.h"
-#include "vesk/system/diagnostics/Trace.h"
 
 #include <gmock/gmock.h>
 
+#include <functional>
+#include <tuple>
+
 using namespace Vesk::Mailbox;
+using System::ArgumentOutOfRangeException;
 using System::Array;
 using testing::ElementsAre;
 using testing::IsEmpty;
@@ -27,11 +31,6 @@ static const std::string REQUEST_TEXT =
 
 class MailboxAreaHandlerTest : public testing::Test {
 protected:
-    ~MailboxAreaHandlerTest() override {
-        Vesk::RuntimeConfig::_printMailbox = false;
-        System::Diagnostics::Trace::SetListener({});
-    }
-
     static std::shared_ptr<IRequest> Ping(int dataSize = 0) {
         return RequestBuilder::Create()
             ->Type(MessageType::FIELDBUS)
@@ -42,12 +41,18 @@ protected:
             ->Build();
     }
 
+    /// Queues a request for whose response `action` is called.
+    void Queue(std::function<void(const std::shared_ptr<IResponse>&)> action, int seconds = 3) {
+        _handler->Enqueue(
+            Ping(), System::ArgFunc<std::shared_ptr<IResponse>, void>::Create(std::move(action)), seconds);
+    }
+
     /// Queues a request whose response is written down in _answers under `name`.
-    void Queue(const std::string& name, int seconds = 3) {
-        const auto note = [this, name](const std::shared_ptr<IResponse>& response) {
+    void Queue(const char* name, int seconds = 3) {
+        const auto note = [this, name = std::string(name)](const std::shared_ptr<IResponse>& response) {
             _answers.push_back(name + ": " + response->ToString().Value());
         };
-        _handler->Enqueue(Ping(), System::ArgFunc<std::shared_ptr<IResponse>, void>::Create(note), seconds);
+        Queue(note, seconds);
     }
 
     void QueueWithoutAction(int seconds = 3) { _handler->Enqueue(Ping(), nullptr, seconds); }
@@ -202,10 +207,10 @@ TEST_F(MailboxAreaHandlerTest, CountsLongTimeoutsIn64Bits) {
 TEST_F(MailboxAreaHandlerTest, SpendsAnIdOnEveryRequestAndStartsAgainAt0) {
     ExpectFailure<System::ArgumentNullException>("request must not be null",
                                                  [this] { _handler->Enqueue(nullptr, nullptr, -1); });
-    ExpectFailure<System::ArgumentOutOfRangeException>("timeoutSeconds (-1) must not be less than zero (0)",
-                                                       [this] { Queue("never", -1); });
-    ExpectFailure<System::ArgumentOutOfRangeException>("timeoutSeconds (0) must not be equal to zero (0)",
-                                                       [this] { Queue("never", 0); });
+    ExpectFailure<ArgumentOutOfRangeException>("timeoutSeconds (-1) must not be less than zero (0)",
+                                               [this] { Queue("never", -1); });
+    ExpectFailure<ArgumentOutOfRangeException>("timeoutSeconds (0) must not be equal to zero (0)",
+                                               [this] { Queue("never", 0); });
     QueueWithoutAction();
     Send();
     EXPECT_EQ(IdInMailboxIn(), 4);
@@ -240,29 +245,22 @@ TEST_F(MailboxAreaHandlerTest, RefusesAResponseThatNobodyAskedFor) {
 TEST_F(MailboxAreaHandlerTest, RefusesAResponseToAnotherRequest) {
     Queue("a");
     Send();
-
-    const struct {
-        const char* what;
-        int id, information, command;
-        const char* idText;
-        const char* type;
-        const char* commandText;
-    } cases[] = {
-        {"MessageId", 2, 0x0003, 0x17, "2", "Memory", "17"},
-        {"MessageType", 1, 0x0003, 0x17, "1", "Memory", "17"},
-        {"Command", 1, 0x0002, 0x17, "1", "Fieldbus", "17"},
+    const std::tuple<const char*, int, int, int, const char*> cases[] = {
+        // id, information, command
+        {"MessageId", 2, 0x0003, 0x17, "2\nType: Memory\nCommand: 0x17"},
+        {"MessageType", 1, 0x0003, 0x17, "1\nType: Memory\nCommand: 0x17"},
+        {"Command", 1, 0x0002, 0x17, "1\nType: Fieldbus\nCommand: 0x17"},
     };
-
-    for (const auto& c : cases)
+    for (const auto& [what, id, information, command, text] : cases)
         ExpectFailure<MailboxResponseException>(
-            std::string(c.what) +
-                " of response header does not match outstanding request:\nResponse\nID: 0x" + c.idText +
-                "\nType: " + c.type + "\nCommand: 0x" + c.commandText +
+            std::string(what) + " of response header does not match outstanding request:\nResponse\nID: 0x" +
+                text +
                 "\nData size: 0x101\nTotal frame count: 0x1\nFrame number: 0x1\nOffset: 0x0\n"
                 "Extended: [1234, 0000, 0000, 0000, 0000, 0000, 0000, 0000]\n\n" +
                 REQUEST_TEXT + "\n",
-            [&] { Respond(c.id, c.information, c.command, 257); });
-
+            [&, id = id, information = information, command = command] {
+                Respond(id, information, command, 257);
+            });
     Respond(1, 0x4002); // the request flag is not looked at
     EXPECT_THAT(_answers, ElementsAre(Answer("a")));
 }
@@ -273,10 +271,9 @@ TEST_F(MailboxAreaHandlerTest, RefusesAResponseThatCannotBeRead) {
     ExpectFailure<System::ArgumentException>("138", [this] { Respond(1, 0x8A07); });
     ExpectFailure<System::ArgumentException>("7", [this] { Respond(2, 0x0007); });
     for (const int size : {257, 65535})
-        ExpectFailure<System::ArgumentOutOfRangeException>(
-            "offset (32) + count (" + std::to_string(size) +
-                ") must not be greater than the length of array (288)",
-            [&] { Respond(1, 0x0002, 0x16, size); });
+        ExpectFailure<ArgumentOutOfRangeException>("offset (32) + count (" + std::to_string(size) +
+                                                       ") must not be greater than the length of array (288)",
+                                                   [&] { Respond(1, 0x0002, 0x16, size); });
     EXPECT_THAT(_answers, IsEmpty());
 
     Respond(1, 0x0002, 0x16, 256);
@@ -302,12 +299,10 @@ TEST_F(MailboxAreaHandlerTest, LeavesAnErrorToTheActionAndFailsWithoutOne) {
 
 TEST_F(MailboxAreaHandlerTest, KeepsTheRequestOutstandingWhenItsActionThrows) {
     int calls = 0;
-    const auto action =
-        System::ArgFunc<std::shared_ptr<IResponse>, void>::Create([&](const std::shared_ptr<IResponse>&) {
-            if (++calls == 1)
-                throw std::runtime_error("application");
-        });
-    _handler->Enqueue(Ping(), action, 3);
+    Queue([&](const auto&) {
+        if (++calls == 1)
+            throw std::runtime_error("application");
+    });
     Send();
     EXPECT_THROW(Respond(1), std::runtime_error);
     Respond(1);
@@ -316,10 +311,7 @@ TEST_F(MailboxAreaHandlerTest, KeepsTheRequestOutstandingWhenItsActionThrows) {
 }
 
 TEST_F(MailboxAreaHandlerTest, LetsAnActionQueueTheNextRequest) {
-    _handler->Enqueue(Ping(),
-                      System::ArgFunc<std::shared_ptr<IResponse>, void>::Create(
-                          [this](const std::shared_ptr<IResponse>&) { Queue("second"); }),
-                      3);
+    Queue([this](const auto&) { Queue("second"); });
     Send();
     _handler->RequestAcknowledged();
     Respond(1);
@@ -329,13 +321,10 @@ TEST_F(MailboxAreaHandlerTest, LetsAnActionQueueTheNextRequest) {
 }
 
 TEST_F(MailboxAreaHandlerTest, LetsAnActionReplaceTheHandler) {
-    _handler->Enqueue(
-        Ping(),
-        System::ArgFunc<std::shared_ptr<IResponse>, void>::Create([this](const std::shared_ptr<IResponse>&) {
-            _handler = MailboxAreaHandler::Create(IN, _dpram);
-            Queue("fresh");
-        }),
-        3);
+    Queue([this](const auto&) {
+        _handler = MailboxAreaHandler::Create(IN, _dpram);
+        Queue("fresh");
+    });
     Send();
     const std::weak_ptr<MailboxAreaHandler> replaced = _handler;
     {
@@ -351,18 +340,13 @@ TEST_F(MailboxAreaHandlerTest, LetsAnActionReplaceTheHandler) {
 }
 
 TEST_F(MailboxAreaHandlerTest, TracesBothMessagesOnRequest) {
-    std::vector<std::string> lines;
-    System::Diagnostics::Trace::SetListener([&](const std::string& line) { lines.push_back(line); });
-    const auto exchange = [this](int id) {
+    TraceListener trace(Vesk::RuntimeConfig::_printMailbox);
+    for (const bool traced : {false, true}) {
+        Vesk::RuntimeConfig::_printMailbox = traced;
         QueueWithoutAction();
         Send();
-        Respond(id);
-    };
-    exchange(1);
-    EXPECT_THAT(lines, IsEmpty());
-
-    Vesk::RuntimeConfig::_printMailbox = true;
-    exchange(2);
-    EXPECT_THAT(lines, ElementsAre("MailboxAreaHandler, sending mailbox:" + REQUEST_TEXT,
-                                   "MailboxAreaHandler, received mailbox:" + ResponseText()));
+        Respond(traced ? 2 : 1);
+    }
+    EXPECT_THAT(trace.lines, ElementsAre("MailboxAreaHandler, sending mailbox:" + REQUEST_TEXT,
+                                         "MailboxAreaHandler, received mailbox:" + ResponseText()));
 }

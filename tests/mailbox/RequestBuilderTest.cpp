@@ -5,17 +5,12 @@
 #include "vesk/mailbox/Response.h"
 
 using namespace Vesk::Mailbox;
+using System::ArgumentNullException;
+using System::ArgumentOutOfRangeException;
 using System::Array;
 
 static std::shared_ptr<RequestBuilder> Ping() {
     return RequestBuilder::Create()->Type(MessageType::FIELDBUS)->Name("Ping");
-}
-
-TEST(RequestBuilder, FillsInWhatWasNotSet) {
-    EXPECT_EQ(Ping()->Build()->ToString().Value(),
-              "Mailbox.Request: Ping\nType: Fieldbus\nCommand: 0x0\nTotal frame count: 0x1\n"
-              "Frame number: 0x1\nOffset: 0x0\n"
-              "Extended: [0000, 0000, 0000, 0000, 0000, 0000, 0000, 0000]\nData: []\n");
 }
 
 TEST(RequestBuilder, PassesOnWhatWasSetAndCopiesTheArrays) {
@@ -38,12 +33,6 @@ TEST(RequestBuilder, PassesOnWhatWasSetAndCopiesTheArrays) {
               "Mailbox.Request: Ping\nType: Memory\nCommand: 0xabc\nTotal frame count: 0x20\n"
               "Frame number: 0x10\nOffset: 0x12345678\n"
               "Extended: [0000, 0000, 0000, 0005, 0000, 0000, 0000, 0000]\nData: [01, ab]\n");
-    EXPECT_EQ(request->Type(), MessageType::MEMORY);
-    EXPECT_EQ(request->Command(), 0xABC);
-    EXPECT_EQ(request->TotalFrameCount(), 0x20);
-    EXPECT_EQ(request->FrameNumber(), 0x10);
-    EXPECT_EQ(request->Offset(), 0x12345678u);
-    EXPECT_EQ(request->Name().Value(), "Ping");
     EXPECT_EQ(next->ToString().Value(),
               "Mailbox.Request: Pong\nType: Memory\nCommand: 0xabc\nTotal frame count: 0x20\n"
               "Frame number: 0x10\nOffset: 0x12345678\n"
@@ -53,42 +42,28 @@ TEST(RequestBuilder, PassesOnWhatWasSetAndCopiesTheArrays) {
 
 TEST(RequestBuilder, RefusesWhatCannotBeSent) {
     const auto tooLong = Array<unsigned char>::Create(257);
-    ExpectFailure<System::ArgumentNullException>(
-        "_type must not be null", [&] { return RequestBuilder::Create()->Data(tooLong)->Build(); });
-    ExpectFailure<System::ArgumentOutOfRangeException>(
-        "Byte[257]", [&] { return Ping()->Name(nullptr)->Data(tooLong)->Build(); });
-    ExpectFailure<System::ArgumentNullException>("_name must not be null",
-                                                 [] { return Ping()->Name(nullptr)->Build(); });
-    ExpectFailure<System::ArgumentOutOfRangeException>("index (8) must not be greater than count - 1 (7)",
-                                                       [] { return Ping()->Extended(1, 8); });
-    ExpectFailure<System::ArgumentOutOfRangeException>("index (-1) must not be less than zero (0)",
-                                                       [] { return Ping()->Extended(1, -1); });
+    ExpectFailure<ArgumentNullException>("_type must not be null",
+                                         [&] { RequestBuilder::Create()->Data(tooLong)->Build(); });
+    ExpectFailure<ArgumentOutOfRangeException>("Byte[257]",
+                                               [&] { Ping()->Name(nullptr)->Data(tooLong)->Build(); });
+    ExpectFailure<ArgumentNullException>("_name must not be null", [] { Ping()->Name(nullptr)->Build(); });
+    ExpectFailure<ArgumentOutOfRangeException>("index (8) must not be greater than count - 1 (7)",
+                                               [] { Ping()->Extended(1, 8); });
+    ExpectFailure<ArgumentOutOfRangeException>("index (-1) must not be less than zero (0)",
+                                               [] { Ping()->Extended(1, -1); });
     EXPECT_EQ(Ping()->Data(Array<unsigned char>::Create(256))->Build()->Data()->Count(), 256);
-}
-
-TEST(Response, KeepsTheArraysThatItWasMadeOf) {
-    const auto words = Array<unsigned short>::Create({1, 0xABCD});
-    const auto bytes = Array<unsigned char>::Create({0, 255});
-    const auto response = Response::Create(ErrorCode::COMMAND, words, bytes);
-    EXPECT_EQ(response->Error(), ErrorCode::COMMAND);
-    EXPECT_EQ(response->Extended(), words);
-    EXPECT_EQ(response->Data(), bytes);
-    EXPECT_EQ(response->ToString().Value(),
-              "Mailbox.Response\nError: Invalid Command\nExtended: [0001, abcd]\nData: [00, ff]\n");
 }
 
 TEST(Response, RefusesIncompleteFields) {
     const auto words = Array<unsigned short>::Create(8);
-    const auto make = [&](bool error, bool extended, int size) {
-        return Response::Create(error ? ErrorCode::NO_ERROR : nullptr, extended ? words : nullptr,
-                                size < 0 ? nullptr : Array<unsigned char>::Create(size));
-    };
-    ExpectFailure<System::ArgumentNullException>("error must not be null",
-                                                 [&] { return make(false, false, -1); });
-    ExpectFailure<System::ArgumentNullException>("extended must not be null",
-                                                 [&] { return make(true, false, -1); });
-    ExpectFailure<System::ArgumentNullException>("data must not be null",
-                                                 [&] { return make(true, true, -1); });
-    ExpectFailure<System::ArgumentOutOfRangeException>("257", [&] { return make(true, true, 257); });
-    EXPECT_EQ(make(true, true, 256)->Data()->Count(), 256);
+    const auto& error = ErrorCode::NO_ERROR;
+    ExpectFailure<ArgumentNullException>("error must not be null",
+                                         [] { Response::Create(nullptr, nullptr, nullptr); });
+    ExpectFailure<ArgumentNullException>("extended must not be null",
+                                         [&] { Response::Create(error, nullptr, nullptr); });
+    ExpectFailure<ArgumentNullException>("data must not be null",
+                                         [&] { Response::Create(error, words, nullptr); });
+    ExpectFailure<ArgumentOutOfRangeException>(
+        "257", [&] { Response::Create(error, words, Array<unsigned char>::Create(257)); });
+    EXPECT_NO_THROW(Response::Create(error, words, Array<unsigned char>::Create(256)));
 }

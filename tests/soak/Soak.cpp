@@ -2,9 +2,9 @@
 #include "tests/soak/Soak.h"
 
 #include "tests/support/DatabaseFileBuilder.h"
+#include "tests/support/ModuleLines.h"
+
 #include "vesk/mailbox/ErrorCode.h"
-#include "vesk/modules/dpvm/config/DdbParser.h"
-#include "vesk/system/io/MemoryStream.h"
 
 #include <algorithm>
 #include <numeric>
@@ -31,18 +31,11 @@ static void Expect(bool holds, const std::string& otherwise) {
 }
 
 Soak::Soak(unsigned long long seed, SoakCounts& counts)
-    : _random(seed), _counts(counts), _module(_flash, TestClock::Nanoseconds, [this] {
-          VirtualModule::Options options;
-          options.interruptPeriod = OneIn(2) ? 0 : 1'000 * Below(1'000);
-          return options;
-      }()) {
+    : _random(seed),
+      _counts(counts),
+      _module(_flash, TestClock::Nanoseconds,
+              {.interruptPeriod = OneIn(2) ? 0 : 1'000 * Below(1'000), .faults = {}}) {
     MakeConfiguration();
-}
-
-Soak::Bytes Soak::RandomBytes(int count) {
-    Bytes bytes(static_cast<std::size_t>(count));
-    std::generate(bytes.begin(), bytes.end(), [this] { return Byte(); });
-    return bytes;
 }
 
 /// Slaves at any addresses, whose bytes lie anywhere in the process data without a gap between them.
@@ -76,8 +69,11 @@ void Soak::MakeConfiguration() {
         file.Slave(address, DatabaseFileBuilder::SlaveRecord({slave.inputs, slave.outputs}));
         _slaves.emplace(address, std::move(slave));
     }
-    _config = Vesk::Modules::DPVM::Config::DdbParser::FromStream(
-        System::IO::MemoryStream::Create(ToArray(file.Build())));
+    _config = file.Read();
+}
+
+std::pair<const unsigned char, Soak::Slave>& Soak::AnySlave() {
+    return *std::next(_slaves.begin(), Below(static_cast<int>(_slaves.size())));
 }
 
 void Soak::Run(int lives) {
@@ -107,12 +103,10 @@ void Soak::Begin() {
     const auto say = [this](bool online) {
         return System::Func<void>::Create([this, online] { _online = online; });
     };
-    _master = Vesk::Modules::DPVM::Vt22::CreateConfigured(
-        _module.DpRamPath(), 0, System::Func<bool>::Create([this] { return _module.VelmoIrq_n(); }),
-        System::ArgFunc<bool, void>::Create([this](bool level) { _module.Reset_n(level); }),
-        System::ArgFunc<bool, void>::Create([this](bool level) { _module.BootloaderEnable_n(level); }),
-        say(false), say(true),
-        System::ArgFunc<OperationMode, void>::Create([this](OperationMode mode) { _mode = mode; }), _config);
+    const auto [irq, reset, boot] = ModuleLines(_module);
+    const auto mode = System::ArgFunc<OperationMode, void>::Create([this](auto reached) { _mode = reached; });
+    _master = Vesk::Modules::DPVM::Vt22::CreateConfigured(_module.DpRamPath(), 0, irq, reset, boot,
+                                                          say(false), say(true), mode, _config);
 }
 
 void Soak::Live() {
@@ -205,10 +199,9 @@ void Soak::ChangeInput() {
 /// A slave that is taken off the bus, or put back. What is under way to it is answered first.
 void Soak::ChangeBus() {
     UpdateUntil("answers", [&] { return _underWay == 0; });
-    auto slave = _slaves.begin();
-    std::advance(slave, Below(static_cast<int>(_slaves.size())));
-    slave->second.present = !slave->second.present;
-    _module.GetModule().SetSlavePresent(slave->first, slave->second.present);
+    auto& [address, slave] = AnySlave();
+    slave.present = !slave.present;
+    _module.GetModule().SetSlavePresent(address, slave.present);
 }
 
 void Soak::ChangeMode() {
@@ -244,31 +237,24 @@ bool Soak::OutputIs(const Bytes& expected) const {
 
 /// The lists are reported with the data, or in the turn after it.
 void Soak::CheckLists() {
-    const auto listsHold = [this] {
-        const auto configured = _master->GetSlaveConfiguredList();
-        const auto exchanging = _master->GetDataTransferList();
-        for (int address = 0; address < 128; ++address) {
-            const auto found = _slaves.find(static_cast<unsigned char>(address));
-            const auto marked = [address](const std::shared_ptr<System::IArray<unsigned char>>& list) {
-                return (list->Get(address / 8) >> address % 8 & 1) != 0;
-            };
-            if (marked(configured) != (found != _slaves.end()) ||
-                marked(exchanging) != (found != _slaves.end() && found->second.present))
-                return false;
-        }
-        return true;
-    };
-    UpdateUntil("the station lists", listsHold);
+    Bytes configured(16), exchanging(16);
+    for (const auto& [address, slave] : _slaves) {
+        const auto bit = static_cast<unsigned char>(1 << address % 8);
+        configured[address / 8] |= bit;
+        exchanging[address / 8] |= slave.present ? bit : static_cast<unsigned char>(0);
+    }
+    UpdateUntil("the station lists", [&] {
+        return ToBytes(*_master->GetSlaveConfiguredList()) == configured &&
+               ToBytes(*_master->GetDataTransferList()) == exchanging;
+    });
 }
 
 void Soak::AskSomething() {
-    auto slave = _slaves.begin();
-    std::advance(slave, Below(static_cast<int>(_slaves.size())));
-    const Record record{slave->first, static_cast<unsigned char>(1 + Below(3)),
+    const Record record{AnySlave().first, static_cast<unsigned char>(1 + Below(3)),
                         static_cast<unsigned char>(Below(8))};
     switch (Below(4)) {
     case 0:
-        return AskAboutSlave(slave->first);
+        return AskAboutSlave(record.address);
     case 1:
         return AskClass2(record);
     default:
@@ -276,17 +262,21 @@ void Soak::AskSomething() {
     }
 }
 
+/// Whether the request was answered well, or refused.
+Soak::Check Soak::Answered(bool well, const char* what) {
+    return [well, what](IResponse& answer) { Expect((answer.Error() == ErrorCode::NO_ERROR) == well, what); };
+}
+
 /// Writes a record or reads it back.
 void Soak::AskRecord(Record record) {
     const bool present = At(record.address).present;
     if (OneIn(2)) {
-        const Bytes data = RandomBytes(1 + Below(240));
+        Bytes data(static_cast<std::size_t>(1 + Below(240)));
+        std::generate(data.begin(), data.end(), [this] { return Byte(); });
         if (present)
             _records[record] = data;
-        const auto written = [present](IResponse& answer) {
-            Expect((answer.Error() == ErrorCode::NO_ERROR) == present, "a write's answer");
-        };
-        return _master->Class1Write(record.address, record.slot, record.index, ToArray(data), Await(written));
+        return _master->Class1Write(record.address, record.slot, record.index, ToArray(data),
+                                    Await(Answered(present, "a write's answer")));
     }
     _master->Class1Read(record.address, record.slot, record.index, 240, Await(ReadCheck(record)));
 }
@@ -306,33 +296,26 @@ Soak::Check Soak::ReadCheck(Record record) const {
 /// A Class 2 connection, from its beginning to its end.
 void Soak::AskClass2(Record record) {
     const bool present = At(record.address).present;
-    const auto isAnswered = [](bool well, const char* what) {
-        return [well, what](IResponse& answer) {
-            Expect((answer.Error() == ErrorCode::NO_ERROR) == well, what);
-        };
-    };
-    _master->Class2Initiate(record.address, Await(isAnswered(present, "an initiate's answer")));
+    _master->Class2Initiate(record.address, Await(Answered(present, "an initiate's answer")));
     _master->Class2Read(record.address, record.slot, record.index, 240, Await(ReadCheck(record)));
-    _master->Class2Abort(record.address, 0, 0, Await(isAnswered(present, "an abort's answer")));
+    _master->Class2Abort(record.address, 0, 0, Await(Answered(present, "an abort's answer")));
 }
 
 void Soak::AskAboutSlave(unsigned char address) {
-    const bool present = At(address).present;
+    const auto isDiagnosis = [](IResponse& answer) {
+        Expect(answer.Error() != ErrorCode::INVALID_OTHER, "the diagnostics' answer");
+    };
+    const auto isLiveList = [](IResponse& answer) {
+        Expect(answer.Error() == ErrorCode::NO_ERROR && answer.Data()->Count() > 0, "the live list");
+    };
     switch (Below(3)) {
     case 0:
-        return _master->GetSlaveDiag(address, Await([](IResponse& answer) {
-                                         Expect(answer.Error() != ErrorCode::INVALID_OTHER,
-                                                "the diagnostics' answer");
-                                     }));
+        return _master->GetSlaveDiag(address, Await(isDiagnosis));
     case 1:
-        return _master->GetLiveList(Await([](IResponse& answer) {
-            Expect(answer.Error() == ErrorCode::NO_ERROR && answer.Data()->Count() > 0, "the live list");
-        }));
+        return _master->GetLiveList(Await(isLiveList));
     default:
-        return _master->GetSlaveConfig(address, Await([present](IResponse& answer) {
-                                           Expect((answer.Error() == ErrorCode::NO_ERROR) == present,
-                                                  "the configuration's answer");
-                                       }));
+        return _master->GetSlaveConfig(address,
+                                       Await(Answered(At(address).present, "the configuration's answer")));
     }
 }
 

@@ -62,7 +62,7 @@ private:
 
     unsigned char Byte() { return static_cast<unsigned char>(_random()); }
 
-    Bytes RandomBytes(int count);
+    std::pair<const unsigned char, Slave>& AnySlave();
 
     void MakeConfiguration();
     void Begin();
@@ -82,6 +82,7 @@ private:
     void CheckLists();
 
     void AskSomething();
+    static Check Answered(bool well, const char* what);
     void AskRecord(Record record);
     /// Compares the answer of a read with what the record should have.
     Check ReadCheck(Record record) const;

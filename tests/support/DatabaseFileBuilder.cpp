@@ -1,6 +1,9 @@
 // SPDX-License-Identifier: MIT
 #include "tests/support/DatabaseFileBuilder.h"
 
+#include "vesk/modules/dpvm/config/DdbParser.h"
+#include "vesk/system/io/MemoryStream.h"
+
 #include <algorithm>
 #include <cstdio>
 
@@ -12,11 +15,6 @@ static void Append(Bytes& to, const Bytes& bytes) {
 
 static void AppendByte(Bytes& to, int value) {
     to.push_back(static_cast<unsigned char>(value));
-}
-
-static void AppendLow(Bytes& to, int word) {
-    AppendByte(to, word & 0xFF);
-    AppendByte(to, word >> 8);
 }
 
 static void AppendHigh(Bytes& to, std::size_t word) {
@@ -44,16 +42,8 @@ DatabaseFileBuilder& DatabaseFileBuilder::Slave(int address, const Bytes& record
 DatabaseFileBuilder& DatabaseFileBuilder::Message(int command, int word0, int word1, const Bytes& data,
                                                   int size) {
     const std::size_t start = _messages.size();
-    AppendLow(_messages, 0);
-    AppendLow(_messages, 0x4002); // a fieldbus request
-    AppendLow(_messages, command);
-    AppendLow(_messages, size);
-    AppendLow(_messages, 1);
-    AppendLow(_messages, 1);
-    AppendLow(_messages, 0);
-    AppendLow(_messages, 0);
-    AppendLow(_messages, word0);
-    AppendLow(_messages, word1);
+    for (const int word : {0, 0x4002 /* a fieldbus request */, command, size, 1, 1, 0, 0, word0, word1})
+        Append(_messages, {static_cast<unsigned char>(word & 0xFF), static_cast<unsigned char>(word >> 8)});
     _messages.resize(start + 32);
     Append(_messages, data);
     _messages.resize(start + 288, 0xEE);
@@ -72,6 +62,16 @@ Bytes DatabaseFileBuilder::Build() const {
     Bytes file(line.begin(), line.end());
     Append(file, _messages);
     return file;
+}
+
+std::string DatabaseFileBuilder::Content() const {
+    const Bytes file = Build();
+    return {file.begin(), file.end()};
+}
+
+std::shared_ptr<Vesk::Modules::DPVM::Config::IBusConfig> DatabaseFileBuilder::Read() const {
+    return Vesk::Modules::DPVM::Config::DdbParser::FromStream(
+        System::IO::MemoryStream::Create(System::Array<unsigned char>::Create(Build())));
 }
 
 Bytes DatabaseFileBuilder::MasterRecord(int stationAddress) {

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "vesk/modules/dpvm/config/IBusConfig.h"
+
 #include <optional>
 #include <string>
 #include <vector>
@@ -23,6 +25,11 @@ public:
     DatabaseFileBuilder& Checksum(const std::string& text);
     /// The file.
     Bytes Build() const;
+
+    std::string Content() const;
+
+    /// What the library reads out of the file.
+    std::shared_ptr<Vesk::Modules::DPVM::Config::IBusConfig> Read() const;
 
     /// The checksum of the records so far.
     unsigned int Checksum() const { return _checksum; }

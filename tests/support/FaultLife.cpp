@@ -3,13 +3,12 @@
 
 #include "tests/support/DatabaseFileBuilder.h"
 #include "tests/support/FirmwareFileBuilder.h"
+#include "tests/support/ModuleLines.h"
 #include "tests/support/Values.h"
 
 #include "vesk/hostinterface/RuntimeConfig.h"
 #include "vesk/mailbox/MailboxResponseException.h"
 #include "vesk/modules/dpvm/CreateHostInterface.h"
-#include "vesk/modules/dpvm/config/DdbParser.h"
-#include "vesk/system/io/MemoryStream.h"
 
 #include <algorithm>
 #include <new>
@@ -31,12 +30,9 @@ constexpr int MOST_UPDATES = 8'000;
 /// Slave 3 has 4 bytes in each direction, and a record of three fragments.
 std::shared_ptr<Config::IBusConfig> Plant() {
     const DatabaseFileBuilder::Bytes parameters(237, 0x33);
-    DatabaseFileBuilder file;
-    file.Master(DatabaseFileBuilder::MasterRecord(1));
-    file.Slave(
-        3, DatabaseFileBuilder::SlaveRecord({{0, 1, 2, 3}, {0, 1, 2, 3}, parameters, {0xF3}, parameters}));
-    return Config::DdbParser::FromStream(
-        System::IO::MemoryStream::Create(Array<unsigned char>::Create(file.Build())));
+    const auto slave =
+        DatabaseFileBuilder::SlaveRecord({{0, 1, 2, 3}, {0, 1, 2, 3}, parameters, {0xF3}, parameters});
+    return DatabaseFileBuilder().Master().Slave(3, slave).Read();
 }
 
 std::string Text(const std::vector<int>& values) {
@@ -67,11 +63,7 @@ std::string FaultLife::Ending::Text() const {
 }
 
 FaultLife::FaultLife(VirtualModule::Flash start, std::vector<VirtualModule::Fault> faults)
-    : flash(std::move(start)), module(flash, TestClock::Nanoseconds, [&] {
-          VirtualModule::Options options;
-          options.faults = std::move(faults);
-          return options;
-      }()) {
+    : flash(std::move(start)), module(flash, TestClock::Nanoseconds, {.faults = std::move(faults)}) {
     Vesk::RuntimeConfig::_hostInterfaceDumpPath = nullptr;
 }
 
@@ -127,10 +119,8 @@ FaultLife::Ending FaultLife::Live(const std::function<void()>& life) {
 }
 
 FaultLife::HostInterface FaultLife::OpenDpRam() {
-    HostInterface dpRam = CreateHostInterface(
-        module.DpRamPath(), 0, System::Func<bool>::Create([this] { return module.VelmoIrq_n(); }),
-        System::ArgFunc<bool, void>::Create([this](bool level) { module.Reset_n(level); }),
-        System::ArgFunc<bool, void>::Create([this](bool level) { module.BootloaderEnable_n(level); }));
+    const auto [irq, reset, boot] = ModuleLines(module);
+    HostInterface dpRam = CreateHostInterface(module.DpRamPath(), 0, irq, reset, boot);
     return between ? between(dpRam) : dpRam;
 }
 

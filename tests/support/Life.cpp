@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "tests/support/Life.h"
 
+#include "tests/support/ModuleLines.h"
+
 #include "vesk/hostinterface/RuntimeConfig.h"
 
 #include <gtest/gtest.h>
@@ -22,16 +24,13 @@ Life::~Life() {
 void Life::Begin(std::shared_ptr<Config::IBusConfig> config) {
     master.reset();
     states.clear();
-    const auto irq = System::Func<bool>::Create([this] { return module.VelmoIrq_n(); });
-    const auto reset = System::ArgFunc<bool, void>::Create([this](bool level) { module.Reset_n(level); });
-    const auto boot =
-        System::ArgFunc<bool, void>::Create([this](bool level) { module.BootloaderEnable_n(level); });
     const auto note = [this](const char* name) {
         return System::Func<void>::Create([this, name] { calls.push_back(name); });
     };
     const auto mode = System::ArgFunc<OperationMode_e, void>::Create([this](OperationMode_e reached) {
         calls.push_back("mode " + std::to_string(static_cast<int>(reached)));
     });
+    const auto [irq, reset, boot] = ModuleLines(module);
     master = config ? Vt22::CreateConfigured(module.DpRamPath(), 0, irq, reset, boot, note("offline"),
                                              note("online"), mode, config)
                     : Vt22::CreateUnconfigured(module.DpRamPath(), 0, irq, reset, boot);

@@ -7,7 +7,10 @@
 
 /// The files of a virtual module in a process of its own, `vesk module`, and how to start it on them.
 struct ModuleFiles {
-    using Arguments = std::vector<std::string>;
+    using Arguments = Process::Arguments;
+
+    static constexpr const char* PLANT = SOURCE_DIR "/examples/plant.ddb";
+    static constexpr const char* FIRMWARE = SOURCE_DIR "/examples/firmware/vt22-1.5.0.fw";
 
     TemporaryFolder folder;
     std::string dpRam = folder.Path("dpram");
@@ -16,16 +19,14 @@ struct ModuleFiles {
     std::string speed = "10"; // of the module's time; its boot and its period then take a tenth
 
     /// The options that say where the module is, after `arguments`.
-    Arguments With(Arguments arguments) const {
-        arguments.insert(arguments.end(), {"--dpram", dpRam, "--lines", lines});
-        return arguments;
+    Arguments With(const Arguments& arguments) const {
+        return Process::Join(arguments, {"--dpram", dpRam, "--lines", lines});
     }
 
     /// A module that is ready, and logs.
     std::unique_ptr<Process> StartModule(const Arguments& more = {}) const {
-        Arguments arguments = With({"module", "--flash", flash, "--speed", speed, "--log"});
-        arguments.insert(arguments.end(), more.begin(), more.end());
-        auto module = std::make_unique<Process>(VESK_TOOL, arguments);
+        const Arguments arguments = With({"module", "--flash", flash, "--speed", speed, "--log"});
+        auto module = std::make_unique<Process>(VESK_TOOL, Process::Join(arguments, more));
         if (!module->WaitForOut("module ready on " + dpRam + ", " + lines + "\n"))
             throw std::runtime_error("the module does not start: " + module->Err());
         return module;
@@ -33,9 +34,11 @@ struct ModuleFiles {
 
     /// `vesk run` with so many cycles of process data; 20 do for a whole life.
     std::unique_ptr<Process> StartHost(int cycles = 20, const Arguments& more = {}) const {
-        Arguments arguments =
-            With({"run", SOURCE_DIR "/examples/plant.ddb", "--cycles", std::to_string(cycles)});
-        arguments.insert(arguments.end(), more.begin(), more.end());
-        return std::make_unique<Process>(VESK_TOOL, arguments);
+        return Start(Process::Join({"run", PLANT, "--cycles", std::to_string(cycles)}, more));
+    }
+
+    /// Any command on this module.
+    std::unique_ptr<Process> Start(const Arguments& arguments) const {
+        return std::make_unique<Process>(VESK_TOOL, With(arguments));
     }
 };

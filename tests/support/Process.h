@@ -7,6 +7,7 @@
 #include <chrono>
 #include <csignal>
 #include <fcntl.h>
+#include <optional>
 #include <stdexcept>
 #include <string>
 #include <sys/prctl.h>
@@ -18,7 +19,9 @@
 /// A program that runs beside the test. It is killed, if it still runs, with the object or with the test.
 class Process {
 public:
-    Process(const std::string& program, const std::vector<std::string>& arguments) : _child(::fork()) {
+    using Arguments = std::vector<std::string>;
+
+    Process(const std::string& program, const Arguments& arguments) : _child(::fork()) {
         if (_child == 0) {
             ::prctl(PR_SET_PDEATHSIG, SIGKILL);
             Redirect(STDOUT_FILENO, _folder.Path("out"));
@@ -34,18 +37,31 @@ public:
     Process(const Process&) = delete;
     Process& operator=(const Process&) = delete;
 
+    /// `first` and what follows it.
+    static Arguments Join(Arguments first, const Arguments& more) {
+        first.insert(first.end(), more.begin(), more.end());
+        return first;
+    }
+
     /// Waits for its end: its exit status, or the number of the signal that ended it, negative.
     int Wait() {
-        while (!_ended && ::waitpid(_child, &_status, 0) != _child)
+        if (!HasEnded())
+            _status = WaitFor(_child);
+        return *_status;
+    }
+
+    /// The same for any child.
+    static int WaitFor(::pid_t child) {
+        int status = 0;
+        while (::waitpid(child, &status, 0) != child)
             if (errno != EINTR)
                 throw std::runtime_error("no child to wait for");
-        _ended = true;
-        return WIFEXITED(_status) ? WEXITSTATUS(_status) : -WTERMSIG(_status);
+        return WIFEXITED(status) ? WEXITSTATUS(status) : -WTERMSIG(status);
     }
 
     /// Sends the signal and waits for the end that follows from it.
     int End(int signal) {
-        if (!_ended)
+        if (!_status)
             ::kill(_child, signal);
         return Wait();
     }
@@ -57,25 +73,24 @@ public:
 
     /// Waits until it has written `text`; false when it has ended without, or after two minutes.
     bool WaitForOut(const std::string& text) {
-        return WaitFor([&] { return Out().find(text) != std::string::npos; });
+        return WaitUntil([&] { return Out().find(text) != std::string::npos; });
     }
 
     bool WaitForErr(const std::string& text) {
-        return WaitFor([&] { return Err().find(text) != std::string::npos; });
+        return WaitUntil([&] { return Err().find(text) != std::string::npos; });
     }
 
     /// Becomes the program.
-    [[noreturn]] static void Execute(const std::string& program, const std::vector<std::string>& arguments) {
+    [[noreturn]] static void Execute(const std::string& program, const Arguments& arguments) {
         // Where the module is, is the test's affair alone.
         for (const char* variable : {"VESK_DPRAM", "VESK_OFFSET", "VESK_LINES", "VESK_GPIO"})
             ::unsetenv(variable);
-        std::vector<std::string> words;
+        Arguments words;
 #ifdef TEST_EMULATOR // which the programs of this build need; scripts and shells are the machine's own
         if (program.rfind(BUILD_DIR "/", 0) == 0)
             words = {TEST_EMULATOR};
 #endif
-        words.push_back(program);
-        words.insert(words.end(), arguments.begin(), arguments.end());
+        words = Join(words, Join({program}, arguments));
         std::vector<char*> argv;
         for (std::string& word : words)
             argv.push_back(word.data());
@@ -86,7 +101,7 @@ public:
 
 private:
     template <class Condition>
-    bool WaitFor(const Condition& reached) {
+    bool WaitUntil(const Condition& reached) {
         const auto end = std::chrono::steady_clock::now() + std::chrono::minutes(2);
         while (!reached()) {
             if (HasEnded() || std::chrono::steady_clock::now() > end)
@@ -97,8 +112,12 @@ private:
     }
 
     bool HasEnded() {
-        _ended = _ended || ::waitpid(_child, &_status, WNOHANG) == _child;
-        return _ended;
+        ::siginfo_t end{};
+        if (!_status &&
+            ::waitid(P_PID, static_cast<::id_t>(_child), &end, WEXITED | WNOHANG | WNOWAIT) == 0 &&
+            end.si_pid == _child)
+            _status = WaitFor(_child);
+        return _status.has_value();
     }
 
     static void Redirect(int descriptor, const std::string& path) {
@@ -108,6 +127,5 @@ private:
 
     TemporaryFolder _folder;
     ::pid_t _child;
-    bool _ended = false;
-    int _status = 0;
+    std::optional<int> _status; // once it has ended
 };

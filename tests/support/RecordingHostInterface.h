@@ -3,10 +3,10 @@
 
 #include "vesk/hostinterface/IHostInterface.h"
 
-#include <array>
 #include <functional>
 #include <initializer_list>
 #include <string>
+#include <utility>
 #include <vector>
 
 /// A DPRAM in memory that writes down every access, in order, as a short text: "R8 1ffb", "W16 0010=1234",
@@ -19,23 +19,33 @@ public:
     void Put(int offset, std::initializer_list<int> values);
     /// Bytes of the DPRAM without recording.
     std::vector<int> Bytes(int offset, int count) const;
+
     /// The accesses since the last call.
-    std::vector<std::string> TakeLog();
+    std::vector<std::string> TakeLog() { return std::exchange(log, {}); }
 
     void Read(int offset, const std::shared_ptr<System::IArray<unsigned char>>& array, int arrayOffset,
               int count) override;
-    unsigned char ReadUInt8(int offset) override;
-    unsigned short ReadUInt16(int offset) override;
-    unsigned int ReadUInt32(int offset) override;
     void Write(int offset, const std::shared_ptr<System::IArray<unsigned char>>& array, int arrayOffset,
                int count) override;
-    void WriteUInt8(int offset, unsigned char value) override;
-    void WriteUInt16(int offset, unsigned short value) override;
-    void WriteUInt32(int offset, unsigned int value) override;
+
+    unsigned char ReadUInt8(int offset) override { return static_cast<unsigned char>(Load(offset, 1)); }
+
+    unsigned short ReadUInt16(int offset) override { return static_cast<unsigned short>(Load(offset, 2)); }
+
+    unsigned int ReadUInt32(int offset) override { return Load(offset, 4); }
+
+    void WriteUInt8(int offset, unsigned char value) override { Store(offset, 1, value); }
+
+    void WriteUInt16(int offset, unsigned short value) override { Store(offset, 2, value); }
+
+    void WriteUInt32(int offset, unsigned int value) override { Store(offset, 4, value); }
 
     int Size() override { return static_cast<int>(bytes.size()); }
 
-    bool VelmoIRQ() override;
+    bool VelmoIRQ() override {
+        log.push_back("irq");
+        return irq;
+    }
 
     void BootloaderEnable() override { log.push_back("boot"); }
 

@@ -3,13 +3,11 @@
 
 #include "tests/support/Process.h"
 
-#include <cerrno>
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <nlohmann/json.hpp>
+
 #include <pty.h>
-#include <stdexcept>
-#include <string>
-#include <sys/wait.h>
-#include <unistd.h>
-#include <vector>
 
 /// What a run of a program left behind.
 struct ToolResult {
@@ -21,7 +19,8 @@ struct ToolResult {
 /// Runs the command line VESK_TOOL, or any other program, as a process of its own.
 class RunTool {
 public:
-    using Arguments = std::vector<std::string>;
+    using Arguments = Process::Arguments;
+    static constexpr auto* Join = Process::Join;
 
     /// Waits for its end.
     static ToolResult Run(const Arguments& arguments, const std::string& program = VESK_TOOL) {
@@ -30,16 +29,37 @@ public:
         return {status, process.Out(), process.Err()};
     }
 
+    /// What it prints, and that it ends with `status`.
+    static std::string Text(const Arguments& arguments, int status = 0) {
+        const ToolResult result = Run(arguments);
+        EXPECT_EQ(result.status, status) << result.err;
+        return result.out;
+    }
+
+    /// The same with --json.
+    static nlohmann::json Json(const Arguments& arguments, int status = 0) {
+        return nlohmann::json::parse(Text(Process::Join(arguments, {"--json"}), status));
+    }
+
+    /// That it ends with `status` and prints nothing but `error` on standard error.
+    static void ExpectFailure(const Arguments& arguments, int status,
+                              const testing::Matcher<const std::string&>& error) {
+        SCOPED_TRACE(testing::PrintToString(arguments));
+        const ToolResult result = Run(arguments);
+        EXPECT_EQ(result.status, status);
+        EXPECT_EQ(result.out, "");
+        EXPECT_THAT(result.err, error);
+    }
+
     /// Runs it on a terminal, where `typed` is typed. `out` has all that the terminal shows, line ends as a
     /// terminal has them.
-    static ToolResult RunOnTerminal(const Arguments& arguments, const std::string& typed,
-                                    const std::string& program = VESK_TOOL) {
+    static ToolResult RunOnTerminal(const Arguments& arguments, const std::string& typed) {
         int terminal = -1;
         const auto child = ::forkpty(&terminal, nullptr, nullptr, nullptr);
         if (child == 0)
-            Process::Execute(program, arguments);
+            Process::Execute(VESK_TOOL, arguments);
         if (child < 0)
-            throw std::runtime_error("no terminal for " + program);
+            throw std::runtime_error("no terminal");
         std::string shown;
         if (::write(terminal, typed.data(), typed.size()) == static_cast<::ssize_t>(typed.size())) {
             char part[4096];
@@ -48,17 +68,15 @@ public:
             while ((count = ::read(terminal, part, sizeof part)) > 0 || (count < 0 && errno == EINTR))
                 shown.append(part, static_cast<std::size_t>(count > 0 ? count : 0));
         }
-        const int status = Wait(child);
+        const int status = Process::WaitFor(child);
         ::close(terminal);
         return {status, shown, ""};
     }
-
-private:
-    static int Wait(::pid_t child) {
-        int status = 0;
-        while (::waitpid(child, &status, 0) != child)
-            if (errno != EINTR)
-                throw std::runtime_error("no child to wait for");
-        return WIFEXITED(status) ? WEXITSTATUS(status) : -WTERMSIG(status);
-    }
 };
+
+/// A JSON object that has at least `facts`, which are JSON too.
+MATCHER_P(HasFacts, facts, "has " + std::string(facts)) {
+    auto with = arg;
+    with.merge_patch(std::decay_t<decltype(arg)>::parse(facts));
+    return with == arg;
+}

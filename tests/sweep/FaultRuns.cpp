@@ -25,17 +25,16 @@ constexpr unsigned LAST_STEPS = 20;
 /// A range of values is tried whole if, with the steps, it makes no more runs than this.
 constexpr unsigned MOST_OF_A_RANGE = 2'500;
 
-long OpenDescriptors() {
+/// Bytes of the heap, file descriptors and mappings of a DPRAM that this process has.
+std::array<long, 3> Held() {
     using Entries = std::filesystem::directory_iterator;
-    return std::distance(Entries("/proc/self/fd"), Entries());
-}
-
-long MappedDpRams() {
+    const long bytes = Heap::Bytes();
+    const auto descriptors = std::distance(Entries("/proc/self/fd"), Entries());
     long mapped = 0;
     std::ifstream maps("/proc/self/maps");
     for (std::string line; std::getline(maps, line);)
         mapped += line.find("velmo-dpram") != std::string::npos ? 1 : 0;
-    return mapped;
+    return {bytes, descriptors, mapped};
 }
 
 bool IsOneOf(const FaultLife::Ending& ending, const std::vector<const Outcome*>& outcomes,
@@ -99,44 +98,18 @@ FaultRuns::Good FaultRuns::LiveWell(Kind kind) {
         if (host.Touched()[i])
             good.touched.push_back(i);
     // Everything that a life ever touches, at once and each byte twice, and why the module stopped.
-    good.mostAccesses = host.MostAccesses();
     good.bound =
         2 * static_cast<long>(good.touched.size()) + Vesk::HostInterface::MasterDpRam::FatalEvent::BLOCK_SIZE;
     return good;
-}
-
-std::string FaultRuns::Summary() const {
-    static constexpr std::array hostSteps{"reads", "writes", "looks at the interrupt line",
-                                          "other line operations", "clock readings"};
-    static_assert(hostSteps.size() == HOST_STEPS);
-    std::string text;
-    for (const auto& [life, good] : _good) {
-        text += life == Kind::MASTER ? "a master's life:" : "a firmware update:";
-        const auto append = [&text](unsigned count, std::string_view what) {
-            text += count == 0 ? "" : " " + std::to_string(count) + " " + std::string(what) + ",";
-        };
-        for (std::size_t i = 0; i < COUNTS; ++i)
-            append(good.moduleSteps[i], Name(static_cast<Counts>(i)));
-        for (std::size_t i = 0; i < HOST_STEPS; ++i)
-            append(good.hostSteps[i], hostSteps[i]);
-        text += " " + std::to_string(good.allocations) + " allocations; up to " +
-                std::to_string(good.mostAccesses) + " bytes accessed in an Update, " +
-                std::to_string(good.bound) + " allowed\n";
-    }
-    return text;
 }
 
 void FaultRuns::AddModuleFaults(Kind life) {
     for (const FaultKind& kind : Faults())
         for (unsigned step = 1; step <= _good[life].moduleSteps[static_cast<std::size_t>(kind.counts)];
              ++step)
-            AddModuleFault(life, kind, step);
-}
-
-void FaultRuns::AddModuleFault(Kind life, const FaultKind& kind, unsigned step) {
-    for (const unsigned value : ValuesOf(kind, _good[life], step))
-        for (const unsigned count : std::set<unsigned>{kind.count, 1})
-            _runs.push_back({life, {{kind.id, step, count, value}}, nullptr, 0, 0, kind.outcomes});
+            for (const unsigned value : ValuesOf(kind, _good[life], step))
+                for (const unsigned count : std::set<unsigned>{kind.count, 1})
+                    _runs.push_back({life, {{kind.id, step, count, value}}, nullptr, 0, 0, kind.outcomes});
 }
 
 std::vector<unsigned> FaultRuns::ValuesOf(const FaultKind& kind, const Good& good, unsigned step) const {
@@ -170,19 +143,13 @@ void FaultRuns::AddAllocations(Kind life) {
 }
 
 std::string FaultRuns::Broken(const FaultRun& run) const {
-    const long descriptors = OpenDescriptors();
-    const long mapped = MappedDpRams();
-    const long bytes = Heap::Bytes();
-    std::string broken = Live(run);
-    if (!broken.empty())
+    const auto before = Held();
+    const std::string broken = Live(run);
+    const auto after = Held();
+    if (!broken.empty() || after == before)
         return broken;
-    if (Heap::Bytes() != bytes)
-        return std::to_string(Heap::Bytes() - bytes) + " bytes are left";
-    if (OpenDescriptors() != descriptors)
-        return std::to_string(OpenDescriptors() - descriptors) + " file descriptors are left";
-    if (MappedDpRams() != mapped)
-        return std::to_string(MappedDpRams() - mapped) + " mappings are left";
-    return {};
+    const auto left = [&](std::size_t what) { return std::to_string(after[what] - before[what]); };
+    return left(0) + " bytes, " + left(1) + " file descriptors and " + left(2) + " mappings are left";
 }
 
 std::string FaultRuns::Live(const FaultRun& run) const {

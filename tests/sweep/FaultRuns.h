@@ -29,23 +29,18 @@ public:
     /// life, and lives one with a new one. Says what is not as promised; nothing if all is.
     std::string Broken(const FaultRun& run) const;
 
-    /// What a good life does, for a person to see.
-    std::string Summary() const;
-
 private:
     struct Good {
         FaultLife::Ending ending;
         std::array<unsigned, VirtualModule::COUNTS> moduleSteps{};
         std::array<unsigned, HOST_STEPS> hostSteps{};
         std::vector<unsigned> touched; // bytes of the DPRAM
-        long mostAccesses = 0;         // of an Update
         long bound = 0;                // of accesses of an Update
         long allocations = 0;
     };
 
     static Good LiveWell(FaultLife::Kind life);
     void AddModuleFaults(FaultLife::Kind life);
-    void AddModuleFault(FaultLife::Kind life, const VirtualModule::FaultKind& kind, unsigned step);
     std::vector<unsigned> ValuesOf(const VirtualModule::FaultKind& kind, const Good& good,
                                    unsigned step) const;
     void AddHostFaults(FaultLife::Kind life);

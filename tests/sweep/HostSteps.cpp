@@ -41,20 +41,11 @@ public:
                            [this](unsigned char value) { return Falsified(value); });
     }
 
-    unsigned char ReadUInt8(int offset) override {
-        const bool strikes = Before(HostStep::READ, offset, 1);
-        return strikes ? Falsified(_dpRam->ReadUInt8(offset)) : _dpRam->ReadUInt8(offset);
-    }
+    unsigned char ReadUInt8(int offset) override { return Load(&IHostInterface::ReadUInt8, offset); }
 
-    unsigned short ReadUInt16(int offset) override {
-        const bool strikes = Before(HostStep::READ, offset, 2);
-        return strikes ? Falsified(_dpRam->ReadUInt16(offset)) : _dpRam->ReadUInt16(offset);
-    }
+    unsigned short ReadUInt16(int offset) override { return Load(&IHostInterface::ReadUInt16, offset); }
 
-    unsigned int ReadUInt32(int offset) override {
-        const bool strikes = Before(HostStep::READ, offset, 4);
-        return strikes ? Falsified(_dpRam->ReadUInt32(offset)) : _dpRam->ReadUInt32(offset);
-    }
+    unsigned int ReadUInt32(int offset) override { return Load(&IHostInterface::ReadUInt32, offset); }
 
     void Write(int offset, const Bytes& array, int arrayOffset, int count) override {
         if (Arrives(offset, count))
@@ -62,18 +53,15 @@ public:
     }
 
     void WriteUInt8(int offset, unsigned char value) override {
-        if (Arrives(offset, 1))
-            _dpRam->WriteUInt8(offset, value);
+        Store(&IHostInterface::WriteUInt8, offset, value);
     }
 
     void WriteUInt16(int offset, unsigned short value) override {
-        if (Arrives(offset, 2))
-            _dpRam->WriteUInt16(offset, value);
+        Store(&IHostInterface::WriteUInt16, offset, value);
     }
 
     void WriteUInt32(int offset, unsigned int value) override {
-        if (Arrives(offset, 4))
-            _dpRam->WriteUInt32(offset, value);
+        Store(&IHostInterface::WriteUInt32, offset, value);
     }
 
     int Size() override { return _dpRam->Size(); }
@@ -113,6 +101,19 @@ private:
         const bool lost = Before(HostStep::WRITE, offset, count);
         _steps.Write(offset, count);
         return !lost;
+    }
+
+    template <class Value>
+    Value Load(Value (IHostInterface::*read)(int), int offset) {
+        const bool strikes = Before(HostStep::READ, offset, sizeof(Value));
+        const Value value = (*_dpRam.*read)(offset);
+        return strikes ? Falsified(value) : value;
+    }
+
+    template <class Value>
+    void Store(void (IHostInterface::*write)(int, Value), int offset, Value value) {
+        if (Arrives(offset, sizeof(Value)))
+            (*_dpRam.*write)(offset, value);
     }
 
     /// Whether it is the module that does something; it has done so then.
@@ -185,7 +186,6 @@ void HostSteps::Access(int offset, int count) {
     for (int i = offset; i < offset + count; ++i)
         _touched.set(static_cast<std::size_t>(i));
     _accesses += count;
-    _mostAccesses = std::max(_mostAccesses, _accesses);
     if (_accesses > _bound)
         throw TooManyAccesses();
 }
@@ -202,37 +202,31 @@ const std::vector<HostFault>& HostFaults() {
     static constexpr VirtualModule::Outcome LINE_FAILED{INVALID_OPERATION, "The line cannot be reached", "",
                                                         ""};
     using Outcomes = std::vector<const VirtualModule::Outcome*>;
+    static const Outcomes any = VirtualModule::AllOutcomes();
     static const Outcomes brownOut{&POWER_ON_AGAIN,     &SAME_DATA, &TIMEOUT, &UNDEFINED,
                                    &ACKNOWLEDGED_TWICE, &MODE,      &REFUSED, &EMPTY};
+    static const Outcomes lost{&NO_ANSWER, &TIMEOUT, &SAME_DATA, &WRONG_ID, &UNDEFINED, &ACKNOWLEDGED_TWICE};
+    static const Outcomes noInterrupt{&SAME_DATA, &NO_ANSWER, &TIMEOUT, &NO_INTERRUPT};
+    static const Outcomes interrupt{&NOT_LOCKED,     &SAME_DATA,         &NO_ANSWER,          &TIMEOUT,
+                                    &WRONG_ID,       &NOBODY_ASKED,      &ACKNOWLEDGED_TWICE, &EMPTY,
+                                    &POWER_ON_AGAIN, &INTERRUPT_IN_RESET};
+    static const Outcomes late{&SAME_DATA, &TIMEOUT, &NO_INTERRUPT, &DOWNLOAD_TIMEOUT, &INIT_TIMEOUT};
     static const std::vector<HostFault> faults{
-        {"reads ones", READ, Effect::ONES, 0, VirtualModule::AllOutcomes()},
-        {"reads zeros", READ, Effect::ZEROS, 0, VirtualModule::AllOutcomes()},
-        {"reads inverted", READ, Effect::INVERTED, 0, VirtualModule::AllOutcomes()},
-        {"write lost",
-         WRITE,
-         Effect::LOST,
-         0,
-         {&NO_ANSWER, &TIMEOUT, &SAME_DATA, &WRONG_ID, &UNDEFINED, &ACKNOWLEDGED_TWICE}},
+        {"reads ones", READ, Effect::ONES, 0, any},
+        {"reads zeros", READ, Effect::ZEROS, 0, any},
+        {"reads inverted", READ, Effect::INVERTED, 0, any},
+        {"write lost", WRITE, Effect::LOST, 0, lost},
         {"brown-out before reading", READ, Effect::BROWN_OUT, 0, brownOut},
         {"brown-out before writing", WRITE, Effect::BROWN_OUT, 0, brownOut},
         {"module acts before reading", READ, Effect::OVERTAKEN, 0, {&SAME_DATA}},
         {"module acts before writing", WRITE, Effect::OVERTAKEN, 0, {&SAME_DATA}},
-        {"interrupt that is none",
-         IRQ_READ,
-         Effect::IRQ_LOW,
-         0,
-         {&NOT_LOCKED, &SAME_DATA, &NO_ANSWER, &TIMEOUT, &WRONG_ID, &NOBODY_ASKED, &ACKNOWLEDGED_TWICE,
-          &EMPTY, &POWER_ON_AGAIN, &INTERRUPT_IN_RESET}},
-        {"interrupt lost", IRQ_READ, Effect::IRQ_HIGH, 0, {&SAME_DATA, &NO_ANSWER, &TIMEOUT, &NO_INTERRUPT}},
+        {"interrupt that is none", IRQ_READ, Effect::IRQ_LOW, 0, interrupt},
+        {"interrupt lost", IRQ_READ, Effect::IRQ_HIGH, 0, noInterrupt},
         {"interrupt line fails", IRQ_READ, Effect::LINE_FAILS, 0, {&LINE_FAILED}},
         {"output line fails", LINE_DRIVE, Effect::LINE_FAILS, 0, {&LINE_FAILED}},
         {"late by 1 ms", CLOCK_READING, Effect::LATE, 1, {&SAME_DATA}},
         {"late by 400 ms", CLOCK_READING, Effect::LATE, 400, {&SAME_DATA}},
-        {"late by 12 s",
-         CLOCK_READING,
-         Effect::LATE,
-         12'000,
-         {&SAME_DATA, &TIMEOUT, &NO_INTERRUPT, &DOWNLOAD_TIMEOUT, &INIT_TIMEOUT}},
+        {"late by 12 s", CLOCK_READING, Effect::LATE, 12'000, late},
     };
     return faults;
 }

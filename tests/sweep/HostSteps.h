@@ -61,9 +61,6 @@ public:
     /// The bytes that were accessed.
     const std::bitset<SIZE>& Touched() const { return _touched; }
 
-    /// The most bytes that were accessed from one look at the interrupt line to the next.
-    long MostAccesses() const { return _mostAccesses; }
-
     /// The first write where the host must not write; empty if there was none.
     const std::string& ForeignWrite() const { return _foreignWrite; }
 
@@ -87,8 +84,7 @@ private:
     unsigned _step = 0;
     std::array<unsigned, HOST_STEPS> _counted{};
     std::bitset<SIZE> _touched;
-    long _accesses = 0; // since the last look at the interrupt line
-    long _mostAccesses = 0;
+    long _accesses = 0;       // since the last look at the interrupt line
     bool _bootloader = false; // which of the two programs the module runs or will run
     std::string _foreignWrite;
 };

@@ -4,7 +4,6 @@
 #include "tests/sweep/FaultRuns.h"
 
 #include <cerrno>
-#include <charconv>
 #include <cstdio>
 #include <cstdlib>
 #include <memory>
@@ -34,14 +33,9 @@ struct Progress {
 Options Parse(const std::vector<std::string>& arguments) {
     Options options;
     for (std::size_t i = 0; i < arguments.size(); i += 2) {
-        const std::string& name = arguments[i];
-        const std::string text = i + 1 < arguments.size() ? arguments[i + 1] : "";
-        std::size_t value = 0;
-        const auto [stop, error] = std::from_chars(text.data(), text.data() + text.size(), value);
-        if ((name != "--every" && name != "--jobs") || error != std::errc() ||
-            stop != text.data() + text.size() || value == 0)
+        if ((arguments[i] != "--every" && arguments[i] != "--jobs") || i + 1 == arguments.size())
             throw std::invalid_argument("usage: vesk_sweep [--every N] [--jobs N]");
-        (name == "--every" ? options.every : options.jobs) = value;
+        (arguments[i] == "--every" ? options.every : options.jobs) = std::stoul(arguments[i + 1]);
     }
     return options;
 }
@@ -89,7 +83,6 @@ bool EndedWell(pid_t process) {
 
 int Main(const Options& options) {
     const FaultRuns runs;
-    std::fputs(runs.Summary().c_str(), stderr);
     Progress* const progress = ShareProgress(options.jobs);
     std::vector<pid_t> processes;
     for (std::size_t job = 0; job < options.jobs; ++job)

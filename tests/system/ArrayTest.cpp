@@ -4,7 +4,7 @@
 
 #include "vesk/system/Array.h"
 
-#include <functional>
+#include <tuple>
 
 using namespace System;
 using Bytes = Array<unsigned char>;
@@ -26,21 +26,16 @@ TEST(Array, ChecksEveryIndex) {
     const std::shared_ptr<IArray<unsigned char>> whole = Bytes::Create({1, 2, 3, 4, 5});
     const std::shared_ptr<IArray<unsigned char>> view = View::Create(whole, 1, 3);
 
-    const struct {
-        std::shared_ptr<IArray<unsigned char>> array;
-        int index;
-        const char* message;
-    } cases[] = {
+    const std::tuple<std::shared_ptr<IArray<unsigned char>>, int, const char*> cases[] = {
         {whole, -1, "index (-1) must not be less than zero (0)"},
         {whole, 5, "index (5) must not be greater than count - 1 (4)"},
         {view, -1, "index (-1) must not be less than zero (0)"},
         {view, 3, "index (3) must not be greater than count - 1 (2)"},
         {Bytes::Create(0), 0, "index (0) must not be greater than count - 1 (-1)"},
     };
-
-    for (const auto& each : cases) {
-        ExpectFailure<ArgumentOutOfRangeException>(each.message, [&] { return each.array->Get(each.index); });
-        ExpectFailure<ArgumentOutOfRangeException>(each.message, [&] { each.array->Set(each.index, 9); });
+    for (const auto& [array, index, message] : cases) {
+        ExpectFailure<ArgumentOutOfRangeException>(message, [&a = array, i = index] { a->Get(i); });
+        ExpectFailure<ArgumentOutOfRangeException>(message, [&a = array, i = index] { a->Set(i, 9); });
     }
     EXPECT_EQ(Values(whole), (std::vector<int>{1, 2, 3, 4, 5}));
     view->Set(2, 9);
@@ -64,11 +59,7 @@ TEST(ArraySegment, MayNotLeaveTheArray) {
     const auto whole = Bytes::Create(10);
     for (const auto& [offset, count] : {std::pair(0, 10), {10, 0}, {0, 0}, {9, 1}})
         EXPECT_EQ(View::Create(whole, offset, count)->Count(), count);
-
-    const struct {
-        int offset, count;
-        const char* message;
-    } cases[] = {
+    const std::tuple<int, int, const char*> cases[] = {
         {-1, 1, "offset (-1) must not be less than zero (0)"},
         {0, -1, "count (-1) must not be less than zero (0)"},
         {2, 9, "offset (2) + count (9) must not be greater than the length of array (10)"},
@@ -76,10 +67,9 @@ TEST(ArraySegment, MayNotLeaveTheArray) {
         {2147483647, 2147483647,
          "offset (2147483647) + count (2147483647) must not be greater than the length of array (10)"},
     };
-
-    for (const auto& each : cases)
+    for (const auto& [offset, count, message] : cases)
         ExpectFailure<ArgumentOutOfRangeException>(
-            each.message, [&] { return View::Create(whole, each.offset, each.count); });
+            message, [&, first = offset, size = count] { View::Create(whole, first, size); });
     ExpectFailure<ArgumentNullException>("array must not be null",
                                          [] { return View::Create(nullptr, 0, 0); });
 }

@@ -7,8 +7,6 @@
 
 using namespace System;
 
-namespace {
-
 class Counter : public Object {
 public:
     int Add(int step) { return _total += step; }
@@ -17,8 +15,6 @@ public:
 
     int _total = 0;
 };
-
-} // namespace
 
 TEST(Delegates, CallWhatTheyWereMadeOf) {
     int calls = 0;

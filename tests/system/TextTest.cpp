@@ -46,33 +46,23 @@ TEST(Convert, WritesAnyBaseInLowerCase) {
 }
 
 TEST(Convert, ReadsDigitsAndNothingElse) {
-    const struct {
-        const char* text;
-        std::uint64_t value;
-    } good[] = {
+    const std::pair<const char*, std::uint64_t> good[] = {
         {"0", 0}, {"dEaD", 0xDEAD}, {"0000000000000000000f", 15}, {"ffffffffffffffff", 0xFFFFFFFFFFFFFFFFu}};
-
     for (const auto& [text, value] : good)
         EXPECT_EQ(Convert::ToUInt64(text, 16), value) << text;
-
-    for (const std::string& text :
-         {std::string(), std::string(" 1"), std::string("1 "), std::string("-1"), std::string("+1"),
-          std::string("0x1"), std::string("1g"), std::string("1\n"), std::string("1\0", 2),
-          std::string("10000000000000000")})
-        ExpectFailure<FormatException>("\"" + text + "\" is not a number in base 16",
-                                       [&] { return Convert::ToUInt64(text, 16); });
-    ExpectFailure<FormatException>("\"9\" is not a number in base 8",
-                                   [] { return Convert::ToUInt64("9", 8); });
-    ExpectFailure<NullReferenceException>("string is null", [] { return Convert::ToUInt64(nullptr, 16); });
+    for (const std::string_view text :
+         {std::string_view("1\0", 2), std::string_view(""), std::string_view(" 1"), std::string_view("1 "),
+          std::string_view("-1"), std::string_view("+1"), std::string_view("0x1"), std::string_view("1g"),
+          std::string_view("1\n"), std::string_view("10000000000000000")})
+        ExpectFailure<FormatException>("\"" + std::string(text) + "\" is not a number in base 16",
+                                       [&] { Convert::ToUInt64(std::string(text), 16); });
+    ExpectFailure<FormatException>("\"9\" is not a number in base 8", [] { Convert::ToUInt64("9", 8); });
+    ExpectFailure<NullReferenceException>("string is null", [] { Convert::ToUInt64(nullptr, 16); });
 }
 
 TEST(TimeSpan, WritesDaysAndFractionOnlyWhenThereAreAny) {
     constexpr std::int64_t SECOND = 1'000'000'000, DAY = 86'400 * SECOND;
-
-    const struct {
-        std::int64_t nanoseconds;
-        const char* text;
-    } cases[] = {
+    const std::pair<std::int64_t, const char*> cases[] = {
         {0, "00:00:00"},
         {99, "00:00:00"},
         {100, "00:00:00.0000001"},
@@ -85,11 +75,8 @@ TEST(TimeSpan, WritesDaysAndFractionOnlyWhenThereAreAny) {
         {-(12 * DAY + 3'723 * SECOND + 400), "-12.01:02:03.0000004"},
         {std::numeric_limits<std::int64_t>::min(), "-106751.23:47:16.8547758"},
     };
-
-    for (const auto& [nanoseconds, text] : cases) {
+    for (const auto& [nanoseconds, text] : cases)
         EXPECT_EQ(TimeSpan(nanoseconds).ToString().Value(), text);
-        EXPECT_EQ(TimeSpan::Create(nanoseconds)->Nanoseconds(), nanoseconds);
-    }
 }
 
 TEST(DateTime, AsksItsSourceAndElseTheMonotonicClock) {

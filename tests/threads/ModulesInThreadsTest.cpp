@@ -1,12 +1,10 @@
 // SPDX-License-Identifier: MIT
 // Two masters in two threads at once: nothing of the library is shared between them.
 #include "tests/support/DatabaseFileBuilder.h"
+#include "tests/support/ModuleLines.h"
 
 #include "vesk/hostinterface/RuntimeConfig.h"
 #include "vesk/modules/dpvm/Vt22.h"
-#include "vesk/modules/dpvm/config/DdbParser.h"
-#include "vesk/system/io/MemoryStream.h"
-#include "virtualmodule/InProcess.h"
 
 #include <gtest/gtest.h>
 
@@ -27,19 +25,13 @@ std::int64_t NextMicrosecond() {
 /// A whole life of one master with one slave; the last value that came back. Time is the virtual module's
 /// count of steps, so the life does not depend on the machine's speed.
 int Live(int firstValue, int cycles) {
-    DatabaseFileBuilder file;
-    file.Master().Slave(3, DatabaseFileBuilder::SlaveRecord({{0, 1}, {0, 1}}));
-    const auto config = Config::DdbParser::FromStream(
-        System::IO::MemoryStream::Create(Array<unsigned char>::Create(file.Build())));
+    const auto slave = DatabaseFileBuilder::SlaveRecord({{0, 1}, {0, 1}});
+    const auto config = DatabaseFileBuilder().Master().Slave(3, slave).Read();
     VirtualModule::Flash flash;
-    VirtualModule::Options options;
-    options.interruptPeriod = 0;
-    VirtualModule::InProcess module(flash, NextMicrosecond, options);
-    const auto master = Vt22::CreateConfigured(
-        module.DpRamPath(), 0, System::Func<bool>::Create([&] { return module.VelmoIrq_n(); }),
-        System::ArgFunc<bool, void>::Create([&](bool level) { module.Reset_n(level); }),
-        System::ArgFunc<bool, void>::Create([&](bool level) { module.BootloaderEnable_n(level); }), nullptr,
-        nullptr, nullptr, config);
+    VirtualModule::InProcess module(flash, NextMicrosecond, {.interruptPeriod = 0, .faults = {}});
+    const auto [irq, reset, boot] = ModuleLines(module);
+    const auto master =
+        Vt22::CreateConfigured(module.DpRamPath(), 0, irq, reset, boot, nullptr, nullptr, nullptr, config);
     while (!master->Configured())
         master->Update();
     const auto in = Array<unsigned char>::Create(2);

@@ -1,28 +1,26 @@
 // SPDX-License-Identifier: MIT
 #include "tools/vesk/Diagnosis.h"
 
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 using VeskTool::DecodeIdentifiers;
 using VeskTool::Diagnosis;
 using Bytes = std::vector<unsigned char>;
 using Json = nlohmann::ordered_json;
+using testing::HasSubstr;
 
 namespace {
 
 TEST(DiagnosisTest, NamesEachBit) {
-    struct Case {
+    const struct {
         Bytes bytes;
         std::vector<std::string> set;
         std::string cause; // a part of it
-    };
-
-    const Case cases[] = {
+    } CASES[] = {
         {{0x00, 0x04, 0x00, 0x01, 0x2A, 0x14}, {}, ""},
         {{0x01, 0x00, 0x00, 0xFF, 0x00, 0x00}, {"stationNonExistent"}, "does not answer on the bus"},
-        {{0x02, 0x05, 0x00, 0xFF, 0x2A, 0x14},
-         {"parameterRequest", "stationNotReady"},
-         "to be parameterised"},
+        {{0x02, 0x05, 0x00, 0xFF, 0x2A, 0x14}, {"parameterRequest", "stationNotReady"}, "parameterised"},
         {{0x46, 0x04, 0x00, 0x01, 0x2A, 0x14},
          {"parameterFault", "configurationFault", "stationNotReady"},
          "refuses its parameters"},
@@ -33,13 +31,14 @@ TEST(DiagnosisTest, NamesEachBit) {
          ""},
         {{0x00, 0x82, 0x00, 0x01, 0x2A, 0x14}, {"deactivated", "staticDiagnostics"}, "taken it out"},
     };
-    for (const Case& test : cases) {
-        const Diagnosis diagnosis(test.bytes);
-        EXPECT_EQ(diagnosis.Set(), test.set);
-        EXPECT_NE(diagnosis.Cause().find(test.cause), std::string::npos) << diagnosis.Cause();
-        EXPECT_EQ(diagnosis.Cause().empty(), test.cause.empty());
-        EXPECT_EQ(diagnosis.ToJson()["masterAddress"].is_null(), test.bytes[3] == 0xFF);
-        EXPECT_EQ(diagnosis.IdentNumber(), test.bytes[4] == 0 ? 0u : 0x2A14u);
+
+    for (const auto& [bytes, set, cause] : CASES) {
+        const Diagnosis diagnosis(bytes);
+        EXPECT_EQ(diagnosis.Set(), set);
+        EXPECT_THAT(diagnosis.Cause(), HasSubstr(cause));
+        EXPECT_EQ(diagnosis.Cause().empty(), cause.empty());
+        EXPECT_EQ(diagnosis.ToJson()["masterAddress"].is_null(), bytes[3] == 0xFF);
+        EXPECT_EQ(diagnosis.IdentNumber(), bytes[4] == 0 ? 0u : 0x2A14u);
     }
 }
 
@@ -62,7 +61,7 @@ TEST(DiagnosisTest, SplitsExtendedDiagnosisIntoBlocks) {
     for (const char* part :
          {"Ident number  0x2a14", "[x] extendedDiagnostics ", "[ ] masterLock", "modules with a fault: 0, 2",
           "module 1, channel 3 (input, bit): line break (6)"})
-        EXPECT_NE(text.find(part), std::string::npos) << part << " in\n" << text;
+        EXPECT_THAT(text, HasSubstr(part));
 }
 
 TEST(DiagnosisTest, TakesAnyBytes) {
@@ -78,12 +77,10 @@ TEST(DiagnosisTest, TakesAnyBytes) {
 }
 
 TEST(IdentifiersTest, SayWhatTheModulesExchange) {
-    struct Case {
+    const struct {
         Bytes bytes;
         const char* modules;
-    };
-
-    const Case cases[] = {
+    } CASES[] = {
         {{0x21}, R"([{"identifier": "21", "input": {"length": 2, "unit": "byte", "consistency": "unit"},
                       "output": null}])"},
         {{0x54}, R"([{"identifier": "54", "input": null,
@@ -99,8 +96,9 @@ TEST(IdentifiersTest, SayWhatTheModulesExchange) {
               "output": {"length": 2, "unit": "word", "consistency": "whole"}, "manufacturerData": "aabb"}])"},
         {{0xC0, 0x8F}, R"([{"identifier": "c08f", "cutShort": true}])"},
     };
-    for (const Case& test : cases)
-        EXPECT_EQ(DecodeIdentifiers(test.bytes), Json::parse(test.modules)) << DecodeIdentifiers(test.bytes);
+
+    for (const auto& [bytes, modules] : CASES)
+        EXPECT_EQ(DecodeIdentifiers(bytes), Json::parse(modules));
 }
 
 } // namespace

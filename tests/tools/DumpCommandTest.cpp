@@ -5,11 +5,6 @@
 
 #include "tools/vesk/DpRamMap.h"
 #include "vesk/hostinterface/RuntimeConfig.h"
-#include "vesk/modules/dpvm/config/DdbParser.h"
-
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
-#include <nlohmann/json.hpp>
 
 #include <random>
 
@@ -26,12 +21,8 @@ protected:
     }
 
     /// Runs `vesk dump` on the DPRAM as it is.
-    ToolResult Dump(const RunTool::Arguments& options = {}) {
-        RunTool::Arguments arguments{"dump", _folder.Put("dump", _dpRam)};
-        arguments.insert(arguments.end(), options.begin(), options.end());
-        const ToolResult result = RunTool::Run(arguments);
-        EXPECT_EQ(result.status, 0) << result.err;
-        return result;
+    std::string Dump(const RunTool::Arguments& options = {}) {
+        return RunTool::Text(RunTool::Join({"dump", _folder.Put("dump", _dpRam)}, options));
     }
 
     TemporaryFolder _folder;
@@ -51,7 +42,7 @@ TEST_F(DumpCommandTest, NamesEveryBlockAndRegisterOfTheMaster) {
     Put(0x1E41, {0x77});
     Put(0x1FFA, {0x0C, 0x24, 0x0C, 0, 0x24});
 
-    EXPECT_EQ(Dump().out, R"(DPRAM of the module as the master
+    EXPECT_EQ(Dump(), R"(DPRAM of the module as the master
 
 0x0000  identity
   bootloader            2.1
@@ -140,18 +131,16 @@ TEST_F(DumpCommandTest, NamesEveryBlockAndRegisterOfTheMaster) {
   velmoCompanion        0x24 (36)
 )");
 
-    const json map = json::parse(Dump({"--json"}).out);
-    EXPECT_EQ(map.at("layout"), "master");
-    EXPECT_EQ(map.at("identity").at("serial"), 9);
-    EXPECT_EQ(map.at("fatalEvent").at("timeStamp"), 4294967301);
-    EXPECT_EQ(map.at("mailboxIn").at("offset"), 0x56);
-    EXPECT_EQ(map.at("mailboxIn").at("message"), "SlaveRecordDownload, slave 40, fragment 2 of 3");
-    EXPECT_EQ(map.at("mailboxIn").at("data"), "deadbf");
-    EXPECT_EQ(map.at("mailboxOut").at("error"), "Invalid Address");
-    EXPECT_EQ(map.at("inputArea").at("data").get<std::string>().size(), 7000U);
-    EXPECT_EQ(map.at("fieldbusStatus").at("slaveConfigured"), json({3, 5, 40}));
-    EXPECT_EQ(map.at("fieldbusStatus").at("change"),
-              json({{"value", 0x8009}, {"bits", {"slaveConfigured", "masterStatus"}}, {"reserved", 0x8000}}));
+    const json map = json::parse(Dump({"--json"}));
+    EXPECT_THAT(map, HasFacts(R"({
+        "layout": "master",
+        "identity": {"serial": 9},
+        "fatalEvent": {"timeStamp": 4294967301},
+        "mailboxIn": {"offset": 86, "message": "SlaveRecordDownload, slave 40, fragment 2 of 3", "data": "deadbf"},
+        "mailboxOut": {"error": "Invalid Address"},
+        "fieldbusStatus": {"slaveConfigured": [3, 5, 40], "change": {
+            "value": 32777, "bits": ["slaveConfigured", "masterStatus"], "reserved": 32768}}})"));
+    EXPECT_EQ(map["inputArea"]["data"].get<std::string>().size(), 7000U);
 }
 
 TEST_F(DumpCommandTest, NamesEveryBlockAndRegisterOfTheBootloader) {
@@ -161,7 +150,7 @@ TEST_F(DumpCommandTest, NamesEveryBlockAndRegisterOfTheBootloader) {
     Put(0x1FDE, {1, 1});
     Put(0x1FFD, {0x80, 0, 0x90});
 
-    const std::string text = Dump({"--bootloader"}).out;
+    const std::string text = Dump({"--bootloader"});
     for (const char* const line :
          {"0x0000  unused\n", "    0x0000  7166 bytes of zero\n",
           "0x1bfe  mailboxIn\n  message               FwDownloadData, frame 3 of 9 at 0x20100\n",
@@ -170,47 +159,41 @@ TEST_F(DumpCommandTest, NamesEveryBlockAndRegisterOfTheBootloader) {
           "  moduleType            0x101 (257)\n", "  applicationIndication 0x80 mIn\n",
           "  velmoIndication       0x90 init mIn\n"})
         EXPECT_THAT(text, HasSubstr(line));
-    const json map = json::parse(Dump({"--bootloader", "--json"}).out);
-    EXPECT_EQ(map.at("layout"), "bootloader");
-    EXPECT_TRUE(map.at("mailboxOut").at("message").is_null());
-    EXPECT_EQ(map.at("handshake").at("velmoIndication").at("bits"), json({"init", "mIn"}));
+    const json map = json::parse(Dump({"--bootloader", "--json"}));
+    EXPECT_EQ(map["layout"], "bootloader");
+    EXPECT_TRUE(map["mailboxOut"]["message"].is_null());
+    EXPECT_EQ(map["handshake"]["velmoIndication"]["bits"], json({"init", "mIn"}));
 }
 
 TEST_F(DumpCommandTest, DescribesRequestsByTheirParameters) {
-    struct Case {
+    const std::string undefined = "not a message: its error code or message type is not defined ";
+
+    const struct {
         std::vector<int> header; // from the information word on
-        const char* data;
-        const char* message;
+        std::string message, data = "";
+    } CASES[] = {
+        {{0x40, 1, 0, 2, 0, 0}, "VelmoInit"},
+        {{0x40, 2, 0, 2, 0, 0, 0, 1, 0, 1, 0, 0, 0, 0, 0x80, 0}, "SetOperationMode, mode CLEAR"},
+        {{0x40, 2, 0, 2, 0, 0, 0, 1, 0, 1, 0, 0, 0, 0, 0x41, 0}, "SetOperationMode, mode 0x41"},
+        {{0x40, 2, 0, 6, 0, 0, 0, 1, 0, 1, 0, 0, 0, 0, 126, 7, 0x80, 0x1A},
+         "SetSlaveAddress, slave 126, new address 7, ident number 0x801a"},
+        {{0x40, 2, 0, 0x11, 0, 8}, "EndDatabaseDownload, description \"0badcafe\"", "0badcafe"},
+        {{0x40, 2, 0, 0x28, 0, 0, 0, 1, 0, 1, 0, 0, 0, 0, 0, 6, 1, 2, 3, 0},
+         "Class2Write, reference 0x6, slot 1, index 2, length 3"},
+        {{0x40, 6, 0, 3, 0, 0}, "FlashErase"},
+        {{0x40, 3, 0, 1, 0, 0}, "unknown command 0x1 of type Memory"},
+        {{0x40, 0x99, 0, 1, 0, 0}, undefined + "(System.ArgumentException: 153)"},
+        {{0xCB, 2, 0, 1, 0, 0}, undefined + "(System.ArgumentException: 139)"},
     };
 
-    const std::vector<Case> cases{
-        {{0x40, 1, 0, 2, 0, 0}, "", "VelmoInit"},
-        {{0x40, 2, 0, 2, 0, 0, 0, 1, 0, 1, 0, 0, 0, 0, 0x80, 0}, "", "SetOperationMode, mode CLEAR"},
-        {{0x40, 2, 0, 2, 0, 0, 0, 1, 0, 1, 0, 0, 0, 0, 0x41, 0}, "", "SetOperationMode, mode 0x41"},
-        {{0x40, 2, 0, 6, 0, 0, 0, 1, 0, 1, 0, 0, 0, 0, 126, 7, 0x80, 0x1A},
-         "",
-         "SetSlaveAddress, slave 126, new address 7, ident number 0x801a"},
-        {{0x40, 2, 0, 0x11, 0, 8}, "0badcafe", "EndDatabaseDownload, description \"0badcafe\""},
-        {{0x40, 2, 0, 0x28, 0, 0, 0, 1, 0, 1, 0, 0, 0, 0, 0, 6, 1, 2, 3, 0},
-         "",
-         "Class2Write, reference 0x6, slot 1, index 2, length 3"},
-        {{0x40, 6, 0, 3, 0, 0}, "", "FlashErase"},
-        {{0x40, 3, 0, 1, 0, 0}, "", "unknown command 0x1 of type Memory"},
-        {{0x40, 0x99, 0, 1, 0, 0},
-         "",
-         "not a message: its error code or message type is not defined (System.ArgumentException: 153)"},
-        {{0xCB, 2, 0, 1, 0, 0},
-         "",
-         "not a message: its error code or message type is not defined (System.ArgumentException: 139)"},
-    };
-    for (const Case& one : cases) {
+    for (const auto& [header, message, data] : CASES) {
         _dpRam.assign(8192, '\0');
-        Put(0x58, one.header);
-        _dpRam.replace(0x76, std::string(one.data).size(), one.data);
-        EXPECT_THAT(Dump().out, HasSubstr("  message               " + std::string(one.message) + "\n"));
+        Put(0x58, header);
+        _dpRam.replace(0x76, data.size(), data);
+        EXPECT_THAT(Dump(), HasSubstr("  message               " + message + "\n"));
     }
     Put(0x58, {0x40, 2, 0, 0x10, 0xFF, 0xFF});
-    EXPECT_THAT(Dump().out, HasSubstr("dataSize              65535 (more than a message can have: 256)\n"));
+    EXPECT_THAT(Dump(), HasSubstr("dataSize              65535 (more than a message can have: 256)\n"));
 }
 
 TEST_F(DumpCommandTest, ShowsTheRequestOfADownloadThatWasCutShort) {
@@ -218,18 +201,10 @@ TEST_F(DumpCommandTest, ShowsTheRequestOfADownloadThatWasCutShort) {
     content.inputs.resize(100);
     content.outputs.resize(100);
     content.parameters.resize(200);
-    DatabaseFileBuilder builder;
-    builder.Master(DatabaseFileBuilder::MasterRecord());
-    builder.Slave(40, DatabaseFileBuilder::SlaveRecord(content));
-    const auto file = builder.Build();
-    const std::string path = _folder.Put("plant.ddb", {file.begin(), file.end()});
-
     Life life;
-    life.Begin(Vesk::Modules::DPVM::Config::DdbParser::FromPath(path));
+    life.Begin(DatabaseFileBuilder().Master().Slave(40, DatabaseFileBuilder::SlaveRecord(content)).Read());
     const auto secondFragment = [&] {
-        std::ifstream dpRam(life.module.DpRamPath(), std::ios::binary);
-        std::string bytes(0x76, '\0');
-        dpRam.read(bytes.data(), static_cast<std::streamsize>(bytes.size()));
+        const std::string bytes = TemporaryFolder::Read(life.module.DpRamPath());
         return bytes.substr(0x58, 4) == std::string("\x40\x02\x00\x14", 4) &&
                bytes.substr(0x66, 2) == "\x28\x02";
     };
@@ -239,13 +214,11 @@ TEST_F(DumpCommandTest, ShowsTheRequestOfADownloadThatWasCutShort) {
     life.master.reset();
     Vesk::RuntimeConfig::_hostInterfaceDumpPath = nullptr;
 
-    const auto result = RunTool::Run({"dump", dump, "--json"});
-    ASSERT_EQ(result.status, 0) << result.err;
-    const json map = json::parse(result.out);
-    EXPECT_EQ(map.at("mailboxIn").at("message"), "SlaveRecordDownload, slave 40, fragment 2 of 3");
-    EXPECT_EQ(map.at("mailboxOut").at("kind"), "response");
-    EXPECT_EQ(map.at("identity").at("moduleType"), 0x201);
-    EXPECT_THAT(map.at("handshake").at("applicationIndication").at("bits"), testing::Contains("mIn"));
+    const json map = RunTool::Json({"dump", dump});
+    EXPECT_EQ(map["mailboxIn"]["message"], "SlaveRecordDownload, slave 40, fragment 2 of 3");
+    EXPECT_EQ(map["mailboxOut"]["kind"], "response");
+    EXPECT_EQ(map["identity"]["moduleType"], 0x201);
+    EXPECT_THAT(map["handshake"]["applicationIndication"]["bits"], testing::Contains("mIn"));
 }
 
 TEST_F(DumpCommandTest, MapsAnyBytes) {
@@ -255,8 +228,10 @@ TEST_F(DumpCommandTest, MapsAnyBytes) {
         for (unsigned char& byte : bytes)
             byte = static_cast<unsigned char>(random());
         if (round % 2) // a message that is understood as far as its header goes
-            for (const std::size_t area : {0x56U, 0x176U, 0x1BFEU, 0x1D1EU})
-                bytes[area + 2] = 0x40, bytes[area + 3] = static_cast<unsigned char>(1 + round % 6);
+            for (const std::size_t area : {0x56U, 0x176U, 0x1BFEU, 0x1D1EU}) {
+                bytes[area + 2] = 0x40;
+                bytes[area + 3] = static_cast<unsigned char>(1 + round % 6);
+            }
         for (const auto& map : {VeskTool::DpRamMap::Master(bytes), VeskTool::DpRamMap::Bootloader(bytes)}) {
             EXPECT_TRUE(json::accept(map.ToJson().dump()));
             for (const char character : map.ToText())
@@ -266,25 +241,19 @@ TEST_F(DumpCommandTest, MapsAnyBytes) {
 }
 
 TEST_F(DumpCommandTest, TakesNothingButARegularFileOfTheRightSize) {
-    struct Case {
-        std::string path;
-        std::string error;
+    const struct {
+        std::string path, error;
+    } CASES[] = {
+        {_folder.Put("empty", ""), ": 0 bytes; a dump of the DPRAM has 8192"},
+        {_folder.Put("short", std::string(8191, 'x')), ": 8191 bytes; a dump of the DPRAM has 8192"},
+        {_folder.Put("long", std::string(8193, 'x')), ": 8193 bytes; a dump of the DPRAM has 8192"},
+        {_folder.Path("missing"), ": No such file or directory"},
+        {"/dev/zero", ": not a regular file"},
     };
 
-    for (const Case& one : {
-             Case{_folder.Put("empty", ""), ": 0 bytes; a dump of the DPRAM has 8192"},
-             Case{_folder.Put("short", std::string(8191, 'x')), ": 8191 bytes; a dump of the DPRAM has 8192"},
-             Case{_folder.Put("long", std::string(8193, 'x')), ": 8193 bytes; a dump of the DPRAM has 8192"},
-             Case{_folder.Path("missing"), ": No such file or directory"},
-             Case{_folder.Path("."), ": is a directory"},
-             Case{"/dev/zero", ": not a regular file"},
-         }) {
-        const auto result = RunTool::Run({"dump", one.path});
-        EXPECT_EQ(result.status, 1);
-        EXPECT_EQ(result.out, "");
-        EXPECT_THAT(result.err, HasSubstr(one.path + one.error + "\n"));
-        const auto asJson = RunTool::Run({"dump", one.path, "--json"});
-        EXPECT_EQ(json::parse(asJson.out).at("error").at("message"), one.path + one.error);
+    for (const auto& [path, error] : CASES) {
+        RunTool::ExpectFailure({"dump", path}, 1, HasSubstr(path + error + "\n"));
+        EXPECT_EQ(RunTool::Json({"dump", path}, 1)["error"]["message"], path + error);
     }
     EXPECT_EQ(RunTool::Run({"dump"}).status, 2);
 }

@@ -12,13 +12,10 @@
 #include "vesk/modules/dpvm/Vt22Messages.h"
 #include "virtualmodule/Faults.h"
 
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
-#include <nlohmann/json.hpp>
-
 #include <regex>
 
 using nlohmann::json;
+using testing::AllOf;
 using testing::Contains;
 using testing::Each;
 using testing::ElementsAre;
@@ -44,10 +41,7 @@ std::vector<std::string> FindInLibrary(const char* pattern) {
     std::vector<std::string> found;
     const std::regex regex(pattern);
     for (const auto& entry : std::filesystem::recursive_directory_iterator(SOURCE_DIR "/vesk")) {
-        if (!entry.is_regular_file())
-            continue;
-        std::ifstream file(entry.path());
-        const std::string text{std::istreambuf_iterator<char>(file), {}};
+        const std::string text = entry.is_regular_file() ? TemporaryFolder::Read(entry.path()) : "";
         for (std::sregex_iterator match(text.begin(), text.end(), regex), end; match != end; ++match)
             found.push_back((*match)[1]);
     }
@@ -109,8 +103,8 @@ TEST(ExplainCommandTest, KnowsWhatEveryFaultOfTheVirtualModuleEndsIn) {
             if (outcome->type.empty())
                 continue;
             const std::string type(outcome->type);
-            const std::string message =
-                std::regex_replace(std::string(outcome->message), std::regex("\\*"), "1");
+            std::string message(outcome->message);
+            std::replace(message.begin(), message.end(), '*', '1');
             const auto found = Explain(type + ": " + message);
             EXPECT_THAT(NamesOf(found), Contains(type)) << fault.name;
             if (!message.empty() && outcome->message.front() != '*') {
@@ -120,13 +114,7 @@ TEST(ExplainCommandTest, KnowsWhatEveryFaultOfTheVirtualModuleEndsIn) {
 }
 
 TEST(ExplainCommandTest, KnowsEveryErrorCodeByNameConstantAndNumber) {
-    struct Case {
-        const char* name;
-        const char* constant;
-        const char* number;
-    };
-
-    const std::vector<Case> cases{
+    const std::vector<std::array<const char*, 3>> codes{
         {"No error", "NO_ERROR", "0x0"},
         {"Invalid Message ID", "MESSAGE_ID", "0x80"},
         {"Invalid Message Type", "MESSAGE_TYPE", "0x81"},
@@ -138,14 +126,12 @@ TEST(ExplainCommandTest, KnowsEveryErrorCodeByNameConstantAndNumber) {
         {"Invalid Address", "ADDRESS", "0x87"},
         {"Invalid Response", "RESPONSE", "0x88"},
         {"Flash Config Error", "FLASH_CONFIG_ERROR", "0x89"},
-        {"Invalid Other", "INVALID_OTHER", "0x8f"},
-    };
-    for (const Case& one : cases)
-        for (const char* const word : {one.name, one.constant, one.number}) {
-            const auto found = Explain(word);
-            EXPECT_THAT(NamesOf(found), Contains(one.name)) << word;
-            EXPECT_THAT(found, Contains(Field(&Explanation::kind, "error code"))) << word;
-        }
+        {"Invalid Other", "INVALID_OTHER", "0x8f"}};
+    for (const auto& code : codes)
+        for (const char* const word : code)
+            EXPECT_THAT(Explain(word), Contains(AllOf(Field(&Explanation::name, code[0]),
+                                                      Field(&Explanation::kind, "error code"))))
+                << word;
 }
 
 TEST(ExplainCommandTest, KnowsEveryRegisterBitOfBothLives) {
@@ -204,8 +190,7 @@ TEST(ExplainCommandTest, NamesEveryRequestAsTheLibraryDoes) {
         BootloaderMessages::BlDownloadLast(0, 0, 0),
         ProductionMessages::Enable(),
         ProductionMessages::FlashWriteEnable(),
-        ProductionMessages::FlashErase(),
-    };
+        ProductionMessages::FlashErase()};
     EXPECT_EQ(VeskTool::RequestKinds().size(), requests.size() + 2) << "the two that carry a record";
     for (const auto& request : requests) {
         const auto* const kind = VeskTool::FindRequestKind(*request->Type(), request->Command());
@@ -231,31 +216,22 @@ TEST(ExplainCommandTest, UnderstandsWordsAsTheyAreSeen) {
 }
 
 TEST(ExplainCommandTest, PrintsWhatItMeansAndWhatToCheck) {
-    const auto text = RunTool::Run({"explain", "Timeout", "waiting", "for", "initial", "IRQ"});
-    EXPECT_EQ(text.status, 0) << text.err;
-    EXPECT_THAT(text.out,
+    EXPECT_THAT(RunTool::Text({"explain", "Timeout", "waiting", "for", "initial", "IRQ"}),
                 testing::MatchesRegex("Timeout waiting for initial IRQ \\(message\\)\n  The module .*\n"
                                       "  Check: .*\n"));
-    const auto result = RunTool::Run({"explain", "0x82", "--json"});
-    EXPECT_EQ(result.status, 0);
-    const json explained = json::parse(result.out);
-    EXPECT_EQ(explained.at("word"), "0x82");
-    ASSERT_EQ(explained.at("matches").size(), 1U);
-    EXPECT_EQ(explained.at("matches").at(0).at("kind"), "error code");
-    EXPECT_EQ(explained.at("matches").at(0).at("name"), "Invalid Command");
+    const json explained = RunTool::Json({"explain", "0x82"});
+    EXPECT_EQ(explained["word"], "0x82");
+    ASSERT_EQ(explained["matches"].size(), 1U);
+    EXPECT_THAT(explained["matches"][0], HasFacts(R"({"kind": "error code", "name": "Invalid Command"})"));
 }
 
 TEST(ExplainCommandTest, NamesTheNearestForAnUnknownWord) {
-    const auto text = RunTool::Run({"explain", "opperate"});
-    EXPECT_EQ(text.status, 1);
-    EXPECT_EQ(text.out, "");
-    EXPECT_THAT(text.err, HasSubstr("vesk: nothing is known of \"opperate\"; nearest:\n  OPERATE\n"));
-    const auto result = RunTool::Run({"explain", "--json", "Timeuot waiting for INITIALIZED"});
-    EXPECT_EQ(result.status, 1);
-    const json unknown = json::parse(result.out);
-    EXPECT_TRUE(unknown.at("matches").empty());
-    EXPECT_EQ(unknown.at("nearest").at(0), "Timeout waiting for INITIALIZED");
-    EXPECT_EQ(json::parse(RunTool::Run({"explain", "--json", "\xFF\xFE"}).out).at("matches").size(), 0U);
+    RunTool::ExpectFailure({"explain", "opperate"}, 1,
+                           HasSubstr("vesk: nothing is known of \"opperate\"; nearest:\n  OPERATE\n"));
+    const json unknown = RunTool::Json({"explain", "Timeuot waiting for INITIALIZED"}, 1);
+    EXPECT_TRUE(unknown["matches"].empty());
+    EXPECT_EQ(unknown["nearest"][0], "Timeout waiting for INITIALIZED");
+    EXPECT_TRUE(RunTool::Json({"explain", "\xFF\xFE"}, 1)["matches"].empty());
     EXPECT_EQ(RunTool::Run({"explain"}).status, 2);
 }
 

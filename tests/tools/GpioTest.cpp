@@ -9,9 +9,6 @@
 #include "vesk/hostinterface/RuntimeConfig.h"
 #include "virtualmodule/InProcess.h"
 
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
-
 #ifdef VESK_WITH_GPIOD
 #include <gpiod.h>
 
@@ -129,30 +126,19 @@ TEST_F(GpioTest, TheLinesBringAModuleUp) {
 }
 
 TEST_F(GpioTest, ALineThatFailsIsNamed) {
-    const auto failureOf = [](const auto& act) -> std::string {
-        try {
-            act();
-        } catch (const std::exception& failure) {
-            return failure.what();
-        }
-        return "nothing";
+    const auto expectFailure = [](const char* message, const std::function<void()>& act) {
+        EXPECT_THAT(act, testing::ThrowsMessage<std::exception>(HasSubstr(message)));
     };
-    EXPECT_THAT(failureOf([&] { Open("gpiochip9:irq=17,reset=2,boot=4"); }),
-                HasSubstr("gpiochip9: No such file"));
-    EXPECT_THAT(failureOf([&] { Open("gpiochip0:a:irq=99,reset=2,boot=4"); }),
-                HasSubstr("line 99 (irq): Invalid"));
-    EXPECT_THAT(failureOf([&] { Open("gpiochip0:a:irq=17,reset=2,boot=20"); }),
-                HasSubstr("line 20 (boot): Device"));
+    expectFailure("gpiochip9: No such file", [&] { Open("gpiochip9:irq=17,reset=2,boot=4"); });
+    expectFailure("line 99 (irq): Invalid", [&] { Open("gpiochip0:a:irq=99,reset=2,boot=4"); });
+    expectFailure("line 20 (boot): Device", [&] { Open("gpiochip0:a:irq=17,reset=2,boot=20"); });
     EXPECT_EQ(requests.back(), "close") << "what was taken is given back";
 
     const Link link = Open("gpiochip0:a:irq=17,reset=2,boot=4");
     failures = EIO;
-    EXPECT_THAT(failureOf([&] { link.velmoIrq_n->Invoke(); }),
-                HasSubstr("line 17 (irq): Input/output error"));
-    EXPECT_THAT(failureOf([&] { link.reset_n->Invoke(true); }),
-                HasSubstr("line 2 (reset): Input/output error"));
-    EXPECT_THAT(failureOf([&] { link.bootloader_enable_n->Invoke(false); }),
-                HasSubstr("line 4 (boot): Input"));
+    expectFailure("line 17 (irq): Input/output error", [&] { link.velmoIrq_n->Invoke(); });
+    expectFailure("line 2 (reset): Input/output error", [&] { link.reset_n->Invoke(true); });
+    expectFailure("line 4 (boot): Input", [&] { link.bootloader_enable_n->Invoke(false); });
 }
 
 } // namespace
@@ -160,11 +146,7 @@ TEST_F(GpioTest, ALineThatFailsIsNamed) {
 
 TEST(LinkOptionsTest, WrongUseIsNamed) {
     const auto expectUsage = [](const RunTool::Arguments& options, const std::string& message) {
-        RunTool::Arguments arguments{"identify"};
-        arguments.insert(arguments.end(), options.begin(), options.end());
-        const ToolResult result = RunTool::Run(arguments);
-        EXPECT_EQ(result.status, 2) << message;
-        EXPECT_THAT(result.err, testing::HasSubstr(message));
+        RunTool::ExpectFailure(RunTool::Join({"identify"}, options), 2, testing::HasSubstr(message));
     };
     const std::string form = " is not CHIP:irq=N,reset=N,boot=N";
     for (const std::string gpio :

@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: MIT
 #include "tools/vesk/StartUp.h"
+#include "tests/support/ModuleLines.h"
 #include "tests/support/TestClock.h"
 #include "tools/vesk/PlantFlash.h"
 #include "vesk/hostinterface/RuntimeConfig.h"
-#include "virtualmodule/InProcess.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -24,9 +24,8 @@ protected:
         Link link;
         link.dpRamPath = module.DpRamPath();
         link.velmoIrq_n = System::Func<bool>::Create([this] { return dead || module.VelmoIrq_n(); });
-        link.reset_n = System::ArgFunc<bool, void>::Create([this](bool level) { module.Reset_n(level); });
-        link.bootloader_enable_n =
-            System::ArgFunc<bool, void>::Create([this](bool level) { module.BootloaderEnable_n(level); });
+        link.reset_n = ModuleLines(module).reset_n;
+        link.bootloader_enable_n = ModuleLines(module).bootloaderEnable_n;
         session = std::make_unique<Session>(link, nullptr);
         session->OnUpdate([this] { clock.Advance(1'000'000); });
         return *session;
@@ -42,14 +41,12 @@ protected:
             EXPECT_EQ(examined["state"], here ? "wrong" : passed ? "not reached" : "ok") << examined;
             passed = passed || here;
         }
-        const Json& problem = facts["problem"];
-        EXPECT_EQ(problem["step"], step);
-        EXPECT_THAT(problem["what"].get<std::string>(), HasSubstr(what));
-        EXPECT_THAT(problem["cause"].get<std::string>(), HasSubstr(cause));
-        EXPECT_THAT(problem["next"].get<std::string>(), HasSubstr(next));
-        const std::string text = StartUpText(facts, Paint(false));
-        EXPECT_THAT(text, testing::AllOf(HasSubstr(what), HasSubstr("Cause: "), HasSubstr(next),
-                                         Not(HasSubstr("operational"))));
+        EXPECT_EQ(facts["problem"]["step"], step);
+        for (const auto& [name, words] : {std::pair{"what", what}, {"cause", cause}, {"next", next}})
+            EXPECT_THAT(facts["problem"][name].get<std::string>(), HasSubstr(words));
+        EXPECT_THAT(StartUpText(facts, Paint(false)),
+                    testing::AllOf(HasSubstr(what), HasSubstr("Cause: "), HasSubstr(next),
+                                   Not(HasSubstr("operational"))));
     }
 
     TestClock clock;
@@ -69,17 +66,19 @@ TEST_F(StartUpTest, EverythingIsRight) {
     EXPECT_EQ(facts["steps"].size(), 6u);
     EXPECT_THAT(StartUpText(facts, Paint(false)), HasSubstr("Everything is operational."));
     EXPECT_EQ(ExamineStartUp(*session, nothing), facts);
+
+    int shown = 0;
+    const auto count = [&](const Json&) { ++shown; };
+    EXPECT_EQ(WatchStartUp(*session, nothing, 1, count, [&] { return shown == 3; })["ok"], true);
+    EXPECT_EQ(shown, 3) << "until it is told to stop";
 }
 
-TEST_F(StartUpTest, NoDatabase) {
+TEST_F(StartUpTest, AnotherDatabaseOrNone) {
+    ExpectProblem(ExamineStartUp(Begin(), {{"checksum", "00000000"}}), "database", "instead of 00000000",
+                  "Another configuration", "vesk download CONFIG.ddb");
     flash.database = {};
     ExpectProblem(ExamineStartUp(Begin(), nothing), "database", "holds no database", "was downloaded",
                   "vesk download CONFIG.ddb");
-}
-
-TEST_F(StartUpTest, AnotherDatabase) {
-    ExpectProblem(ExamineStartUp(Begin(), {{"checksum", "00000000"}}), "database", "instead of 00000000",
-                  "Another configuration", "vesk download CONFIG.ddb");
 }
 
 TEST_F(StartUpTest, SlaveOffTheBus) {
@@ -147,14 +146,6 @@ TEST_F(StartUpTest, WatchingEndsWithAFatalEvent) {
     EXPECT_EQ(shown, 2);
     ExpectProblem(facts, "module ready", "Fatal event reported", "error code 0x1234",
                   "Keep this for the vendor");
-}
-
-TEST_F(StartUpTest, WatchingStopsOnRequest) {
-    int shown = 0;
-    const Json facts = WatchStartUp(
-        Begin(), nothing, 1, [&](const Json&) { ++shown; }, [&] { return shown == 3; });
-    EXPECT_EQ(shown, 3);
-    EXPECT_EQ(facts["ok"], true);
 }
 
 } // namespace

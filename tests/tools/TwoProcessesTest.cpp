@@ -1,13 +1,11 @@
 // SPDX-License-Identifier: MIT
 #include "examples/LinesFile.h"
 #include "tests/support/ModuleFiles.h"
+#include "tests/support/RunTool.h"
 #include "vesk/modules/dpvm/DPVMMessages.h"
 #include "vesk/modules/dpvm/config/DdbParser.h"
 #include "virtualmodule/Faults.h"
 #include "virtualmodule/Flash.h"
-
-#include <gmock/gmock.h>
-#include <nlohmann/json.hpp>
 
 #include <deque>
 #include <sys/stat.h>
@@ -17,7 +15,6 @@ namespace {
 namespace DPVM = Vesk::Modules::DPVM;
 namespace Outcomes = VirtualModule::Outcomes;
 
-using testing::ContainsRegex;
 using testing::EndsWith;
 using testing::HasSubstr;
 using VirtualModule::FaultId;
@@ -25,10 +22,13 @@ using VirtualModule::FaultKind;
 using VirtualModule::Flash;
 using VirtualModule::Outcome;
 
+const RunTool::Arguments ALONE{"run", ModuleFiles::PLANT, "--cycles", "20", "--json"};
+const RunTool::Arguments UPDATE{"flash", ModuleFiles::FIRMWARE, "--yes"};
+
 struct TwoProcessesTest : testing::Test {
     /// What the report of `vesk run --json` says whichever module it was and however fast it went.
-    static nlohmann::json Facts(const Process& host) {
-        nlohmann::json facts = nlohmann::json::parse(host.Out());
+    static nlohmann::json Facts(const std::string& report) {
+        nlohmann::json facts = nlohmann::json::parse(report);
         facts.erase("link");
         facts["exchange"].erase("milliseconds");
         for (const char* life : {"firstLife", "secondLife"})
@@ -45,12 +45,15 @@ struct TwoProcessesTest : testing::Test {
         EXPECT_EQ(host->Err(), "");
     }
 
-    /// The flash file is whole.
-    void ExpectFlash() const { EXPECT_NO_THROW(Flash::Load(files.flash)); }
+    /// The module ends when it is told to, and has nothing to complain of.
+    static void ExpectRightHost(Process& module) {
+        EXPECT_EQ(module.End(SIGTERM), 0);
+        EXPECT_EQ(module.Err(), "");
+    }
 
     /// What was answered to a host that traces its mailbox, from the start of a download, is in the flash.
     void ExpectKept(const Process& host) const {
-        const auto plant = DPVM::Config::DdbParser::FromPath(SOURCE_DIR "/examples/plant.ddb");
+        const auto plant = DPVM::Config::DdbParser::FromPath(ModuleFiles::PLANT);
         const VirtualModule::Database database = Flash::Load(files.flash).database;
         std::vector<bool> kept{true, true, true}; // GetDatabaseInfo, StartDatabaseDownload, DeleteDatabase
         kept.push_back(!database.master.empty());
@@ -76,21 +79,21 @@ struct TwoProcessesTest : testing::Test {
 };
 
 TEST_F(TwoProcessesTest, AWholeLifeIsThatOfOneProcess) {
-    Process alone(VESK_TOOL, {"run", SOURCE_DIR "/examples/plant.ddb", "--cycles", "20", "--json"});
+    const auto alone = RunTool::Run(ALONE);
+    ASSERT_EQ(alone.status, 0) << alone.err;
+    EXPECT_EQ(alone.err, "vesk: no --dpram, so a virtual module in this process serves\n");
     const auto module = files.StartModule();
     const auto host = files.StartHost(20, {"--json"});
-    ASSERT_EQ(alone.Wait(), 0) << alone.Err();
     ASSERT_EQ(host->Wait(), 0) << host->Err();
-    EXPECT_EQ(Facts(*host), Facts(alone));
+    EXPECT_EQ(Facts(host->Out()), Facts(alone.out));
     EXPECT_EQ(host->Err(), "");
-    EXPECT_EQ(alone.Err(), "vesk: no --dpram, so a virtual module in this process serves\n");
-    EXPECT_EQ(module->End(SIGTERM), 0);
-    EXPECT_EQ(module->Err(), "");
+    ExpectRightHost(*module);
 
     const auto next = files.StartModule();
     const auto again = files.StartHost(20, {"--json"});
     ASSERT_EQ(again->Wait(), 0) << again->Err();
-    EXPECT_EQ(Facts(*again)["firstLife"], Facts(alone)["secondLife"]) << "the flash lasted: no download";
+    EXPECT_EQ(Facts(again->Out())["firstLife"], Facts(alone.out)["secondLife"])
+        << "the flash lasted: no download";
     EXPECT_EQ(next->End(SIGINT), 0);
     EXPECT_THAT(next->Out(), Not(HasSubstr("flash saved")));
 }
@@ -110,20 +113,25 @@ constexpr const char* MOMENTS[]{"boots as the master",
                                 "indication 0x03"};
 constexpr int ENDLESS = 1'000'000'000;
 
-TEST_F(TwoProcessesTest, ANewHostRecoversAfterTheModuleWasKilled) {
-    for (const char* moment : MOMENTS) {
-        SCOPED_TRACE(moment);
-        std::filesystem::remove(files.flash);
-        auto module = files.StartModule();
-        const auto host = files.StartHost(ENDLESS);
-        ASSERT_TRUE(module->WaitForOut(moment));
-        EXPECT_EQ(module->End(SIGKILL), -SIGKILL);
-        ExpectFlash();
-        module = files.StartModule();
-        host->End(SIGKILL);
-        ExpectRecovery();
-        EXPECT_EQ(module->End(SIGTERM), 0);
-    }
+TEST_F(TwoProcessesTest, ANewHostRecoversAfterEitherWasKilled) {
+    for (const char* moment : MOMENTS)
+        for (const bool killModule : {true, false}) {
+            SCOPED_TRACE(moment + std::string(killModule ? ", both killed" : ", the host killed"));
+            std::filesystem::remove(files.flash);
+            auto module = files.StartModule();
+            const auto host = files.StartHost(ENDLESS);
+            ASSERT_TRUE(module->WaitForOut(moment));
+            if (killModule) {
+                EXPECT_EQ(module->End(SIGKILL), -SIGKILL);
+                EXPECT_NO_THROW(Flash::Load(files.flash));
+                module = files.StartModule();
+            }
+            host->End(SIGKILL);
+            ExpectRecovery();
+            EXPECT_EQ(module->End(SIGTERM), 0);
+            EXPECT_TRUE(killModule || module->Err().empty()) << "a new host resets: " << module->Err();
+            EXPECT_NO_THROW(Flash::Load(files.flash));
+        }
 }
 
 TEST_F(TwoProcessesTest, AHostNoticesThatItsModuleIsAnotherOne) {
@@ -134,21 +142,6 @@ TEST_F(TwoProcessesTest, AHostNoticesThatItsModuleIsAnotherOne) {
     module = files.StartModule();
     EXPECT_EQ(host->Wait(), 1);
     EXPECT_THAT(host->Err(), HasSubstr("Unexpected poweron indication from module!"));
-}
-
-TEST_F(TwoProcessesTest, ANewHostRecoversAfterTheHostWasKilled) {
-    for (const char* moment : MOMENTS) {
-        SCOPED_TRACE(moment);
-        std::filesystem::remove(files.flash);
-        const auto module = files.StartModule();
-        const auto host = files.StartHost(ENDLESS);
-        ASSERT_TRUE(module->WaitForOut(moment));
-        EXPECT_EQ(host->End(SIGKILL), -SIGKILL);
-        ExpectRecovery();
-        EXPECT_EQ(module->End(SIGTERM), 0);
-        EXPECT_EQ(module->Err(), "") << "a new host starts with a reset, so it breaks no rule";
-        ExpectFlash();
-    }
 }
 
 TEST_F(TwoProcessesTest, TheFlashHoldsWhatWasAnsweredAndIsNeverHalfWritten) {
@@ -181,20 +174,16 @@ TEST_F(TwoProcessesTest, NothingIsAnsweredBeforeItIsInTheFlash) {
 }
 
 TEST_F(TwoProcessesTest, AFirmwareUpdateThatWasCutOffIsRunAgain) {
-    const auto update = files.With({"flash", SOURCE_DIR "/examples/firmware/vt22-1.5.0.fw", "--yes"});
     auto module = files.StartModule({"--fault", "firmware-silent@10"}); // goes no further before it is killed
-    Process host(VESK_TOOL, update);
+    const auto host = files.Start(UPDATE);
     ASSERT_TRUE(module->WaitForOut("request 10:"));
     module->End(SIGKILL);
-    host.End(SIGKILL);
+    host->End(SIGKILL);
     EXPECT_FALSE(Flash::Load(files.flash).application.valid);
 
     module = files.StartModule();
-    Process again(VESK_TOOL, update);
-    EXPECT_EQ(again.Wait(), 0) << again.Err();
-    EXPECT_THAT(again.Out(), HasSubstr("The module runs firmware 1.5.0"));
-    EXPECT_EQ(module->End(SIGTERM), 0);
-    EXPECT_EQ(module->Err(), "");
+    EXPECT_THAT(RunTool::Text(files.With(UPDATE)), HasSubstr("The module runs firmware 1.5.0"));
+    ExpectRightHost(*module);
     EXPECT_TRUE(Flash::Load(files.flash).application.valid);
 }
 
@@ -231,11 +220,7 @@ public:
     explicit FaultyPair(const FaultKind& row) : _row(row) {
         _files.speed = "1"; // the delays among the faults are meant for it
         _module = _files.StartModule({"--fault", row.Usual().Text()});
-        _host = row.life == FaultKind::Life::MASTER
-                    ? _files.StartHost(20, {"--json"})
-                    : std::make_unique<Process>(
-                          VESK_TOOL,
-                          _files.With({"flash", SOURCE_DIR "/examples/firmware/vt22-1.5.0.fw", "--yes"}));
+        _host = _files.Start(row.life == FaultKind::Life::MASTER ? ALONE : UPDATE);
     }
 
     void ExpectEndAsPromised(const nlohmann::json& goodFacts) {
@@ -255,7 +240,7 @@ public:
 private:
     bool EndsLike(const Outcome& outcome, int status, const nlohmann::json& goodFacts) const {
         if (&outcome == &Outcomes::SAME_DATA)
-            return status == 0 && TwoProcessesTest::Facts(*_host) == goodFacts;
+            return status == 0 && TwoProcessesTest::Facts(_host->Out()) == goodFacts;
         if (status != 1)
             return false;
         if (_row.life == FaultKind::Life::FIRMWARE)
@@ -285,9 +270,7 @@ private:
 };
 
 TEST_F(TwoProcessesTest, EachFaultEndsAsTheListPromises) {
-    Process alone(VESK_TOOL, {"run", SOURCE_DIR "/examples/plant.ddb", "--cycles", "20", "--json"});
-    ASSERT_EQ(alone.Wait(), 0);
-    const auto goodFacts = Facts(alone);
+    const auto goodFacts = Facts(RunTool::Text(ALONE));
     // Some at a time, because many of them wait for seconds until a time is out.
     constexpr std::size_t PAIRS = 8;
     std::deque<FaultyPair> pairs;
@@ -303,23 +286,17 @@ TEST_F(TwoProcessesTest, EachFaultEndsAsTheListPromises) {
     while (!pairs.empty())
         finishFirst();
 
-    Process list(VESK_TOOL, {"module", "--faults"});
-    EXPECT_EQ(list.Wait(), 0);
+    const std::string list = RunTool::Text({"module", "--faults"});
     for (const auto& kind : VirtualModule::Faults())
-        EXPECT_THAT(list.Out(), ContainsRegex("\n" + std::string(kind.name) + "[ [].*" +
-                                              std::string(Name(kind.counts)) + " "));
+        EXPECT_THAT(list, testing::ContainsRegex("\n" + std::string(kind.name) + "[ [].*" +
+                                                 std::string(Name(kind.counts)) + " "));
 }
 
 TEST_F(TwoProcessesTest, ASlaveThatIsOffTheBusIsNamed) {
     const auto module = files.StartModule({"--absent", "9", "--absent", "20"});
-    Process download(VESK_TOOL, files.With({"download", SOURCE_DIR "/examples/plant.ddb"}));
-    ASSERT_EQ(download.Wait(), 0) << download.Err();
-    Process status(VESK_TOOL, files.With({"status", "--json"}));
-    EXPECT_EQ(status.Wait(), 1);
-    const nlohmann::json problem = nlohmann::json::parse(status.Out()).at("problem");
-    EXPECT_EQ(problem.at("step"), "slaves");
-    EXPECT_EQ(problem.at("what"), "Slave 9 does not exchange data");
-    EXPECT_THAT(problem.at("cause").get<std::string>(), HasSubstr("does not answer on the bus"));
+    RunTool::Text(files.With({"download", ModuleFiles::PLANT}));
+    EXPECT_THAT(RunTool::Json(files.With({"status"}), 1)["problem"],
+                HasFacts(R"({"step": "slaves", "what": "Slave 9 does not exchange data"})"));
 }
 
 TEST_F(TwoProcessesTest, RefusesWhatCannotWork) {
@@ -332,10 +309,10 @@ TEST_F(TwoProcessesTest, RefusesWhatCannotWork) {
     const std::string lines = other.Path("lines");
     std::filesystem::create_directory(folder);
     ASSERT_EQ(::mkfifo(pipe.c_str(), 0600), 0);
-    const std::string plant = SOURCE_DIR "/examples/plant.ddb";
+    const std::string plant = ModuleFiles::PLANT;
 
     const struct {
-        std::vector<std::string> arguments;
+        RunTool::Arguments arguments;
         int status;
         std::string error;
     } cases[]{
@@ -356,19 +333,14 @@ TEST_F(TwoProcessesTest, RefusesWhatCannotWork) {
         {{"module", "--dpram", dpRam, "--lines", lines, "--speed", "0"}, 2, "0 is not from 0.001 to 1000"},
         {{"module", "--dpram", dpRam, "--lines", lines, "--speed", "nan"}, 2, "nan is not from"},
         {{"module", "--dpram", dpRam, "--lines", lines, "--fault", "dad"}, 2, "but there is dead"},
-        {{"run", plant, "--dpram", files.dpRam}, 2, "--dpram requires --lines"},
-        {{"run", plant, "--lines", files.lines}, 2, "--lines requires --dpram"},
         {{"run", plant, "--offset", "4096"}, 2, "--offset requires --dpram"},
         {{"run", plant, "--dpram", other.Path("none"), "--lines", files.lines}, 1, "none does not exist"},
         {{"run", plant, "--dpram", files.dpRam, "--lines", other.Path("none")}, 1, "none does not exist"},
-        {{"run", plant, "--dpram", files.dpRam, "--lines", files.lines, "--offset", "1"}, 1, "8193"},
     };
 
-    for (const auto& [arguments, status, error] : cases) {
-        Process tool(VESK_TOOL, arguments);
-        EXPECT_EQ(tool.Wait(), status) << error;
-        EXPECT_THAT(tool.Err(), HasSubstr(error));
-    }
+    for (const auto& [arguments, status, error] : cases)
+        RunTool::ExpectFailure(arguments, status, HasSubstr(error));
+    EXPECT_THAT(RunTool::Run(files.With({"run", plant, "--offset", "1"})).err, HasSubstr("8193"));
     EXPECT_EQ(other.Content("text"), "some text\n");
     ExpectRecovery();
     EXPECT_EQ(running->Err(), "");

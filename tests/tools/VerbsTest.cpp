@@ -4,17 +4,12 @@
 #include "tests/support/DatabaseFileBuilder.h"
 #include "tests/support/RunTool.h"
 
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
-#include <nlohmann/json.hpp>
-
 #include <cstdlib>
 
 using Json = nlohmann::json;
 using Arguments = RunTool::Arguments;
 using testing::AllOf;
 using testing::HasSubstr;
-using testing::IsEmpty;
 using testing::Not;
 using testing::StartsWith;
 
@@ -24,43 +19,27 @@ const std::string PLANT = SOURCE_DIR "/examples/plant.ddb";
 
 /// The file of another configuration than the plant's, with one slave of two bytes each way.
 std::string OtherConfig(const TemporaryFolder& folder) {
-    DatabaseFileBuilder::SlaveContent content;
-    content.inputs = content.outputs = {0, 1};
-    const auto file =
-        DatabaseFileBuilder().Master().Slave(7, DatabaseFileBuilder::SlaveRecord(content)).Build();
-    return folder.Put("other.ddb", {file.begin(), file.end()});
-}
-
-Arguments WithJson(Arguments arguments) {
-    arguments.push_back("--json");
-    return arguments;
+    const auto slave = DatabaseFileBuilder::SlaveRecord({{0, 1}, {0, 1}});
+    return folder.Put("other.ddb", DatabaseFileBuilder().Master().Slave(7, slave).Content());
 }
 
 /// The facts that the verb prints, with the exit status that goes with them.
 Json Facts(const Arguments& arguments, int status = 0) {
-    const ToolResult result = RunTool::Run(WithJson(arguments));
+    const ToolResult result = RunTool::Run(RunTool::Join(arguments, {"--json"}));
     EXPECT_EQ(result.status, status) << result.err;
     EXPECT_THAT(result.err,
                 HasSubstr("a virtual module in this process serves, with the plant of the examples"));
     return Json::parse(result.out);
 }
 
-std::string Text(const Arguments& arguments, int status = 0) {
-    const ToolResult result = RunTool::Run(arguments);
-    EXPECT_EQ(result.status, status) << result.err;
-    return result.out;
-}
-
 /// The error of a verb: the same in words on standard error and as JSON.
-Json Error(const Arguments& arguments, int status) {
-    const ToolResult result = RunTool::Run(WithJson(arguments));
-    EXPECT_EQ(result.status, status) << result.out;
-    const Json error = Json::parse(result.out)["error"];
+void ExpectError(const Arguments& arguments, int status, const std::string& type, const std::string& part) {
+    const Json error = RunTool::Json(arguments, status)["error"];
     const std::string message = error["message"];
-    EXPECT_THAT(result.err, HasSubstr(message.substr(0, message.find('\n'))));
+    EXPECT_EQ(error["type"], type);
+    EXPECT_THAT(message, HasSubstr(part));
     EXPECT_FALSE(error["hint"].get<std::string>().empty()) << error;
-    EXPECT_THAT(RunTool::Run(arguments).out, IsEmpty());
-    return error;
+    RunTool::ExpectFailure(arguments, status, HasSubstr(message.substr(0, message.find('\n'))));
 }
 
 /// The one element of an array whose "address" that is.
@@ -75,7 +54,7 @@ TEST(Verbs, IdentifyTheModule) {
     const Json module{{"moduleType", 0x201}, {"fieldbusType", 5},   {"vendorId", 1},
                       {"serial", 0x220001},  {"software", "1.4.2"}, {"bootloader", "2.1"}};
     EXPECT_EQ(Facts({"identify"}), module);
-    EXPECT_THAT(Text({"identify"}),
+    EXPECT_THAT(RunTool::Text({"identify"}),
                 AllOf(HasSubstr("0x201, VT22"), HasSubstr("0x220001"), HasSubstr("1.4.2")));
 }
 
@@ -83,7 +62,7 @@ TEST(Verbs, ShowTheStatus) {
     const Json status = Facts({"status", "--config", PLANT});
     EXPECT_EQ(status["ok"], true) << status;
     EXPECT_EQ(status["slaves"].size(), 12u);
-    EXPECT_THAT(Text({"status"}),
+    EXPECT_THAT(RunTool::Text({"status"}),
                 AllOf(HasSubstr("operation mode  OPERATE\n"), HasSubstr("12 of 12 exchange data"),
                       HasSubstr("Everything is operational."), Not(HasSubstr("\033"))));
 
@@ -104,19 +83,16 @@ TEST(Verbs, ShowTheSlaves) {
     EXPECT_EQ(slaves["slaves"].size(), 12u);
     EXPECT_EQ(slaves["configMatches"], true);
     EXPECT_EQ(slaves["lists"]["dataTransfer"], Json::parse("[3,4,5,8,9,10,11,14,20,21,33,40]"));
-    const Json slave = At(slaves["slaves"], 10);
-    const Json expected{{"identNumber", 0x4B07},  {"inputLength", 8},     {"outputLength", 8},
-                        {"configured", true},     {"dataTransfer", true}, {"diagnostic", false},
-                        {"dpv1Connection", true}, {"identifiers", "2717"}};
-    for (const auto& [key, value] : expected.items())
-        EXPECT_EQ(slave[key], value) << key;
-    EXPECT_EQ(slave["record"]["parameterData"]["identNr"], 0x4B07);
+    EXPECT_THAT(At(slaves["slaves"], 10), HasFacts(R"({
+        "identNumber": 19207, "inputLength": 8, "outputLength": 8, "configured": true, "dataTransfer": true,
+        "diagnostic": false, "dpv1Connection": true, "identifiers": "2717",
+        "record": {"parameterData": {"identNr": 19207}}})"));
 
-    EXPECT_THAT(Text({"slaves"}),
+    EXPECT_THAT(RunTool::Text({"slaves"}),
                 AllOf(HasSubstr("10       0x4b07  8    8    yes         yes            no           yes\n"),
                       HasSubstr("\n   10 X X . . X . . . . .\n"), HasSubstr("\n    0 . M . X X X . . X X\n"),
                       Not(HasSubstr("identifiers"))));
-    EXPECT_THAT(Text({"slaves", "-v", "--config", PLANT}),
+    EXPECT_THAT(RunTool::Text({"slaves", "-v", "--config", PLANT}),
                 AllOf(HasSubstr("identifiers  2717\n"), HasSubstr("parameterData.watchdogFactor1")));
 
     const Json stations = Facts({"livelist"})["stations"];
@@ -126,37 +102,33 @@ TEST(Verbs, ShowTheSlaves) {
 }
 
 TEST(Verbs, AskOneSlave) {
-    const Json diag = Facts({"diag", "0x5"});
-    EXPECT_EQ(diag["data"], "000400012a14");
-    EXPECT_EQ(diag["identNumber"], 0x2A14);
-    EXPECT_EQ(diag["masterAddress"], 1);
-    EXPECT_EQ(diag["status"]["stationNonExistent"], false);
-    EXPECT_THAT(Text({"diag", "5"}), AllOf(HasSubstr("0x2a14"), HasSubstr("[ ] parameterFault")));
+    EXPECT_THAT(Facts({"diag", "0x5"}),
+                HasFacts(R"({"data": "000400012a14", "identNumber": 10772, "masterAddress": 1,
+                             "status": {"stationNonExistent": false}})"));
+    EXPECT_THAT(RunTool::Text({"diag", "5"}), AllOf(HasSubstr("0x2a14"), HasSubstr("[ ] parameterFault")));
 
     const Json config = Facts({"slave-config", "33"});
     EXPECT_EQ(config["data"], "c08f8f");
     EXPECT_EQ(config["modules"][0]["input"]["length"], 16);
-    EXPECT_THAT(Text({"slave-config", "33"}),
+    EXPECT_THAT(RunTool::Text({"slave-config", "33"}),
                 HasSubstr("module 0: c08f8f, 16 bytes in (bytes, consistent as a whole)"));
 
     for (const char* verb : {"input", "output"}) {
         const Json data = Facts({verb, "4"});
         EXPECT_EQ(data, Json::parse(R"({"address": 4, "length": 4, "data": "00000000"})"));
-        EXPECT_EQ(Text({verb, "4"}),
+        EXPECT_EQ(RunTool::Text({verb, "4"}),
                   "4 bytes\n0x0000  00 00 00 00                                      ....\n");
     }
 }
 
 TEST(Verbs, ReadRecords) {
     for (const auto& [options, number] : {std::pair{Arguments{}, 1}, std::pair{Arguments{"--class2"}, 2}}) {
-        Arguments arguments{"read", "3", "0", "1", "13"};
-        arguments.insert(arguments.end(), options.begin(), options.end());
-        const Json record = Facts(arguments);
+        const Json record = Facts(RunTool::Join({"read", "3", "0", "1", "13"}, options));
         EXPECT_EQ(record["data"], "5669727475616c20736c617665"); // Virtual slave
         EXPECT_EQ(record["length"], 13);
         EXPECT_EQ(record["class"], number);
     }
-    EXPECT_THAT(Text({"read", "3", "0", "1"}),
+    EXPECT_THAT(RunTool::Text({"read", "3", "0", "1"}),
                 HasSubstr("56 69 72 74 75 61 6c 20 73 6c 61 76 65 2c 20 69  Virtual slave, i"));
 }
 
@@ -164,18 +136,15 @@ TEST(Verbs, WriteRecords) {
     const TemporaryFolder folder;
     const std::string file = folder.Put("record", std::string("\x00\xFF\x0A", 3));
 
-    struct Case {
-        Arguments data;
-        std::string hex;
+    const std::pair<Arguments, const char*> CASES[] = {
+        {{"0a0B ff"}, "0a0bff"},
+        {{"--text", "run"}, "72756e"},
+        {{"--file", file}, "00ff0a"},
+        {{"--class2", "00"}, "00"},
     };
-
-    for (const Case& test : {Case{{"0a0B ff"}, "0a0bff"}, Case{{"--text", "run"}, "72756e"},
-                             Case{{"--file", file}, "00ff0a"}, Case{{"--class2", "00"}, "00"}}) {
-        Arguments arguments{"write", "3", "1", "200"};
-        arguments.insert(arguments.end(), test.data.begin(), test.data.end());
-        EXPECT_EQ(Facts(arguments)["data"], test.hex);
-    }
-    EXPECT_EQ(Text({"write", "3", "1", "200", "0a0b"}),
+    for (const auto& [data, hex] : CASES)
+        EXPECT_EQ(Facts(RunTool::Join({"write", "3", "1", "200"}, data))["data"], hex);
+    EXPECT_EQ(RunTool::Text({"write", "3", "1", "200", "0a0b"}),
               "Written: record 1/200 of slave 3, 2 bytes, Class 1\n");
 }
 
@@ -183,7 +152,7 @@ TEST(Verbs, ChangeTheBus) {
     EXPECT_EQ(
         Facts({"stop", "5", "8"})["slaves"],
         Json::parse(R"([{"address": 5, "dataTransfer": false}, {"address": 8, "dataTransfer": false}])"));
-    EXPECT_EQ(Text({"start", "5"}), "Slave 5 exchanges data\n");
+    EXPECT_EQ(RunTool::Text({"start", "5"}), "Slave 5 exchanges data\n");
 
     for (const auto& [mode, name] : {std::pair{"stop", "STOP"}, std::pair{"clear", "CLEAR"},
                                      std::pair{"OPERATE", "OPERATE"}, std::pair{"offline", "OFFLINE"}}) {
@@ -191,19 +160,17 @@ TEST(Verbs, ChangeTheBus) {
         EXPECT_EQ(facts["mode"], name);
         EXPECT_EQ(facts["online"], name != std::string("OFFLINE"));
     }
-    EXPECT_EQ(Text({"mode", "clear"}), "The master is online, in CLEAR\n");
+    EXPECT_EQ(RunTool::Text({"mode", "clear"}), "The master is online, in CLEAR\n");
 
     EXPECT_EQ(Facts({"set-address", "3", "50", "0x2a10", "--lock"}),
               Json::parse(R"({"ok": true, "old": 3, "new": 50, "identNumber": 10768, "locked": true})"));
-    EXPECT_EQ(Text({"set-address", "3", "50", "0x2a10"}), "Slave 3 answers at 50 now\n");
+    EXPECT_EQ(RunTool::Text({"set-address", "3", "50", "0x2a10"}), "Slave 3 answers at 50 now\n");
 }
 
 TEST(Verbs, BringTheDatabaseInLine) {
     const Json plant = Facts({"database"})["database"];
-    EXPECT_EQ(plant["slaves"], 12);
-    EXPECT_EQ(plant["inputLength"], 188);
-    EXPECT_EQ(plant["outputLength"], 197);
-    EXPECT_THAT(Text({"database"}), HasSubstr(plant["description"].get<std::string>()));
+    EXPECT_THAT(plant, HasFacts(R"({"slaves": 12, "inputLength": 188, "outputLength": 197})"));
+    EXPECT_THAT(RunTool::Text({"database"}), HasSubstr(plant["description"].get<std::string>()));
 
     EXPECT_EQ(Facts({"verify", PLANT})["differences"], Json::array());
     EXPECT_EQ(Facts({"download", PLANT})["downloaded"], false);
@@ -212,23 +179,19 @@ TEST(Verbs, BringTheDatabaseInLine) {
     const std::string other = OtherConfig(folder);
     EXPECT_EQ(Facts({"verify", other}, 1)["differences"],
               Json::parse(R"(["description", "slaves", "inputLength", "outputLength"])"));
-    EXPECT_THAT(Text({"verify", other}, 1), HasSubstr("slaves        12 in the module, 1 in the file\n"));
+    EXPECT_THAT(RunTool::Text({"verify", other}, 1),
+                HasSubstr("slaves        12 in the module, 1 in the file\n"));
     const Json facts = Facts({"download", other});
     EXPECT_EQ(facts["downloaded"], true);
     EXPECT_EQ(facts["database"]["slaves"], 1);
-    EXPECT_THAT(Text({"download", other}),
+    EXPECT_THAT(RunTool::Text({"download", other}),
                 AllOf(HasSubstr("100 %  2/2 requests, "), HasSubstr("\nDownloaded: ")));
 }
 
 TEST(Verbs, CheckBeforeTheySend) {
-    struct Case {
-        Arguments arguments;
-        std::string message; // a part of it
-    };
-
     const TemporaryFolder folder;
     const std::string big = folder.Put("big", std::string(241, 'x'));
-    const Case cases[] = {
+    const std::pair<Arguments, std::string> CASES[] = {
         {{"diag", "127"}, "ADDRESS: 127 is not a number from 0 to 126"},
         {{"input", "-1"}, "-1"},
         {{"output", "five"}, "five is not a number from 0 to 126"},
@@ -251,38 +214,23 @@ TEST(Verbs, CheckBeforeTheySend) {
         {{"set-address", "3", "4", "0x10000"}, "IDENT: 0x10000 is not a number from 0 to 65535 (0xffff)"},
         {{"identify", "--trace", "bus"}, "bus"},
     };
-    for (const Case& test : cases) {
-        const Json error = Error(test.arguments, 2);
-        EXPECT_EQ(error["type"], "Usage");
-        EXPECT_THAT(error["message"].get<std::string>(), HasSubstr(test.message));
-    }
+    for (const auto& [arguments, message] : CASES)
+        ExpectError(arguments, 2, "Usage", message);
 }
 
 TEST(Verbs, SayWhyTheModuleSaidNo) {
-    struct Case {
-        Arguments arguments;
-        std::string type;
-        std::string message;
+    const std::pair<Arguments, std::string> CASES[] = {
+        {{"diag", "77"}, "The module refused the diagnosis of slave 77: Invalid Address (0x87)"},
+        {{"read", "5", "3", "9"}, "the read of record 3/9 of slave 5: Invalid Address"},
+        {{"read", "5", "3", "9", "--class2"}, "the read of record 3/9 of slave 5: Invalid Address"},
+        {{"write", "77", "0", "0", "00", "--class2"}, "the connection to slave 77: Invalid Address"},
+        {{"set-address", "3", "4", "0x2a10"}, "the new address 4 for slave 3: Invalid Address"},
+        {{"set-address", "3", "50", "0x1111"}, "the new address 50 for slave 3: Invalid Other"},
     };
-
-    const Case cases[] = {
-        {{"diag", "77"}, "Refusal", "The module refused the diagnosis of slave 77: Invalid Address (0x87)"},
-        {{"read", "5", "3", "9"}, "Refusal", "the read of record 3/9 of slave 5: Invalid Address"},
-        {{"read", "5", "3", "9", "--class2"},
-         "Refusal",
-         "the read of record 3/9 of slave 5: Invalid Address"},
-        {{"write", "77", "0", "0", "00", "--class2"},
-         "Refusal",
-         "the connection to slave 77: Invalid Address"},
-        {{"set-address", "3", "4", "0x2a10"}, "Refusal", "the new address 4 for slave 3: Invalid Address"},
-        {{"set-address", "3", "50", "0x1111"}, "Refusal", "the new address 50 for slave 3: Invalid Other"},
-        {{"stop", "5", "77"}, "Failure", "Slave 77 is not in the module's database, which has 3-5, 8-11, 14"},
-    };
-    for (const Case& test : cases) {
-        const Json error = Error(test.arguments, 1);
-        EXPECT_EQ(error["type"], test.type);
-        EXPECT_THAT(error["message"].get<std::string>(), HasSubstr(test.message));
-    }
+    for (const auto& [arguments, message] : CASES)
+        ExpectError(arguments, 1, "Refusal", message);
+    ExpectError({"stop", "5", "77"}, 1, "Failure",
+                "Slave 77 is not in the module's database, which has 3-5, 8-11, 14");
     for (const char* verb : {"download", "verify"})
         EXPECT_THAT(RunTool::Run({verb, "/nowhere.ddb"}).err,
                     AllOf(StartsWith("vesk: "), HasSubstr("/nowhere.ddb"), Not(HasSubstr("virtual module"))));

@@ -27,9 +27,8 @@ struct BootloaderTest : testing::Test, RawHost {
     bool Interrupt(int milliseconds = 5) {
         for (int i = 0; i <= milliseconds; ++i, now += 1'000'000) {
             module.Step();
-            if (!lines.ReadIrq_n()) {
+            if (!lines.ReadIrq_n())
                 return true;
-            }
         }
         return false;
     }
@@ -56,9 +55,8 @@ struct BootloaderTest : testing::Test, RawHost {
 
     void UnlockAndErase() {
         EnterBootloader();
-        for (const unsigned command : {ENABLE, WRITE_ENABLE, ERASE}) {
+        for (const unsigned command : {ENABLE, WRITE_ENABLE, ERASE})
             EXPECT_EQ(Send(command), 0u);
-        }
         EXPECT_EQ(Send(FW_INIT, Bytes(8)), 0u);
     }
 
@@ -115,9 +113,8 @@ TEST_F(BootloaderTest, BurnsABootloaderWithoutProductionCommands) {
 
 TEST_F(BootloaderTest, RefusesWhatBreaksTheOrder) {
     EnterBootloader();
-    for (const unsigned command : {WRITE_ENABLE, ERASE}) {
+    for (const unsigned command : {WRITE_ENABLE, ERASE})
         EXPECT_EQ(Send(command), COMMAND) << command;
-    }
     EXPECT_EQ(Send(FW_INIT, Bytes(8)), COMMAND);
     EXPECT_EQ(Send(FW_DATA, head), COMMAND);
     EXPECT_EQ(Send(FW_LAST, Bytes(38)), COMMAND);
@@ -127,13 +124,11 @@ TEST_F(BootloaderTest, RefusesWhatBreaksTheOrder) {
 
     UnlockAndErase();
 
-    struct Case {
+    const struct {
         unsigned command;
         Bytes data;
         unsigned frames, frame, offset, error;
-    };
-
-    const Case cases[]{
+    } cases[]{
         {FW_LAST, Bytes(38), 1, 1, 0, NUMBER}, // no frame came
         {FW_DATA, {}, 2, 1, 0, DATA_SIZE},        {FW_DATA, head, 0, 1, 0, COUNT},
         {FW_DATA, head, 2, 2, 0, NUMBER},         {FW_DATA, head, 2, 1, 0xFFFFFFFE, 0},
@@ -141,19 +136,14 @@ TEST_F(BootloaderTest, RefusesWhatBreaksTheOrder) {
         {FW_DATA, tail, 2, 2, 2, OFFSET},         {FW_LAST, Bytes(38), 1, 1, 0, NUMBER}, // one is missing
         {FW_LAST, Bytes(10), 1, 1, 0, DATA_SIZE},
     };
-    for (const Case& item : cases) {
-        EXPECT_EQ(Send(item.command, item.data, item.frames, item.frame, item.offset), item.error)
-            << item.command << ' ' << item.frame << '/' << item.frames << " at " << item.offset;
-    }
+
+    for (const auto& [command, data, frames, frame, offset, error] : cases)
+        EXPECT_EQ(Send(command, data, frames, frame, offset), error)
+            << command << ' ' << frame << '/' << frames << " at " << offset;
 }
 
 TEST_F(BootloaderTest, AFailedDownloadLeavesNothingToBoot) {
-    struct Case {
-        const char* what;
-        std::function<void()> happen;
-    };
-
-    const Case cases[]{
+    const std::pair<const char*, std::function<void()>> cases[]{
         {"power cut", [] {}},
         {"wrong CRC", [&] { EXPECT_EQ(Send(FW_LAST, Last(38, 0x4B38)), CONFIG); }},
         {"power cut while burning",
@@ -163,11 +153,11 @@ TEST_F(BootloaderTest, AFailedDownloadLeavesNothingToBoot) {
              EXPECT_TRUE(Interrupt());
          }},
     };
-    for (const Case& item : cases) {
-        SCOPED_TRACE(item.what);
+    for (const auto& [what, happen] : cases) {
+        SCOPED_TRACE(what);
         UnlockAndErase();
         EXPECT_EQ(Send(FW_DATA, image), 0u);
-        item.happen();
+        happen();
         lines.DriveReset_n(false);
         lines.DriveBootloaderEnable_n(true);
         lines.DriveReset_n(true);
@@ -180,30 +170,28 @@ TEST_F(BootloaderTest, AFailedDownloadLeavesNothingToBoot) {
 }
 
 TEST(BootloaderWatch, NamesWhatAHostMustNotDo) {
-    struct Case {
+    const struct {
         const char* name;
         std::uint8_t written;
-        std::size_t alsoChanged;
-    };
+        std::uint8_t changed; // a byte of the module's
+    } cases[]{{"area command in the bootloader: 0x1c", 0x1C, 0},
+              {"event acknowledged that was not reported: 0x20", 0x20, 0},
+              {"mailbox-out acknowledged that was not updated", 0x40, 0},
+              {"write outside the host's areas: 1 bytes at 0x1fbe", 0x80, 1}};
 
-    for (const Case& item : {Case{"area command in the bootloader: 0x1c", 0x1C, 0},
-                             Case{"event acknowledged that was not reported: 0x20", 0x20, 0},
-                             Case{"mailbox-out acknowledged that was not updated", 0x40, 0},
-                             Case{"write outside the host's areas: 1 bytes at 0x1fbe", 0x80, 0x1FBE}}) {
-        SCOPED_TRACE(item.name);
+    for (const auto& [name, written, changed] : cases) {
+        SCOPED_TRACE(name);
         RawHost host;
         host.lines.DriveReset_n(true);
         host.module.Step();
         host.now += 1'000'000;
         host.module.Step();
         host.PutRequest(0x1BFE, 6, 1, {}, {});
-        host.ram[0x1FFD] = item.written;
-        if (item.alsoChanged != 0) {
-            host.ram[item.alsoChanged] ^= 1;
-        }
+        host.ram[0x1FFD] = written;
+        host.ram[0x1FBE] = static_cast<std::uint8_t>(host.ram[0x1FBE] ^ changed);
         host.module.Step();
         host.module.Step();
-        EXPECT_THAT(host.module.Violations(), ElementsAre(StartsWith(item.name)));
+        EXPECT_THAT(host.module.Violations(), ElementsAre(StartsWith(name)));
     }
 }
 

@@ -85,32 +85,19 @@ TEST_F(DatabaseTest, ChecksFragments) {
     const Bytes slave = SlaveRecord(1, {1}, {0}, 1, 0);
     const Bytes full(256);
 
-    struct Case {
+    const struct {
         unsigned address, number, count;
         const Bytes& data;
         unsigned error;
-    };
+    } cases[]{{126, 1, 1, slave, ADDRESS}, {1, 1, 1, slave, ADDRESS}, // the master's own
+              {5, 1, 0, slave, COUNT},     {5, 0, 2, full, NUMBER},   {5, 2, 2, full, NUMBER},
+              {5, 1, 2, slave, DATA_SIZE}, {5, 1, 2, full, 0},        {6, 2, 2, slave, ADDRESS},
+              {5, 2, 3, slave, COUNT},     {5, 1, 2, full, NUMBER},   {5, 2, 2, slave, CONFIG},
+              {5, 1, 1, slave, 0},         {5, 1, 1, slave, ADDRESS}}; // twice
 
-    const Case cases[]{
-        {126, 1, 1, slave, ADDRESS},
-        {1, 1, 1, slave, ADDRESS} /* the master's own */,
-        {5, 1, 0, slave, COUNT},
-        {5, 0, 2, full, NUMBER},
-        {5, 2, 2, full, NUMBER},
-        {5, 1, 2, slave, DATA_SIZE},
-        {5, 1, 2, full, 0},
-        {6, 2, 2, slave, ADDRESS},
-        {5, 2, 3, slave, COUNT},
-        {5, 1, 2, full, NUMBER},
-        {5, 2, 2, slave, CONFIG},
-        {5, 1, 1, slave, 0},
-        {5, 1, 1, slave, ADDRESS} /* twice */,
-    };
     Begin();
-    for (const Case& item : cases) {
-        EXPECT_EQ(Fragment(item.address, item.number, item.count, item.data), item.error)
-            << item.address << ' ' << item.number << '/' << item.count;
-    }
+    for (const auto& [address, number, count, data, error] : cases)
+        EXPECT_EQ(Fragment(address, number, count, data), error) << address << ' ' << number << '/' << count;
     EXPECT_TRUE(Fieldbus(END).Ok());
     EXPECT_EQ(Fieldbus(INFO).extended[4], 0x0100);
 }
@@ -144,14 +131,12 @@ TEST(SlaveRecordTest, EveryLengthCounts) {
     for (const auto& item : cases) {
         Bytes bad = good;
         bad[item.at] = item.value;
-        if (item.at == 36) {
+        if (item.at == 36)
             bad[37] = 0xAB; // the last byte of the area; the one that follows it falls out
-        }
         EXPECT_FALSE(SlaveRecord::Decode(bad)) << item.what;
     }
-    for (std::size_t size = 0; size < good.size(); ++size) {
+    for (std::size_t size = 0; size < good.size(); ++size)
         EXPECT_FALSE(SlaveRecord::Decode(VirtualModule::ByteView(good).first(size))) << size;
-    }
     Bytes longer = good;
     longer.push_back(0);
     EXPECT_FALSE(SlaveRecord::Decode(longer));

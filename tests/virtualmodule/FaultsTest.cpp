@@ -21,12 +21,8 @@ std::string ErrorOf(const std::string& text) {
 } // namespace
 
 TEST(FaultsTest, ReadsTheTextForm) {
-    const struct {
-        const char* text;
-        const char* whole;
-    } CASES[] = {
+    const std::pair<const char*, const char*> CASES[] = {
         {"dead", "dead@3"},
-        {"dead@5", "dead@5"},
         {"deadx2", "dead@3x2"},
         {"dead@5x2", "dead@5x2"},
         {"boot-late", "boot-late@1=900"},
@@ -42,28 +38,24 @@ TEST(FaultsTest, ReadsTheTextForm) {
 }
 
 TEST(FaultsTest, SaysWhatIsWrongWithATextForm) {
-    const struct {
-        const char* text;
-        const char* error;
-    } CASES[] = {
-        {"boot-slient", R"(fault "boot-slient": there is no "boot-slient", but there is boot-silent)"},
-        {"late", R"(fault "late": there is no "late", but there is boot-late answer-late)"},
-        {"dead@", R"(fault "dead@": STEP must be a number, not "")"},
-        {"dead@0", R"(fault "dead@0": STEP counts from 1)"},
-        {"dead@-1", R"(fault "dead@-1": STEP must be a number, not "-1")"},
-        {"dead@4x0", R"(fault "dead@4x0": COUNT counts from 1)"},
-        {"dead@4x", R"(fault "dead@4x": STEP must be a number, not "4x")"},
-        {"dead=1", R"(fault "dead=1": it takes no VALUE)"},
-        {"boot-late=", R"(fault "boot-late=": VALUE must be a number, not "")"},
-        {"boot-late=0x", R"(fault "boot-late=0x": VALUE must be a number, not "0x")"},
-        {"boot-late=5s", R"(fault "boot-late=5s": VALUE must be a number, not "5s")"},
-        {"boot-late=4294967296", R"(fault "boot-late=4294967296": VALUE must be a number, not "4294967296")"},
-        {"boot-late=1901",
-         R"(fault "boot-late=1901": VALUE 1901 is out of range: 1 to 1900, 2000 to 600000)"},
+    const std::pair<std::string, std::string> CASES[] = {
+        {"boot-slient", R"(there is no "boot-slient", but there is boot-silent)"},
+        {"late", R"(there is no "late", but there is boot-late answer-late)"},
+        {"dead@", R"(STEP must be a number, not "")"},
+        {"dead@0", "STEP counts from 1"},
+        {"dead@-1", R"(STEP must be a number, not "-1")"},
+        {"dead@4x0", "COUNT counts from 1"},
+        {"dead@4x", R"(STEP must be a number, not "4x")"},
+        {"dead=1", "it takes no VALUE"},
+        {"boot-late=", R"(VALUE must be a number, not "")"},
+        {"boot-late=0x", R"(VALUE must be a number, not "0x")"},
+        {"boot-late=5s", R"(VALUE must be a number, not "5s")"},
+        {"boot-late=4294967296", R"(VALUE must be a number, not "4294967296")"},
+        {"boot-late=1901", "VALUE 1901 is out of range: 1 to 1900, 2000 to 600000"},
     };
 
     for (const auto& [text, error] : CASES)
-        EXPECT_EQ(ErrorOf(text), error) << text;
+        EXPECT_EQ(ErrorOf(text), "fault \"" + text + "\": " + error);
     for (const char* text : {"", "@3", "=1", "something-else"})
         EXPECT_THAT(ErrorOf(text), testing::ContainsRegex("the faults are boot-silent boot-late .*-flicker$"))
             << text;

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: MIT
+#include "tests/support/TemporaryFolder.h"
 #include "tests/virtualmodule/RawHost.h"
 
-#include <filesystem>
-#include <fstream>
+#include <sys/stat.h>
 
 namespace {
 
@@ -11,24 +11,6 @@ using VirtualModule::Flash;
 using VirtualModule::Version;
 
 struct FlashTest : testing::Test {
-    FlashTest() {
-        std::string pattern = testing::TempDir() + "flash-XXXXXX";
-        folder = ::mkdtemp(pattern.data());
-        path = folder + "/flash";
-    }
-
-    ~FlashTest() override { std::filesystem::remove_all(folder); }
-
-    Bytes ReadFile() const {
-        std::ifstream file(path, std::ios::binary);
-        return {std::istreambuf_iterator<char>(file), {}};
-    }
-
-    void WriteFile(const Bytes& bytes) const {
-        std::ofstream(path, std::ios::binary)
-            .write(reinterpret_cast<const char*>(bytes.data()), static_cast<std::streamsize>(bytes.size()));
-    }
-
     std::string LoadFailure() const {
         try {
             Flash::Load(path);
@@ -38,7 +20,8 @@ struct FlashTest : testing::Test {
         return "loaded";
     }
 
-    std::string folder, path;
+    TemporaryFolder folder;
+    std::string path = folder.Path("flash");
 };
 
 TEST_F(FlashTest, ComesBackAsItWasSaved) {
@@ -50,7 +33,7 @@ TEST_F(FlashTest, ComesBackAsItWasSaved) {
     flash.bootloader = {true, {3, 2, 1}, {4, 5, 6}};
     flash.Save(path);
     // Over an old one, and beside one that was cut off or that somebody has put there.
-    std::filesystem::create_symlink(folder + "/elsewhere", path + Flash::UNFINISHED);
+    std::filesystem::create_symlink(folder.Path("elsewhere"), path + Flash::UNFINISHED);
     flash.Save(path);
     const Flash loaded = Flash::Load(path);
     EXPECT_EQ(loaded.serial, flash.serial);
@@ -64,7 +47,7 @@ TEST_F(FlashTest, ComesBackAsItWasSaved) {
     EXPECT_EQ(loaded.database.master, flash.database.master);
     EXPECT_EQ(loaded.database.slaves, flash.database.slaves);
     EXPECT_EQ(loaded.database.description, flash.database.description);
-    EXPECT_EQ(std::distance(std::filesystem::directory_iterator(folder), {}), 1) << "nothing else stays";
+    EXPECT_EQ(folder.Count(), 1) << "nothing else stays";
 }
 
 TEST_F(FlashTest, RefusesADamagedFile) {
@@ -72,14 +55,14 @@ TEST_F(FlashTest, RefusesADamagedFile) {
     RawHost host;
     host.Configure();
     host.flash.Save(path);
-    const Bytes good = ReadFile();
+    const std::string good = folder.Content("flash");
     for (std::size_t at = 0; at < good.size(); at += 7) {
-        Bytes bad = good;
-        bad[at] ^= 0x10;
-        WriteFile(bad);
+        std::string bad = good;
+        bad[at] = static_cast<char>(bad[at] ^ 0x10);
+        folder.Put("flash", bad);
         EXPECT_THAT(LoadFailure(),
                     testing::HasSubstr(at < 8 ? ": not a flash file" : "its checksum does not match"));
-        WriteFile({good.begin(), good.begin() + static_cast<std::ptrdiff_t>(at)});
+        folder.Put("flash", good.substr(0, at));
         EXPECT_THAT(LoadFailure(),
                     testing::HasSubstr(at < 12 ? "not a flash file" : "its checksum does not match"));
     }
@@ -88,12 +71,22 @@ TEST_F(FlashTest, RefusesADamagedFile) {
     EXPECT_THAT(LoadFailure(), testing::EndsWith("its configuration database is invalid"));
 }
 
+TEST_F(FlashTest, RefusesWhatIsNoFileOrTooLong) {
+    path = folder.Path("");
+    EXPECT_THAT(LoadFailure(), testing::EndsWith(": Is a directory"));
+    path = "/dev/zero";
+    EXPECT_EQ(LoadFailure(), "flash file /dev/zero: not a flash file: more than 16777216 bytes");
+    path = folder.Path("fifo");
+    ASSERT_EQ(::mkfifo(path.c_str(), 0600), 0);
+    EXPECT_EQ(LoadFailure(), "flash file " + path + ": not a flash file") << "nobody writes into it";
+}
+
 TEST_F(FlashTest, LeavesTheOldFileWhereItCannotSave) {
     const Flash flash;
     std::filesystem::create_directories(path + "/occupied");
     EXPECT_THROW(flash.Save(path), std::runtime_error) << "a folder is in the way";
-    EXPECT_EQ(std::distance(std::filesystem::directory_iterator(folder), {}), 1);
-    EXPECT_THROW(flash.Save(folder + "/missing/flash"), std::runtime_error);
+    EXPECT_EQ(folder.Count(), 1);
+    EXPECT_THROW(flash.Save(folder.Path("missing/flash")), std::runtime_error);
 }
 
 TEST(FirmwareTest, AnImageCarriesItsVersion) {
@@ -103,9 +96,8 @@ TEST(FirmwareTest, AnImageCarriesItsVersion) {
     EXPECT_EQ(VirtualModule::VersionOf(plain, 6), (Version{6, 0x4B, 0x37}));
 
     Bytes image(1024);
-    for (const char letter : std::string("VT22-VERSION:")) {
+    for (const char letter : std::string("VT22-VERSION:"))
         image.push_back(static_cast<std::uint8_t>(letter));
-    }
     Bytes cut = image;
     VirtualModule::Append(image, Bytes{2, 3, 4});
     image.erase(image.begin()); // the stamp begins at the last place that it may

@@ -13,28 +13,12 @@ using VirtualModule::Bytes;
 struct MasterTest : testing::Test, RawHost {
     MasterTest() { Configure(); }
 
-    void StartOrStop(unsigned command, std::size_t address) {
-        Bytes stations(126);
-        stations[address] = 1;
-        EXPECT_TRUE(Fieldbus(command, {}, stations).Ok());
-    }
-
     void TearDown() override { EXPECT_THAT(module.Violations(), IsEmpty()); }
 };
 
-TEST_F(MasterTest, BootsWithItsIdentity) {
-    flash.serial = 0x01020304;
-    flash.bootloader.version = {2, 7, 0};
-    flash.application.version = {0x12, 0x34, 0x56};
-    PowerOn();
-    EXPECT_THAT(Memory(0, 19),
-                ElementsAre(2, 7, 0, 0, 0, 0, 1, 2, 3, 4, 0x02, 0x01, 0, 1, 0, 5, 0x12, 0x34, 0x56));
-    EXPECT_EQ(ram[0x1FFC], 0xFF);
-    EXPECT_EQ(ram[0x1FFE], POWER_ON);
-}
-
 TEST_F(MasterTest, SpeaksOnceForEachWriteOfTheHost) {
     PowerOn();
+    EXPECT_EQ(ram[0x1FFE], POWER_ON) << "the companion";
     EXPECT_EQ(Await(), -1) << "the host has not answered";
     Answer();
     module.Step();
@@ -105,9 +89,8 @@ TEST_F(MasterTest, WithoutADatabaseSaysSo) {
 
 TEST_F(MasterTest, EchoesInputBytesAtTheirPlaces) {
     Initialise();
-    for (std::size_t i = 0; i < 8; ++i) {
+    for (std::size_t i = 0; i < 8; ++i)
         ram[0x0296 + i] = static_cast<std::uint8_t>(0xA0 + i);
-    }
     EXPECT_EQ(Turn(OUT | IN), OUT | IN) << "consumed, and handed over again";
     EXPECT_THAT(Memory(0x1042, 6), ElementsAre(0, 4, 0, 2, 0, 0)) << "only data changed";
     EXPECT_THAT(Memory(0x1096 + 10, 3), ElementsAre(0xA0, 0xA2, 0)) << "the third byte finds no room";
@@ -128,36 +111,34 @@ TEST_F(MasterTest, EchoesInputBytesAtTheirPlaces) {
 }
 
 TEST_F(MasterTest, ReportsEveryChangeOnTheBus) {
-    struct Case {
+    const struct {
         const char* what;
         std::function<void()> change;
         Bytes status; // out-area indication, module status, change register
         unsigned dataTransfer, diagnostic, mode;
-    };
-
-    const Case cases[]{
+    } cases[]{
         {"9 leaves", [&] { module.SetSlavePresent(9, false); }, {0, 2, 0, 2, 0, 0x16}, 0x20, 2, 0xC0},
         {"9 returns", [&] { module.SetSlavePresent(9, true); }, {0, 2, 0, 2, 0, 0x16}, 0x220, 0, 0xC0},
         {"STOP", [&] { Fieldbus(0x02, {0x4000}); }, {0, 2, 0, 2, 0, 0x1A}, 0, 0, 0x40},
         {"OFFLINE", [&] { Fieldbus(0x02, {0x0000}); }, {0, 1, 0, 1, 0, 0}, 0, 0, 0x40},
         {"OPERATE", [&] { Fieldbus(0x02, {0xC000}); }, {0, 3, 0, 2, 0, 0x1A}, 0x220, 0, 0xC0},
-        {"5 stopped", [&] { StartOrStop(0x0C, 5); }, {0, 2, 0, 2, 0, 0x12}, 0x200, 0, 0xC0},
-        {"5 started", [&] { StartOrStop(0x0B, 5); }, {0, 2, 0, 2, 0, 0x12}, 0x220, 0, 0xC0},
+        {"5 stopped", [&] { StopOrStart(0x0C, 5); }, {0, 2, 0, 2, 0, 0x12}, 0x200, 0, 0xC0},
+        {"5 started", [&] { StopOrStart(0x0B, 5); }, {0, 2, 0, 2, 0, 0x12}, 0x220, 0, 0xC0},
     };
+
     Initialise();
     Turn(OUT);
-    for (const Case& item : cases) {
-        SCOPED_TRACE(item.what);
+    for (const auto& [what, change, status, dataTransfer, diagnostic, mode] : cases) {
+        SCOPED_TRACE(what);
         lastIndication = 0;
-        item.change();
-        if (lastIndication == 0) {
+        change();
+        if (lastIndication == 0)
             lastIndication = Turn();
-        }
         EXPECT_TRUE(lastIndication & OUT);
-        EXPECT_EQ(Memory(0x1042, 6), item.status);
-        EXPECT_EQ(ram[0x1058] | ram[0x1059] << 8, int(item.dataTransfer));
-        EXPECT_EQ(ram[0x1069], item.diagnostic);
-        EXPECT_EQ(ram[0x1078], item.mode);
+        EXPECT_EQ(Memory(0x1042, 6), status);
+        EXPECT_EQ(ram[0x1058] | ram[0x1059] << 8, int(dataTransfer));
+        EXPECT_EQ(ram[0x1069], diagnostic);
+        EXPECT_EQ(ram[0x1078], mode);
         EXPECT_EQ(Turn(OUT), 0);
     }
 }
@@ -176,96 +157,93 @@ TEST_F(MasterTest, FatalEventIsItsLastWord) {
     EXPECT_EQ(Turn(16), 0);
 }
 
-TEST_F(MasterTest, WithoutAnApplicationItStaysSilent) {
-    flash.application.valid = false;
-    lines.DriveBootloaderEnable_n(true);
-    lines.DriveReset_n(true);
-    EXPECT_EQ(Await(), -1);
-}
-
 TEST(MasterWatch, NamesWhatAHostMustNotDo) {
-    struct Case {
-        const char* name;
-        std::function<void(RawHost&)>
-            sin; // with an interrupt to be answered, both areas at the module but `in`
+    struct Host : RawHost {
+        /// The answer to a request is never taken, so that the next one stays in mailbox-in.
+        void FillMailboxes() {
+            Fieldbus(0x17);
+            owed = 0;
+            Turn(M_IN);
+        }
+
+        void PutAndNotify(unsigned type) {
+            PutRequest(0x56, type, 0x17, {}, {});
+            Answer(M_IN);
+        }
     };
 
-    const Case cases[]{
+    const struct {
+        const char* name;
+        std::function<void(Host&)>
+            sin; // with an interrupt to be answered; of the areas it has the input area
+    } cases[]{
         {"host register written without an interrupt: 0x08",
-         [](RawHost& host) {
+         [](Host& host) {
              host.Answer();
              host.module.Step();
              host.Answer(8);
          }},
         {"host register written without an interrupt: 0x00, the line was not read",
-         [](RawHost& host) {
+         [](Host& host) {
              host.Answer();
              host.now += 1'000'000;
              host.module.Step();
              host.Answer();
          }},
-        {"reserved bit written: 0x40", [](RawHost& host) { host.Answer(0x40); }},
+        {"reserved bit written: 0x40", [](Host& host) { host.Answer(0x40); }},
         {"register and companion differ: 0x00 and 0x01",
-         [](RawHost& host) {
+         [](Host& host) {
              host.Answer();
              host.ram[0x1FFC] = 1;
          }},
-        {"area released that was not handed over: output area", [](RawHost& host) { host.Answer(1); }},
+        {"area released that was not handed over: output area", [](Host& host) { host.Answer(1); }},
         {"area released that was not handed over: input area",
-         [](RawHost& host) {
+         [](Host& host) {
              host.PowerOn(); // nothing is handed over before the initialisation
              host.Answer(2);
          }},
-        {"area released that was not handed over: log area", [](RawHost& host) { host.Answer(16); }},
-        {"mailbox-out acknowledged that was not updated", [](RawHost& host) { host.Answer(4); }},
+        {"area released that was not handed over: log area", [](Host& host) { host.Answer(16); }},
+        {"mailbox-out acknowledged that was not updated", [](Host& host) { host.Answer(4); }},
         {"write outside the host's areas: 2 bytes at 0x1048",
-         [](RawHost& host) {
+         [](Host& host) {
              host.ram[0x1048] = host.ram[0x1049] = 0x77;
              host.Answer();
          }},
         {"write outside the host's areas: 1 bytes at 0x0a",
-         [](RawHost& host) {
+         [](Host& host) {
              host.ram[0x000A] ^= 1;
              host.Turn();
              host.Answer(); // told once, not at every look
          }},
         {"malformed request: data size 257",
-         [](RawHost& host) {
-             host.PutRequest(0x56, 2, 0x17, {}, {});
+         [](Host& host) {
+             host.PutAndNotify(2);
              host.ram[0x5C] = host.ram[0x5D] = 1;
-             host.Answer(8);
          }},
-        {"malformed request: marked",
-         [](RawHost& host) {
-             host.PutRequest(0x56, 0x300, 0x17, {}, {});
-             host.Answer(8);
-         }},
+        {"malformed request: marked", [](Host& host) { host.PutAndNotify(0x300); }},
         {"request notified into a full mailbox",
-         [](RawHost& host) {
-             host.Fieldbus(0x17);
-             host.owed = 0; // the answer is never taken, so the next request stays in mailbox-in
-             host.Turn(8);
+         [](Host& host) {
+             host.FillMailboxes();
              host.Answer(8);
          }},
         {"request written into a full mailbox: 1 bytes at 0x57",
-         [](RawHost& host) {
-             host.Fieldbus(0x17);
-             host.owed = 0;
-             host.Turn(8);
+         [](Host& host) {
+             host.FillMailboxes();
              host.ram[0x57] ^= 1;
              host.Answer();
          }},
     };
-    for (const Case& item : cases) {
-        SCOPED_TRACE(item.name);
-        RawHost host;
+
+    for (const auto& [name, sin] : cases) {
+        SCOPED_TRACE(name);
+        Host host;
         host.Configure();
         host.Initialise();
         host.Turn(1);
         EXPECT_THAT(host.module.Violations(), IsEmpty());
-        item.sin(host);
+        sin(host);
         host.Await();
-        EXPECT_THAT(host.module.Violations(), ElementsAre(StartsWith(item.name)));
+        EXPECT_THAT(host.module.Violations(), ElementsAre(StartsWith(name)));
     }
 }
 

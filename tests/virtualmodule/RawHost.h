@@ -70,9 +70,8 @@ struct RawHost {
             VirtualModule::Append16(area, word);
         }
         area[0] = id = static_cast<std::uint8_t>(id + 1);
-        for (const std::uint16_t word : extended) {
+        for (const std::uint16_t word : extended)
             VirtualModule::Append16(area, word);
-        }
         VirtualModule::Append(area, data);
         std::copy(area.begin(), area.end(), ram.begin() + static_cast<std::ptrdiff_t>(at));
     }
@@ -82,9 +81,8 @@ struct RawHost {
         EXPECT_EQ(area[0], id);
         EXPECT_EQ(area[2] & 0x70, 0) << "request flag or unused bits";
         Reply reply{area[2], {}, {}};
-        for (std::size_t i = 0; i < 8; ++i) {
+        for (std::size_t i = 0; i < 8; ++i)
             reply.extended[i] = VirtualModule::Get16(area, 16 + 2 * i);
-        }
         const auto data = area.subspan(32, VirtualModule::Get16(area, 6));
         reply.data.assign(data.begin(), data.end());
         return reply;
@@ -123,11 +121,9 @@ struct RawHost {
         VirtualModule::Append(record, Bytes{0, 3, 0x31, 0 /* pad */});
         VirtualModule::Append16(record, unsigned(4 + 2 * (inputs.size() + outputs.size())));
         VirtualModule::Append16(record, unsigned(inputs.size() << 8 | outputs.size()));
-        for (const auto& table : {inputs, outputs}) {
-            for (const unsigned entry : table) {
+        for (const auto& table : {inputs, outputs})
+            for (const unsigned entry : table)
                 VirtualModule::Append16(record, entry);
-            }
-        }
         VirtualModule::Append(record,
                               Bytes{0, 6, std::uint8_t(outputLength), std::uint8_t(inputLength), 0, 0, 0, 2});
         record[0] = VirtualModule::High(unsigned(record.size() - 2));
@@ -149,6 +145,13 @@ struct RawHost {
     void Initialise() {
         PowerOn();
         InitialiseBooted();
+    }
+
+    /// Stops (0x0C) or starts (0x0B) a slave.
+    void StopOrStart(unsigned command, std::size_t address) {
+        Bytes stations(126);
+        stations[address] = 1;
+        EXPECT_TRUE(Fieldbus(command, {}, stations).Ok());
     }
 
     void InitialiseBooted() {

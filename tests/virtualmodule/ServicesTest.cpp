@@ -15,11 +15,7 @@ struct ServicesTest : testing::Test, RawHost {
         Turn(OUT);
     }
 
-    void Stop(std::size_t address) {
-        Bytes stations(126);
-        stations[address] = 1;
-        EXPECT_TRUE(Fieldbus(0x0C, {}, stations).Ok());
-    }
+    void Stop(std::size_t address) { StopOrStart(0x0C, address); }
 };
 
 TEST_F(ServicesTest, TellAboutASlave) {
@@ -57,9 +53,8 @@ TEST_F(ServicesTest, ChangeASlavesAddress) {
     Stop(5);
     EXPECT_EQ(Fieldbus(0x06, {0x050A, 0x1235}).error, OTHER) << "another device";
     module.SetSlavePresent(20, false);
-    for (const unsigned taken : {9u, 1u, 20u, 126u}) {
+    for (const unsigned taken : {9u, 1u, 20u, 126u})
         EXPECT_EQ(Fieldbus(0x06, {VirtualModule::Word(5, taken), 0x1234}).error, ADDRESS) << taken;
-    }
     EXPECT_TRUE(Fieldbus(0x06, {0x050A, 0x1234, 0x0100}).Ok());
     EXPECT_EQ(Fieldbus(0x05, {0x0500}).error, RESPONSE) << "gone from where it should be";
     EXPECT_THAT(Fieldbus(0x05, {0x0A00}).data, ElementsAre(0x31));

@@ -6,9 +6,6 @@
 using System::Array;
 using Vesk::Modules::Bootloader::CRC16;
 
-static_assert(CRC16::TABLE[0] == 0 && CRC16::TABLE[1] == 0xC0C1 && CRC16::TABLE[2] == 0xC181);
-static_assert(CRC16::TABLE[128] == 0xA001 && CRC16::TABLE[255] == 0x4040);
-
 static const auto DIGITS =
     Array<unsigned char>::Create({'x', '1', '2', '3', '4', '5', '6', '7', '8', '9', 'y'});
 

@@ -11,39 +11,12 @@ using System::IO::EndOfStreamException;
 using Vesk::Modules::Bootloader::FirmwareType_e;
 using Vesk::Modules::Bootloader::TarnFile;
 
-TEST(TarnFileTest, ReadsEveryField) {
-    const auto file = FirmwareFileBuilder().Program("Program").Read();
-    EXPECT_EQ(file->Description.Value(), "Demo");
-    EXPECT_EQ(file->FirmwareType, FirmwareType_e::APPLICATION_FIRMWARE);
-    EXPECT_EQ(file->ModuleId, 0x1234);
-    EXPECT_EQ(file->EraseSegments, 0x56);
-    EXPECT_EQ(file->AddressBurnStart, 0x00020000u);
-    EXPECT_EQ(file->CrcStart, 0x00020010u);
-    EXPECT_EQ(file->CrcLength, 0x01020304u);
-    EXPECT_EQ(file->Crc, 0xBEEF);
-    EXPECT_EQ(file->OldestMajor, 2);
-    EXPECT_EQ(file->OldestMinor, 7);
-    EXPECT_EQ(
-        Values(file->EraseSegmentsCount),
-        (std::vector<int>{1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12, 13, 14, 15, 16, 17, 18, 19, 20, 21, 22}));
-    EXPECT_EQ(Values(file->ProgramData), (std::vector<int>{'P', 'r', 'o', 'g', 'r', 'a', 'm'}));
-}
-
-TEST(TarnFileTest, WritesOneLinePerField) {
+TEST(TarnFileTest, ReadsEveryFieldAndWritesALineForEach) {
     EXPECT_EQ(FirmwareFileBuilder().Read()->ToString().Value(),
-              "Description: Demo\n"
-              "Firmware Type: APPLICATION_FIRMWARE\n"
-              "Module ID: 0x1234\n"
-              "Erase Segments: 0x56\n"
-              "Address burn start: 0x20000\n"
-              "Program length: 0x0\n"
-              "CRC Start: 0x20010\n"
-              "CRC Length: 0x1020304\n"
-              "CRC: 0xbeef\n"
-              "Oldest major: 2\n"
-              "Oldest minor: 7\n"
-              "Erase segments count: [01, 02, 03, 04, 05, 06, 07, 08, 09, 0a, 0b, 0c, 0d, 0e, 0f, 10, 11, "
-              "12, 13, 14, 15, 16]\n");
+              "Description: Demo\nFirmware Type: APPLICATION_FIRMWARE\nModule ID: 0x1234\n"
+              "Erase Segments: 0x56\nAddress burn start: 0x20000\nProgram length: 0x0\nCRC Start: 0x20010\n"
+              "CRC Length: 0x1020304\nCRC: 0xbeef\nOldest major: 2\nOldest minor: 7\nErase segments count: "
+              "[01, 02, 03, 04, 05, 06, 07, 08, 09, 0a, 0b, 0c, 0d, 0e, 0f, 10, 11, 12, 13, 14, 15, 16]\n");
 }
 
 TEST(TarnFileTest, DescriptionEndsAtItsFirstZeroOrAt64Bytes) {
@@ -84,22 +57,24 @@ TEST(TarnFileTest, RefusesAnotherMagicBeforeAnythingElse) {
 }
 
 TEST(TarnFileTest, RefusesReservedBytesThatAreNotZero) {
-    const auto text = [](int index, int value) {
-        return "Unknown data in reserved[" + std::to_string(index) + "]: " + std::to_string(value) + "\n";
-    };
     FirmwareFileBuilder builder;
     builder.Length(0xFFFFFFFF); // not looked at before
     for (int index = 13; index >= 0; --index) {
-        builder.Put(114 + index, {index == 6 ? 7 : 255 - index});
-        ExpectFailure<FormatException>(text(index, index == 6 ? 7 : 255 - index), [&] { builder.Read(); });
+        const int value = index == 6 ? 7 : 255 - index;
+        builder.Put(114 + index, {value});
+        ExpectFailure<FormatException>("Unknown data in reserved[" + std::to_string(index) +
+                                           "]: " + std::to_string(value) + "\n",
+                                       [&] { builder.Read(); });
     }
 }
 
 TEST(TarnFileTest, ReadsTheProgramAndNothingBehindIt) {
-    for (const int count : {0, 1, 600}) {
-        const auto stream = FirmwareFileBuilder().Program(count).Size(128 + count + 5).Stream();
-        EXPECT_EQ(TarnFile::FromStream(stream)->ProgramData->Count(), count);
-        EXPECT_EQ(stream->Position(), 128 + count);
+    for (const std::string& program : {std::string(), std::string("\xFF"), std::string(600, 'x') + "end"}) {
+        const int size = static_cast<int>(program.size());
+        const auto stream = FirmwareFileBuilder().Program(program).Size(128 + size + 5).Stream();
+        const auto data = TarnFile::FromStream(stream)->ProgramData;
+        EXPECT_EQ(std::string(data->Data(), data->Data() + data->Count()), program);
+        EXPECT_EQ(stream->Position(), 128 + size);
     }
 }
 

@@ -84,11 +84,14 @@ protected:
         }
     }
 
-    void Begin(int type, int programSize) {
-        const auto file = FirmwareFileBuilder().Type(type).Program(programSize).Read();
-        type == 1 ? _module->BeginBootloaderDownload(file, &_remaining)
-                  : _module->BeginFirmwareDownload(file, &_remaining);
+    void Begin(const FirmwareFileBuilder& firmware) {
+        const auto file = firmware.Read();
+        file->FirmwareType == Vesk::Modules::Bootloader::FirmwareType_e::BOOTLOADER_FIRMWARE
+            ? _module->BeginBootloaderDownload(file, &_remaining)
+            : _module->BeginFirmwareDownload(file, &_remaining);
     }
+
+    void Begin(int type, int programSize) { Begin(FirmwareFileBuilder().Type(type).Program(programSize)); }
 
     /// Another module object in front of the same module, freshly booted.
     void StartOver() {

@@ -3,6 +3,8 @@
 
 #include "vesk/core/VeskException.h"
 
+#include <tuple>
+
 using namespace Vesk;
 using Modules::DPVM::Vt22Bootloader;
 
@@ -72,23 +74,19 @@ TEST_F(Vt22BootloaderStartUpTest, BootsAndShowsItsIdentity) {
 }
 
 TEST_F(Vt22BootloaderStartUpTest, RefusesAnotherModule) {
-    // Each fault hides the one before it.
-    const struct {
-        int offset, high, low;
-        const char* message;
-    } CASES[] = {
+    const std::tuple<int, int, int, const char*> faults[] = {
+        // each hides the one before it
         {0x1FBE, 1, 0, "Unsupported major bootloader version: 1, expected: 2"},
         {0x1FC8, 0x00, 0x01, "Unexpected vendor id!\nExpected: 0, Read: 1"},
         {0x1FCA, 0xAB, 0xCD, "Unexpected fieldbus type!\nExpected: 0, Read: abcd"},
         {0x1FDE, 0x02, 0x01, "Unexpected module type!\nExpected: 101, Read: 201"},
     };
-
     PowerOn();
     _host->Put(0x1FDE, {0x01, 0x01});
     _host->irq = true;
-    for (const auto& fault : CASES) {
-        _host->Put(fault.offset, {fault.high, fault.low});
-        ExpectFailure<ModuleIdentityException>(fault.message, [this] { _module->Update(); });
+    for (const auto& [offset, high, low, message] : faults) {
+        _host->Put(offset, {high, low});
+        ExpectFailure<ModuleIdentityException>(message, [this] { _module->Update(); });
         EXPECT_EQ(_module->State(), State::POWER_ON);
     }
     _host->Put(0x1FFF, {0x40});
@@ -96,22 +94,12 @@ TEST_F(Vt22BootloaderStartUpTest, RefusesAnotherModule) {
                                                      [this] { _module->Update(); });
 }
 
-/// A module object whose state can be damaged.
-class CorruptBootloader : public Vt22Bootloader {
-public:
-    explicit CorruptBootloader(std::shared_ptr<HostInterface::IHostInterface> hostInterface)
-        : Vt22Bootloader(std::move(hostInterface)) {}
-
-    using Vt22Bootloader::ChangeState;
-};
-
 TEST_F(Vt22BootloaderStartUpTest, ReportsAStateThatIsNone) {
-    CorruptBootloader corrupt(_host);
     for (const int value : {6, -1}) {
-        corrupt.ChangeState(static_cast<State>(value));
+        _module->ChangeState(static_cast<State>(value));
         ExpectFailure<ModuleStateException>("Unknown state: " + std::to_string(value),
-                                            [&] { corrupt.Update(); });
+                                            [this] { _module->Update(); });
         ExpectFailure<System::InvalidOperationException>("No download in progress",
-                                                         [&] { return corrupt.EndDownload(&_remaining); });
+                                                         [this] { _module->EndDownload(&_remaining); });
     }
 }

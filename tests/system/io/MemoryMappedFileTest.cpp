@@ -8,6 +8,7 @@
 #include "vesk/system/io/MemoryMappedFile.h"
 
 #include <functional>
+#include <tuple>
 
 using namespace System;
 using namespace System::IO;
@@ -41,7 +42,6 @@ TEST_F(MemoryMappedFileTest, ReadsAndWritesTheFileItself) {
     const auto part = _file->CreateViewAccessor(2, 3);
     EXPECT_EQ(part->Capacity(), 3);
     EXPECT_EQ(part->ReadByte(2), 'E');
-    const auto second = Map(_path, OFFSET, 8)->CreateViewAccessor(0, 8);
     part->WriteByte(0, 'c');
     EXPECT_EQ(_view->ReadByte(2), 'c');
 }
@@ -58,46 +58,38 @@ TEST_F(MemoryMappedFileTest, TransfersBlocksUpToTheEndOfTheView) {
 
 TEST_F(MemoryMappedFileTest, ChecksEveryOffset) {
     const auto array = Bytes::Create(10);
-
-    const struct {
-        int offset;
-        const char* message;
-    } bytes[] = {{-1, "offset (-1) must not be less than zero (0)"},
-                 {8, "offset (8) must not be equal to capacity_ (8)"},
-                 {9, "offset (9) must not be greater than capacity_ (8)"}};
-
-    for (const auto& each : bytes) {
-        ExpectFailure<ArgumentOutOfRangeException>(each.message,
-                                                   [&] { return _view->ReadByte(each.offset); });
-        ExpectFailure<ArgumentOutOfRangeException>(each.message, [&] { _view->WriteByte(each.offset, 0); });
+    const std::pair<int, const char*> bytes[] = {{-1, "offset (-1) must not be less than zero (0)"},
+                                                 {8, "offset (8) must not be equal to capacity_ (8)"},
+                                                 {9, "offset (9) must not be greater than capacity_ (8)"}};
+    for (const auto& [at, message] : bytes) {
+        ExpectFailure<ArgumentOutOfRangeException>(message, [&, offset = at] { _view->ReadByte(offset); });
+        ExpectFailure<ArgumentOutOfRangeException>(message,
+                                                   [&, offset = at] { _view->WriteByte(offset, 0); });
     }
 
-    const struct {
-        int offset, arrayOffset, count;
-        const char* message;
-    } blocks[] = {
+    const std::tuple<int, int, int, std::string> blocks[] = {
+        // offset, offset in the array, count
         {-1, 0, 1, "offset (-1) must not be less than zero (0)"},
-        {9, 0, 1, "offset (9) must not be greater than capacity_ (8)"},
-        {0, -1, 1, "arrayoffset (-1) must not be less than zero (0)"},
+        {9, -1, -1, "offset (9) must not be greater than capacity_ (8)"},
+        {0, -1, -1, "arrayoffset (-1) must not be less than zero (0)"},
         {0, 0, -1, "arraycount (-1) must not be less than zero (0)"},
         {0, 2, 9, "arrayoffset (2) + arraycount (9) must not be greater than the length of array (10)"},
         {8, 2147483647, 2147483647,
          "arrayoffset (2147483647) + arraycount (2147483647) must not be greater than the length of array "
          "(10)"},
     };
-
-    for (const auto& each : blocks) {
+    for (const auto& [offset, first, count, message] : blocks) {
         ExpectFailure<ArgumentOutOfRangeException>(
-            each.message, [&] { _view->ReadArray(each.offset, array, each.arrayOffset, each.count); });
+            message, [&, o = offset, f = first, c = count] { _view->ReadArray(o, array, f, c); });
         ExpectFailure<ArgumentOutOfRangeException>(
-            each.message, [&] { _view->WriteArray(each.offset, array, each.arrayOffset, each.count); });
+            message, [&, o = offset, f = first, c = count] { _view->WriteArray(o, array, f, c); });
     }
     ExpectFailure<ArgumentNullException>("array must not be null",
                                          [&] { _view->ReadArray(0, nullptr, 0, 0); });
     EXPECT_EQ(_folder.Content("dpram"), std::string(OFFSET, '-') + "ABCDEFGH");
 }
 
-TEST_F(MemoryMappedFileTest, IsDeadOnceItIsClosed) {
+TEST_F(MemoryMappedFileTest, IsDeadOnceItIsClosedOrGone) {
     const auto array = Bytes::Create(1);
     const auto second = _file->CreateViewAccessor(4, 4);
     _file->Close();
@@ -110,26 +102,18 @@ TEST_F(MemoryMappedFileTest, IsDeadOnceItIsClosed) {
     };
     for (const auto& use : uses)
         ExpectFailure<NullReferenceException>("view is null", use);
-    ExpectFailure<NullReferenceException>("mapping is null", [&] { return _file->CreateViewAccessor(0, 1); });
-}
+    ExpectFailure<NullReferenceException>("mapping is null", [&] { _file->CreateViewAccessor(0, 1); });
 
-TEST_F(MemoryMappedFileTest, TakesItsViewsAlongWhenItGoes) {
-    _file.reset();
-    ExpectFailure<NullReferenceException>("view is null", [&] { return _view->ReadByte(0); });
+    const auto third = Map(_path, OFFSET, 8)->CreateViewAccessor(0, 8);
+    ExpectFailure<NullReferenceException>("view is null", [&] { third->ReadByte(0); });
 }
 
 TEST_F(MemoryMappedFileTest, IsRefusedWhereItCannotBeMapped) {
     const std::string missing = _folder.Path("missing");
-
-    const struct {
-        int offset, capacity;
-        const char* message;
-    } arguments[] = {{-1, 8, "offset (-1) must not be less than zero (0)"},
-                     {0, -1, "capacity (-1) must not be less than zero (0)"}};
-
-    for (const auto& each : arguments)
-        ExpectFailure<ArgumentOutOfRangeException>(each.message,
-                                                   [&] { return Map(missing, each.offset, each.capacity); });
+    ExpectFailure<ArgumentOutOfRangeException>("offset (-1) must not be less than zero (0)",
+                                               [&] { Map(missing, -1, 8); });
+    ExpectFailure<ArgumentOutOfRangeException>("capacity (-1) must not be less than zero (0)",
+                                               [&] { Map(missing, 0, -1); });
     ExpectFailure<ArgumentNullException>("path must not be null", [] { return Map(nullptr, 0, 8); });
     ExpectFailure<FileNotFoundException>(missing + ": No such file or directory",
                                          [&] { return Map(missing, 0, 8); });
@@ -143,14 +127,11 @@ TEST_F(MemoryMappedFileTest, IsRefusedWhereItCannotBeMapped) {
 }
 
 TEST_F(MemoryMappedFileTest, RefusesAViewThatLeavesIt) {
-    const struct {
-        int offset, count;
-        const char* message;
-    } cases[] = {{-1, 1, "offset (-1) must not be less than zero (0)"},
-                 {0, -1, "count (-1) must not be less than zero (0)"},
-                 {1, 8, "offset (1) + count (8) must not be greater than the length of mapping (8)"}};
-
-    for (const auto& each : cases)
+    const std::tuple<int, int, const char*> cases[] = {
+        {-1, 1, "offset (-1) must not be less than zero (0)"},
+        {0, -1, "count (-1) must not be less than zero (0)"},
+        {1, 8, "offset (1) + count (8) must not be greater than the length of mapping (8)"}};
+    for (const auto& [offset, count, message] : cases)
         ExpectFailure<ArgumentOutOfRangeException>(
-            each.message, [&] { return _file->CreateViewAccessor(each.offset, each.count); });
+            message, [&, o = offset, c = count] { _file->CreateViewAccessor(o, c); });
 }

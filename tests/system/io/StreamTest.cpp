@@ -9,7 +9,6 @@
 #include "vesk/system/io/IOException.h"
 #include "vesk/system/io/MemoryStream.h"
 
-#include <functional>
 #include <sys/stat.h>
 
 using namespace System;
@@ -49,8 +48,7 @@ TEST_P(StreamTest, ReadsUpToItsEnd) {
 
 TEST_P(StreamTest, RefusesARangeOutsideTheArrayAndStaysWhereItIs) {
     const auto array = Bytes::Create(4);
-    ExpectFailure<ArgumentNullException>("array must not be null",
-                                         [&] { return _stream->Read(nullptr, 0, 1); });
+    ExpectFailure<ArgumentNullException>("array must not be null", [&] { _stream->Read(nullptr, 0, 1); });
     ExpectFailure<ArgumentOutOfRangeException>(
         "offset (2) + count (3) must not be greater than the length of array (4)",
         [&] { return _stream->Read(array, 2, 3); });
@@ -124,8 +122,7 @@ TEST(FileStream, OpensARegularFileOnly) {
     const TemporaryFolder folder;
     const std::string missing = folder.Path("missing"), pipe = folder.Path("pipe");
     ASSERT_EQ(mkfifo(pipe.c_str(), 0600), 0);
-    ExpectFailure<FileNotFoundException>(missing + ": No such file or directory",
-                                         [&] { return Open(missing); });
+    ExpectFailure<FileNotFoundException>(missing + ": No such file or directory", [&] { Open(missing); });
     ExpectFailure<IOException>(folder.Path("") + ": is a directory", [&] { return Open(folder.Path("")); });
     ExpectFailure<IOException>(pipe + ": not a regular file", [&] { return Open(pipe); });
     ExpectFailure<IOException>("/dev/null: not a regular file", [] { return Open("/dev/null"); });
@@ -143,10 +140,8 @@ TEST(FileStream, IsOnlyRead) {
 }
 
 TEST(Streams, ReadersAndWritersNeedOne) {
-    const std::function<void()> creations[] = {[] { BinaryReader::Create(nullptr, true); },
-                                               [] { BinaryWriter::Create(nullptr); }};
-    for (const auto& create : creations)
-        ExpectFailure<ArgumentNullException>("stream must not be null", create);
-    ExpectFailure<ArgumentNullException>("array must not be null",
-                                         [] { return MemoryStream::Create(nullptr); });
+    ExpectFailure<ArgumentNullException>("stream must not be null",
+                                         [] { BinaryReader::Create(nullptr, true); });
+    ExpectFailure<ArgumentNullException>("stream must not be null", [] { BinaryWriter::Create(nullptr); });
+    ExpectFailure<ArgumentNullException>("array must not be null", [] { MemoryStream::Create(nullptr); });
 }
