@@ -71,8 +71,9 @@ std::string StationGrid(const Json& lists, const Json& liveList, const Paint& pa
     for (unsigned int address = 0; address < STATIONS; ++address) {
         const std::string row = std::to_string(address);
         if (address % ROW == 0)
-            text += "\n" + Padded("", 5 - row.size()) + row;
-        text += " " + Sign(address, lists, liveList, paint);
+            text += Padded("\n", 6 - row.size()) + row;
+        text += ' ';
+        text += Sign(address, lists, liveList, paint);
     }
     return text + "\nX exchanges data, D the same with diagnostics, ! only diagnostics, - configured only,\n"
                   "o a slave that is not configured, M a master, . nobody\n";
