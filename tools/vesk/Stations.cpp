@@ -72,7 +72,7 @@ std::string StationGrid(const Json& lists, const Json& liveList, const Paint& pa
         const std::string row = std::to_string(address);
         if (address % ROW == 0)
             text += Padded("\n", 6 - row.size()) + row;
-        text += ' ';
+        text += ' '; // not " " + Sign(): at -O3 GCC 12 suspects that of an overflow
         text += Sign(address, lists, liveList, paint);
     }
     return text + "\nX exchanges data, D the same with diagnostics, ! only diagnostics, - configured only,\n"
