@@ -19,12 +19,11 @@ public:
     }
 
     void ReportRuns(const std::vector<Run>& runs) override {
-        for (const Run& run : runs) {
+        for (const Run& run : runs)
             if (run.error_occurred)
                 std::printf("%-48s cannot run: %s\n", run.run_name.str().c_str(), run.error_message.c_str());
             else if (run.repetitions == 1 || run.aggregate_name == "median")
                 Print(run);
-        }
         std::fflush(stdout);
     }
 

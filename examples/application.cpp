@@ -2,7 +2,7 @@
 // A complete application: brings a master up on its configuration, exchanges process data with it, asks one
 // slave for a record, and ends. Arguments: the DPRAM file, the lines file and the configuration database
 // file.
-#include "LinesFile.h"
+#include "vesk/lines/LinesFile.h"
 
 #include "vesk/Vesk.h"
 

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: MIT
 // Brings a bus up, until every slave exchanges data, and down again by way of the safe states. Arguments: the
 // DPRAM file, the lines file and the configuration database file.
-#include "LinesFile.h"
 #include "Updating.h"
+#include "vesk/lines/LinesFile.h"
 
 #include "vesk/Vesk.h"
 

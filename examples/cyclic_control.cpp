@@ -3,8 +3,8 @@
 // set point written. It runs up to 1000 rpm, slows down and stands still again. Arguments: the DPRAM file,
 // the lines file, the configuration database file, and the real-time priority of the cycle if it is to have
 // one.
-#include "LinesFile.h"
 #include "Updating.h"
+#include "vesk/lines/LinesFile.h"
 
 #include "vesk/Vesk.h"
 

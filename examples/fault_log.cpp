@@ -2,8 +2,8 @@
 // Keeps a bus running until it is told to end (SIGTERM, SIGINT): whatever goes wrong is written into a log,
 // and a new module object starts over. Arguments: the DPRAM file, the lines file, the configuration database
 // file and the log.
-#include "LinesFile.h"
 #include "Updating.h"
+#include "vesk/lines/LinesFile.h"
 
 #include "vesk/Vesk.h"
 
@@ -72,10 +72,12 @@ int main(int argc, char** argv) try {
 
     for (milliseconds pause = SHORTEST_PAUSE; !ended; pause = std::min(2 * pause, LONGEST_PAUSE)) {
         try {
-            Live(argv[1], *lines, config, [&] {
-                std::cout << "running" << std::endl;
-                pause = SHORTEST_PAUSE;
-            });
+            Live(
+                argv[1], *lines, config,
+                [&] {
+                    std::cout << "running" << std::endl;
+                    pause = SHORTEST_PAUSE;
+                });
         } catch (const std::shared_ptr<System::Exception>& failure) {
             Write(log, failure->ToString().Value()); // type and message, and what a fatal event left behind
         } catch (const std::exception& failure) {

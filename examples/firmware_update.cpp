@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: MIT
 // Brings new firmware into a module, and starts it to see which version it is. Arguments: the DPRAM file, the
 // lines file and the firmware file.
-#include "LinesFile.h"
 #include "Updating.h"
+#include "vesk/lines/LinesFile.h"
 
 #include "vesk/Vesk.h"
 

@@ -2,7 +2,7 @@
 // Several modules in one process and one thread: none of them waits, and one that fails does not stop the
 // others. Each exchanges a byte with its bus. Arguments: the configuration database file, which they share,
 // and for each module its DPRAM file and its lines file.
-#include "LinesFile.h"
+#include "vesk/lines/LinesFile.h"
 
 #include "vesk/Vesk.h"
 

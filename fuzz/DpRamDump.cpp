@@ -3,8 +3,8 @@
 // is the dump. What it is too short for is zero.
 #include "fuzz/Properties.h"
 
-#include "tools/vesk/ByteText.h"
-#include "tools/vesk/DpRamMap.h"
+#include "tools/vesk/files/DpRamMap.h"
+#include "tools/vesk/text/ByteText.h"
 
 #include <algorithm>
 #include <array>

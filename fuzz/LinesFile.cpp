@@ -3,8 +3,8 @@
 // and the virtual module's own have to agree. The input is the file's size, its bytes, and then what happens.
 #include "fuzz/Properties.h"
 
-#include "examples/LinesFile.h"
-#include "virtualmodule/Lines.h"
+#include "vesk/lines/LinesFile.h"
+#include "virtualmodule/wires/Lines.h"
 
 #include <algorithm>
 #include <array>

@@ -22,19 +22,16 @@ std::int64_t Board::BootDelay() {
 
 bool Board::ComesToInterrupt() {
     faults.Count(Counts::INTERRUPTS);
-    if (faults.Strikes(FaultId::DEAD)) {
+    if (faults.Strikes(FaultId::DEAD))
         faults.Fail(FaultInjector::Outage::DEAD);
-    }
     return !faults.Failing();
 }
 
 void Board::RaiseInterrupt() {
-    if (options.beforeInterrupt) {
+    if (options.beforeInterrupt)
         options.beforeInterrupt();
-    }
-    if (faultyDpRam) {
+    if (faultyDpRam)
         faultyDpRam->Show();
-    }
     lines.AssertIrq(generation);
     interrupted = true;
     bounces = 0;

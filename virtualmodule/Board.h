@@ -1,13 +1,13 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "virtualmodule/DpRam.h"
-#include "virtualmodule/FaultyDpRam.h"
-#include "virtualmodule/Flash.h"
-#include "virtualmodule/Lines.h"
 #include "virtualmodule/Options.h"
-#include "virtualmodule/Station.h"
-#include "virtualmodule/Watch.h"
+#include "virtualmodule/bus/Station.h"
+#include "virtualmodule/faults/FaultyDpRam.h"
+#include "virtualmodule/flash/Flash.h"
+#include "virtualmodule/wires/DpRam.h"
+#include "virtualmodule/wires/Lines.h"
+#include "virtualmodule/wires/Watch.h"
 
 #include <memory>
 

@@ -66,24 +66,19 @@ void Bootloader::Boot(std::int64_t now) {
 void Bootloader::TakeHostRegister() {
     const std::uint8_t value = _board.dpRam.ReadRegister(BootloaderMap::APPLICATION_INDICATION);
     const unsigned changed = value ^ _host;
-    if (changed == 0) {
+    if (changed == 0)
         return;
-    }
     _host = value;
     _board.CheckMemory(BootloaderMap::MAILBOX_IN);
     _board.watch.Log([&] { return "host " + Hex(value); });
-    if ((value & AREA_BITS) != 0) {
+    if ((value & AREA_BITS) != 0)
         _board.watch.Report(Violation::AREA_COMMAND, Hex(value));
-    }
-    if (changed & ApplicationIndication_t::EVENT) {
+    if (changed & ApplicationIndication_t::EVENT)
         _board.watch.Report(Violation::EVENT_NOT_REPORTED, Hex(value));
-    }
-    if (changed & ApplicationIndication_t::M_OUT) {
+    if (changed & ApplicationIndication_t::M_OUT)
         _mailbox.Acknowledged();
-    }
-    if (changed & ApplicationIndication_t::M_IN) {
+    if (changed & ApplicationIndication_t::M_IN)
         _mailbox.Notified();
-    }
 }
 
 void Bootloader::Indicate(Mailbox::Turn mail) {
@@ -96,9 +91,8 @@ void Bootloader::Indicate(Mailbox::Turn mail) {
 }
 
 void Bootloader::RaiseInterrupt() {
-    if (!_board.ComesToInterrupt()) {
+    if (!_board.ComesToInterrupt())
         return;
-    }
     _board.dpRam.WriteRegister(BootloaderMap::VELMO_INDICATION, _module);
     _board.RaiseInterrupt();
     _board.watch.Log([&] { return "indication " + Hex(_module); });

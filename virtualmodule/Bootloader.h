@@ -2,8 +2,8 @@
 #pragma once
 
 #include "virtualmodule/Board.h"
-#include "virtualmodule/DownloadCommands.h"
-#include "virtualmodule/Mailbox.h"
+#include "virtualmodule/commands/DownloadCommands.h"
+#include "virtualmodule/commands/Mailbox.h"
 
 namespace VirtualModule {
 

@@ -13,13 +13,11 @@ InProcess::File::File() {
     const char* folder = std::getenv("TMPDIR");
     path = std::string(folder != nullptr && *folder != 0 ? folder : "/tmp") + "/velmo-dpram-XXXXXX";
     const int descriptor = ::mkstemp(path.data());
-    if (descriptor < 0) {
+    if (descriptor < 0)
         throw std::system_error(errno, std::generic_category(), path);
-    }
     memory = MAP_FAILED;
-    if (::ftruncate(descriptor, DpRam::SIZE) == 0) {
+    if (::ftruncate(descriptor, DpRam::SIZE) == 0)
         memory = ::mmap(nullptr, DpRam::SIZE, PROT_READ | PROT_WRITE, MAP_SHARED, descriptor, 0);
-    }
     const int reason = errno;
     ::close(descriptor);
     if (memory == MAP_FAILED) {

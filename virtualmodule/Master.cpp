@@ -87,40 +87,34 @@ void Master::Step(std::int64_t now) {
 }
 
 void Master::Indicate(std::int64_t now) {
-    if (now < _due || !_board.ComesToInterrupt() || Reboots()) {
+    if (now < _due || !_board.ComesToInterrupt() || Reboots())
         return;
-    }
     const FaultId fatal = _booted ? FaultId::FATAL : FaultId::BOOT_FATAL;
-    if (const Fault* fault = _board.faults.Strikes(fatal)) {
+    if (const Fault* fault = _board.faults.Strikes(fatal))
         RaiseFatal(FullEvent(Word(fault->value >> 8, fault->value & 0xFF)));
-    }
     const std::uint8_t indication = NextIndication(now);
-    if (!_board.faults.Failing()) {
+    if (!_board.faults.Failing())
         RaiseInterrupt(indication, now);
-    }
 }
 
 bool Master::Reboots() {
     const bool reboots = _booted && _board.faults.Strikes(FaultId::REBOOT);
-    if (reboots) {
+    if (reboots)
         _board.faults.Fail(FaultInjector::Outage::REBOOT);
-    }
     return reboots;
 }
 
 std::uint8_t Master::BootIndication() {
     FaultInjector& faults = _board.faults;
-    if (faults.Strikes(FaultId::BOOT_EMPTY)) {
+    if (faults.Strikes(FaultId::BOOT_EMPTY))
         return 0;
-    }
     const unsigned powerOn = faults.Value(FaultId::BOOT_NO_POWER_ON, Vt22VelmoIndication_t::POWER_ON);
     return Low(powerOn | faults.Value(FaultId::BOOT_EXTRA_BITS, 0));
 }
 
 std::uint8_t Master::NextIndication(std::int64_t now) {
-    if (_fatal) {
+    if (_fatal)
         return Vt22VelmoIndication_t::FATAL;
-    }
     if (!_booted) {
         _booted = true;
         _mailbox.Open();
@@ -142,17 +136,15 @@ std::uint8_t Master::NextIndication(std::int64_t now) {
 }
 
 void Master::RaiseInterrupt(std::uint8_t indication, std::int64_t now) {
-    if (_board.faults.Strikes(FaultId::INDICATION_RESERVED)) {
+    if (_board.faults.Strikes(FaultId::INDICATION_RESERVED))
         indication |= Vt22VelmoIndication_t::RESERVED;
-    }
     _board.dpRam.WriteRegister(MasterMap::VELMO_INDICATION, indication);
     _board.dpRam.WriteRegister(MasterMap::VELMO_INDICATION_COMPANION, indication);
     _board.RaiseInterrupt();
     _due = now + _board.options.interruptPeriod;
     _state = _fatal ? State::STOPPED : State::INDICATING;
-    if (indication != 0) {
+    if (indication != 0)
         _board.watch.Log([&] { return "indication " + Hex(indication); });
-    }
 }
 
 bool Master::HostHasWritten() const {
@@ -163,46 +155,36 @@ std::uint8_t Master::TakeHostRegister() {
     const std::uint8_t companion = _board.dpRam.ReadRegister(MasterMap::APPLICATION_INDICATION_COMPANION);
     const std::uint8_t value = _board.dpRam.ReadRegister(MasterMap::APPLICATION_INDICATION);
     _board.dpRam.WriteRegister(MasterMap::APPLICATION_INDICATION_COMPANION, NOT_WRITTEN);
-    if (value != companion) {
+    if (value != companion)
         _board.watch.Report(Violation::COMPANION_DIFFERS, Hex(value) + " and " + Hex(companion));
-    }
     return value;
 }
 
 /// Nobody asked the host; what it wrote is taken back, so that it does not pass for the next answer.
 void Master::CheckUnasked() {
-    if (HostHasWritten()) {
+    if (HostHasWritten())
         _board.watch.Report(Violation::WITHOUT_INTERRUPT, Hex(TakeHostRegister()));
-    }
 }
 
 void Master::HandleHostIndication(std::uint8_t value) {
-    if (_board.lines.IrqAsserted(_board.generation)) {
+    if (_board.lines.IrqAsserted(_board.generation))
         _board.watch.Report(Violation::WITHOUT_INTERRUPT, Hex(value) + ", the line was not read");
-    }
-    if ((value & Vt22ApplicationIndication_t::RESERVED) != 0) {
+    if ((value & Vt22ApplicationIndication_t::RESERVED) != 0)
         _board.watch.Report(Violation::RESERVED_BIT, Hex(value));
-    }
     _board.CheckMemory(MasterMap::MAILBOX_IN);
-    if (value != 0) {
+    if (value != 0)
         _board.watch.Log([&] { return "host " + Hex(value); });
-    }
-    if (value & Vt22ApplicationIndication_t::OUT) {
+    if (value & Vt22ApplicationIndication_t::OUT)
         _processData.OutputReleased();
-    }
-    if (value & Vt22ApplicationIndication_t::IN) {
+    if (value & Vt22ApplicationIndication_t::IN)
         _processData.InputReleased();
-    }
-    if (value & Vt22ApplicationIndication_t::M_OUT) {
+    if (value & Vt22ApplicationIndication_t::M_OUT)
         _mailbox.Acknowledged();
-    }
-    if (value & Vt22ApplicationIndication_t::M_IN) {
+    if (value & Vt22ApplicationIndication_t::M_IN)
         _mailbox.Notified();
-    }
     if (value & Vt22ApplicationIndication_t::LOG) {
-        if (!_logHandedOver) {
+        if (!_logHandedOver)
             _board.watch.Report(Violation::AREA_NOT_HANDED_OVER, "log area");
-        }
         _logHandedOver = false;
     }
 }

@@ -1,13 +1,13 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "virtualmodule/AcyclicCommands.h"
 #include "virtualmodule/Board.h"
-#include "virtualmodule/BusCommands.h"
-#include "virtualmodule/DatabaseCommands.h"
-#include "virtualmodule/InitCommands.h"
-#include "virtualmodule/Mailbox.h"
-#include "virtualmodule/ProcessData.h"
+#include "virtualmodule/bus/ProcessData.h"
+#include "virtualmodule/commands/AcyclicCommands.h"
+#include "virtualmodule/commands/BusCommands.h"
+#include "virtualmodule/commands/DatabaseCommands.h"
+#include "virtualmodule/commands/InitCommands.h"
+#include "virtualmodule/commands/Mailbox.h"
 
 namespace VirtualModule {
 

@@ -25,9 +25,8 @@ void Module::StepPrograms() {
         return;
     }
     const std::int64_t now = _clock();
-    if (_board.lines.Generation() != _board.generation) {
+    if (_board.lines.Generation() != _board.generation)
         Boot(now);
-    }
     if (!_board.RepeatInterrupt()) {
         StepProgram(now);
         HandleOutage(now);
@@ -35,11 +34,10 @@ void Module::StepPrograms() {
 }
 
 void Module::StepProgram(std::int64_t now) {
-    if (_master) {
+    if (_master)
         _master->Step(now);
-    } else if (_bootloader) {
+    else if (_bootloader)
         _bootloader->Step(now);
-    }
 }
 
 void Module::HandleOutage(std::int64_t now) {
@@ -66,14 +64,12 @@ void Module::HoldInReset() {
 }
 
 void Module::PowerOff() {
-    if (_off) {
+    if (_off)
         return;
-    }
     _off = true;
     _board.faults.Count(Counts::BOOTS);
-    if (_master || _bootloader) {
+    if (_master || _bootloader)
         _board.watch.Log([] { return std::string("held in reset"); });
-    }
     _master.reset();
     _bootloader.reset();
 }
@@ -83,9 +79,8 @@ void Module::Boot(std::int64_t now) {
     _off = false;
     _board.interrupted = false;
     _board.generation = _board.lines.Generation();
-    if (_board.faults.Strikes(FaultId::BOOT_SILENT)) {
+    if (_board.faults.Strikes(FaultId::BOOT_SILENT))
         return;
-    }
     if (_board.lines.BootloaderEnabled()) {
         _board.watch.Log([] { return std::string("boots as the bootloader"); });
         _bootloader = std::make_unique<Bootloader>(_board, now);
@@ -98,9 +93,8 @@ void Module::Boot(std::int64_t now) {
 }
 
 Master& Module::RunningMaster() {
-    if (!_master) {
+    if (!_master)
         throw std::logic_error("The module does not run as the master");
-    }
     return *_master;
 }
 

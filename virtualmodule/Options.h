@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "virtualmodule/Fault.h"
+#include "virtualmodule/faults/Fault.h"
 
 #include <functional>
 #include <vector>

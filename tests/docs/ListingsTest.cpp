@@ -210,9 +210,8 @@ TEST_F(ListingsTest, TheDemoPrintsWhatTheReadmeShows) {
                                     [](const Block& block) { return block.lines[0] == "First life"; });
     ASSERT_NE(shown, blocks.end());
     for (const std::string& line : shown->lines)
-        if (line != "  ...") {
+        if (line != "  ...")
             EXPECT_THAT(without, testing::Contains(std::regex_replace(line, number, "ms")));
-        }
 }
 
 } // namespace

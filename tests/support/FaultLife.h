@@ -4,8 +4,8 @@
 #include "tests/support/TestClock.h"
 
 #include "vesk/modules/dpvm/Vt22.h"
-#include "virtualmodule/Faults.h"
 #include "virtualmodule/InProcess.h"
+#include "virtualmodule/faults/Faults.h"
 
 #include <functional>
 #include <string>

@@ -51,9 +51,8 @@ TEST_F(ConfigCommandTest, ShowsEveryField) {
     std::istringstream lines(text);
     for (std::string line; std::getline(lines, line);) {
         const auto colon = line.find(": ");
-        if (colon != std::string::npos && !line.starts_with("Checksum")) {
+        if (colon != std::string::npos && !line.starts_with("Checksum"))
             EXPECT_THAT(config.dump(), HasSubstr('"' + line.substr(0, colon) + "\":"));
-        }
     }
 }
 

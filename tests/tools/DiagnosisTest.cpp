@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "tools/vesk/Diagnosis.h"
+#include "tools/vesk/verbs/Diagnosis.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

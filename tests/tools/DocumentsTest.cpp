@@ -2,7 +2,7 @@
 #include "tests/support/RunTool.h"
 
 #include "vesk/Vesk.h"
-#include "virtualmodule/Faults.h"
+#include "virtualmodule/faults/Faults.h"
 
 #include <regex>
 #include <sstream>
@@ -76,9 +76,8 @@ TEST_F(DocumentsTest, ManPageHasEveryCommandAndNoFault) {
         EXPECT_EQ(groff.err, "");
         EXPECT_THAT(groff.out, HasSubstr("Wrong usage."));
     }
-    if (Installed("mandoc")) {
+    if (Installed("mandoc"))
         EXPECT_EQ(Shell("mandoc -T lint -W error " + page).status, 0);
-    }
 }
 
 TEST_F(DocumentsTest, BashOffersCommandsAndOptions) {
@@ -94,9 +93,8 @@ TEST_F(DocumentsTest, BashOffersCommandsAndOptions) {
 TEST_F(DocumentsTest, OtherShellsAcceptTheirs) {
     const std::string zsh = Generate("zsh");
     EXPECT_THAT(_folder.Content("vesk.zsh"), HasSubstr("#compdef vesk\n"));
-    if (Installed("zsh")) {
+    if (Installed("zsh"))
         EXPECT_EQ(Shell("zsh -n " + zsh).err, "");
-    }
     const std::string fish = Generate("fish");
     EXPECT_THAT(_folder.Content("vesk.fish"), HasSubstr("complete -c vesk -n '__vesk_is' -f -a explain -d "));
     if (Installed("fish")) {

@@ -3,7 +3,7 @@
 #include "tests/support/Life.h"
 #include "tests/support/RunTool.h"
 
-#include "tools/vesk/DpRamMap.h"
+#include "tools/vesk/files/DpRamMap.h"
 #include "vesk/hostinterface/RuntimeConfig.h"
 
 #include <random>

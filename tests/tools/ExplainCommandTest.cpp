@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "tests/support/RunTool.h"
 
-#include "tools/vesk/Explanations.h"
-#include "tools/vesk/Requests.h"
+#include "tools/vesk/explain/Explanations.h"
+#include "tools/vesk/explain/Requests.h"
 #include "vesk/hostinterface/BootloaderDpRam.h"
 #include "vesk/hostinterface/MasterDpRam.h"
 #include "vesk/modules/InitMessages.h"
@@ -10,7 +10,7 @@
 #include "vesk/modules/bootloader/ProductionMessages.h"
 #include "vesk/modules/dpvm/DPVMMessages.h"
 #include "vesk/modules/dpvm/Vt22Messages.h"
-#include "virtualmodule/Faults.h"
+#include "virtualmodule/faults/Faults.h"
 
 #include <regex>
 
@@ -107,9 +107,8 @@ TEST(ExplainCommandTest, KnowsWhatEveryFaultOfTheVirtualModuleEndsIn) {
             std::replace(message.begin(), message.end(), '*', '1');
             const auto found = Explain(type + ": " + message);
             EXPECT_THAT(NamesOf(found), Contains(type)) << fault.name;
-            if (!message.empty() && outcome->message.front() != '*') {
+            if (!message.empty() && outcome->message.front() != '*')
                 EXPECT_THAT(found, Contains(Field(&Explanation::kind, "message"))) << message;
-            }
         }
 }
 

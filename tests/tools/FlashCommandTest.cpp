@@ -3,8 +3,8 @@
 #include "tests/support/ModuleLines.h"
 #include "tests/support/RunTool.h"
 
-#include "tools/vesk/Failure.h"
-#include "tools/vesk/Flash.h"
+#include "tools/vesk/jobs/Flash.h"
+#include "tools/vesk/text/Failure.h"
 #include "vesk/system/DateTime.h"
 
 #include <functional>

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "tools/vesk/Progress.h"
+#include "tools/vesk/text/Progress.h"
 
 #include <gtest/gtest.h>
 

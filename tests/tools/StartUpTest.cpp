@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: MIT
-#include "tools/vesk/StartUp.h"
+#include "tools/vesk/verbs/StartUp.h"
 #include "tests/support/ModuleLines.h"
 #include "tests/support/TestClock.h"
-#include "tools/vesk/PlantFlash.h"
+#include "tools/vesk/session/PlantFlash.h"
 #include "vesk/hostinterface/RuntimeConfig.h"
 
 #include <gmock/gmock.h>

@@ -1,11 +1,11 @@
 // SPDX-License-Identifier: MIT
-#include "examples/LinesFile.h"
 #include "tests/support/ModuleFiles.h"
 #include "tests/support/RunTool.h"
+#include "vesk/lines/LinesFile.h"
 #include "vesk/modules/dpvm/DPVMMessages.h"
 #include "vesk/modules/dpvm/config/DdbParser.h"
-#include "virtualmodule/Faults.h"
-#include "virtualmodule/Flash.h"
+#include "virtualmodule/faults/Faults.h"
+#include "virtualmodule/flash/Flash.h"
 
 #include <deque>
 #include <sys/stat.h>

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "virtualmodule/FaultInjector.h"
+#include "virtualmodule/faults/FaultInjector.h"
 
 #include "tests/virtualmodule/RawHost.h"
 

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "virtualmodule/Lines.h"
+#include "virtualmodule/wires/Lines.h"
 #include "virtualmodule/InProcess.h"
 
 #include <gtest/gtest.h>

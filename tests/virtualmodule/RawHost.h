@@ -66,9 +66,8 @@ struct RawHost {
                     unsigned frames = 1, unsigned frame = 1, unsigned offset = 0) {
         Bytes area{0, 0};
         for (const unsigned word :
-             {0x4000 | type, command, unsigned(data.size()), frames, frame, offset >> 16, offset & 0xFFFF}) {
+             {0x4000 | type, command, unsigned(data.size()), frames, frame, offset >> 16, offset & 0xFFFF})
             VirtualModule::Append16(area, word);
-        }
         area[0] = id = static_cast<std::uint8_t>(id + 1);
         for (const std::uint16_t word : extended)
             VirtualModule::Append16(area, word);

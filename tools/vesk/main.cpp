@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: MIT
-#include "tools/vesk/Advice.h"
-#include "tools/vesk/ByteText.h"
 #include "tools/vesk/Commands.h"
-#include "tools/vesk/Failure.h"
+#include "tools/vesk/explain/Advice.h"
+#include "tools/vesk/text/ByteText.h"
+#include "tools/vesk/text/Failure.h"
 #include "vesk/core/Version.h"
 #include "vesk/hostinterface/RuntimeConfig.h"
 

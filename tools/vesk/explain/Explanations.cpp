@@ -1,0 +1,205 @@
+// SPDX-License-Identifier: MIT
+#include "tools/vesk/explain/Explanations.h"
+
+#include "tools/vesk/explain/Requests.h"
+#include "tools/vesk/session/Session.h"
+#include "tools/vesk/text/Text.h"
+#include "vesk/hostinterface/BootloaderDpRam.h"
+#include "vesk/hostinterface/MasterDpRam.h"
+#include "vesk/mailbox/ErrorCode.h"
+
+#include <array>
+
+namespace VeskTool {
+
+using Vesk::Mailbox::ErrorCode;
+using Vesk::Mailbox::MessageType;
+using Vesk::Modules::DPVM::OperationMode_e;
+using All = std::vector<Explanation>;
+
+static void AddErrorCodes(All& all) {
+    struct Row {
+        const ErrorCode& code;
+        const char* constant;
+        const char* meaning;
+        const char* check;
+    };
+
+    const std::array rows{
+        Row{*ErrorCode::NO_ERROR, "NO_ERROR", "The module did what it was asked to.", ""},
+        Row{*ErrorCode::MESSAGE_ID, "MESSAGE_ID", "The module does not accept the message's id.",
+            "Whether another program drives the same module."},
+        Row{*ErrorCode::MESSAGE_TYPE, "MESSAGE_TYPE", "The module has no part that handles such messages.",
+            "Whether the module runs what the request is for: the master or its bootloader (vesk identify)."},
+        Row{*ErrorCode::COMMAND, "COMMAND", "The module does not know the command, or not in this state.",
+            "The module's firmware version (vesk identify) and where it stands (vesk status)."},
+        Row{*ErrorCode::DATA_SIZE, "DATA_SIZE", "The request has more or less data than the command takes.",
+            "The length of the data that was written."},
+        Row{*ErrorCode::TOTAL_FRAME_COUNT, "TOTAL_FRAME_COUNT",
+            "The number of frames is not the one of the transfer that runs.",
+            "Begin the download again from its start."},
+        Row{*ErrorCode::FRAME_NUMBER, "FRAME_NUMBER", "A frame is missing, or came twice.",
+            "Begin the download again from its start."},
+        Row{*ErrorCode::OFFSET, "OFFSET", "The frame's place is outside the flash or not the next one.",
+            "The addresses of the firmware file (vesk firmware show)."},
+        Row{*ErrorCode::ADDRESS, "ADDRESS", "There is no such station, or it is not configured.",
+            "The station address; vesk livelist for who is there, vesk slaves for who is configured."},
+        Row{*ErrorCode::RESPONSE, "RESPONSE",
+            "The slave did not answer, or refused: the request came as far as the bus.",
+            "Whether the slave exchanges data (vesk slaves) and has such a record (slot and index)."},
+        Row{*ErrorCode::FLASH_CONFIG_ERROR, "FLASH_CONFIG_ERROR",
+            "The module's flash holds no configuration database, or a damaged one.",
+            "Download the configuration again (vesk download CONFIG.ddb)."},
+        Row{*ErrorCode::INVALID_OTHER, "INVALID_OTHER",
+            "The module refused for a reason without a code of its own.",
+            "The request's parameters, and where the module stands (vesk status)."},
+    };
+    for (const Row& row : rows)
+        all.push_back(
+            {"error code", row.code.Name.Value(), {row.constant, Hex(row.code.Id)}, row.meaning, row.check});
+}
+
+static void AddOperationModes(All& all) {
+    struct Row {
+        OperationMode_e mode;
+        const char* meaning;
+        const char* check;
+    };
+
+    for (const Row& row : {
+             Row{OperationMode_e::OFFLINE, "The master takes no part in the bus.",
+                 "After an initialisation it never stays here: ask for another mode (vesk mode)."},
+             Row{OperationMode_e::STOP, "The master holds its token but talks to no slave.",
+                 "Ask for OPERATE (vesk mode operate)."},
+             Row{OperationMode_e::CLEAR, "The master exchanges with its slaves, and sends them zero.",
+                 "Ask for OPERATE (vesk mode operate); a master goes to CLEAR by itself when a slave fails "
+                 "and the "
+                 "bus parameters say so."},
+             Row{OperationMode_e::OPERATE, "The master exchanges process data with its slaves: normal use.",
+                 ""},
+         })
+        all.push_back({"operation mode",
+                       ModeName(row.mode),
+                       {Hex(static_cast<unsigned int>(row.mode))},
+                       row.meaning,
+                       row.check});
+}
+
+/// The bits of a register, each with its meaning, in the order of the labels.
+template <class Register>
+static void AddRegister(All& all, const std::string& layout, const std::string& name,
+                        const std::array<const char*, Register::LABELS.size()>& meanings) {
+    const std::string prefix = name + ".";
+    for (std::size_t bit = 0; bit < meanings.size(); ++bit) {
+        const std::string label = Register::LABELS[bit];
+        all.push_back({"register bit",
+                       prefix + label,
+                       {label},
+                       "Bit " + std::to_string(bit) + " of the " + layout + ": " + meanings[bit],
+                       "Its value in a dump of the DPRAM (vesk dump)."});
+    }
+}
+
+static void AddRegisterBits(All& all) {
+    using namespace Vesk::Modules::DPVM;
+    namespace Handshake = Vesk::Handshake;
+    AddRegister<Vt22VelmoIndication_t>(
+        all, "master's module indication register", "velmoIndication",
+        {"the output area is handed to the host.", "the input area is handed to the host.",
+         "mailbox-out holds a new message.", "the message in mailbox-in was taken.", "the module has booted.",
+         "the fatal-event block says why the module stopped.", "the module has log data.",
+         "without a meaning."});
+    AddRegister<Vt22ApplicationIndication_t>(
+        all, "master's application indication register", "applicationIndication",
+        {"the output area goes back to the module.", "the input area goes back to the module.",
+         "the message in mailbox-out was taken.", "mailbox-in holds a new message.",
+         "the log area goes back to the module."});
+    AddRegister<OutAreaIndication_t>(
+        all, "master's out-area indication register", "outArea.indication",
+        {"the module status is new.", "the fieldbus status is new.", "the output process data is new."});
+    AddRegister<ModuleStatus_t>(all, "master's module status register", "outArea.moduleStatus",
+                                {"the module went off the bus.", "the module is on the bus."});
+    AddRegister<FieldbusChange_t>(
+        all, "master's fieldbus status change register", "fieldbusStatus.change",
+        {"the list of configured slaves is new.", "the list of slaves that exchange data is new.",
+         "the list of slaves with diagnosis is new.", "the master's status is new, the operation mode in it.",
+         "the list of DP-V1 connections is new."});
+    AddRegister<Handshake::VelmoIndication_t>(
+        all, "bootloader's module indication register", "velmoIndication",
+        {"level, the fieldbus-control area is granted to the host.",
+         "level, the output area is granted to the host.", "level, the input area is granted to the host.",
+         "level, no event.", "level, the module is initialised; it never falls back.",
+         "toggle, the module reports an event.", "toggle, mailbox-out holds a new message.",
+         "toggle, the message in mailbox-in was taken."});
+    AddRegister<Handshake::ApplicationIndication_t>(
+        all, "bootloader's application indication register", "applicationIndication",
+        {"operand of an area command, fieldbus-control.", "operand of an area command, output.",
+         "operand of an area command, input.", "set in every write that carries an area command.",
+         "with lock: 1 requests the areas, 0 releases them.", "toggle, the module's event was seen.",
+         "toggle, the message in mailbox-out was taken.", "toggle, mailbox-in holds a new message."});
+}
+
+static const char* CheckOf(const MessageType& type) {
+    if (&type == MessageType::FIELDBUS.get())
+        return "If it is refused: the error in the answer, and whether the slave that it names is there and "
+               "exchanges data (vesk slaves).";
+    if (&type == MessageType::APPLICATION.get())
+        return "If it is refused: whether the module holds a database (vesk database).";
+    return "If it is refused: whether the module runs its bootloader, and what the firmware file says (vesk "
+           "firmware show).";
+}
+
+static void AddCommands(All& all) {
+    for (const RequestKind& kind : RequestKinds())
+        all.push_back({"command",
+                       kind.name,
+                       {kind.type.Name.Value() + " " + Hex(kind.command)},
+                       std::string(kind.meaning) + " Command " + Hex(kind.command) + " of type " +
+                           kind.type.Name.Value() + ".",
+                       CheckOf(kind.type)});
+}
+
+static void AddStates(All& all) {
+    struct Row {
+        Session::State state;
+        const char* meaning;
+        const char* check;
+    };
+
+    constexpr auto* UPDATE = "If it stays there: whether Update is called, and what vesk status says.";
+    for (const Row& row : {
+             Row{Session::State::POWER_OFF, "The module is held in reset, for 0.5 ms.", UPDATE},
+             Row{Session::State::POWER_ON,
+                 "The module is out of reset; its first interrupt is due within 2 s.",
+                 "If it stays there: the module's supply and the interrupt line."},
+             Row{Session::State::BOOTED, "The module runs and is the expected one.", UPDATE},
+             Row{Session::State::DOWNLOADING,
+                 "The module's database is compared with the configuration and, where it differs, written.",
+                 "It has 10 s. If it comes again after each start, the flash does not keep the database."},
+             Row{Session::State::DOWNLOAD_COMPLETE, "The module's database is that of the configuration.",
+                 "The next step is the application's: BeginInitialization."},
+             Row{Session::State::INITIALIZING, "The initialisation runs; it has 10 s.", UPDATE},
+             Row{Session::State::INITIALIZED, "Process data and services are in normal use.",
+                 "The operation mode and the slaves (vesk status)."},
+         })
+        all.push_back({"state",
+                       Vesk::Modules::DPVM::Vt22Module::StateToString(row.state).Value(),
+                       {},
+                       row.meaning,
+                       row.check});
+}
+
+const All& Explanations() {
+    static const All all = [] {
+        All made = FailureExplanations();
+        AddErrorCodes(made);
+        AddOperationModes(made);
+        AddRegisterBits(made);
+        AddCommands(made);
+        AddStates(made);
+        return made;
+    }();
+    return all;
+}
+
+} // namespace VeskTool

@@ -1,0 +1,129 @@
+// SPDX-License-Identifier: MIT
+#include "tools/vesk/Commands.h"
+#include "tools/vesk/files/ConfigJson.h"
+#include "tools/vesk/files/DatabaseFile.h"
+#include "tools/vesk/text/ByteText.h"
+
+#include <iostream>
+#include <sstream>
+
+namespace VeskTool {
+
+using nlohmann::ordered_json;
+
+namespace {
+
+struct ConfigOptions {
+    std::string path;
+    std::string otherPath; // of what it is compared with
+    bool json = false;
+};
+
+void ShowConfig(const ConfigOptions& options) {
+    const auto config = LoadDatabaseFile(options.path);
+    if (options.json) {
+        std::cout << JsonText(ToJson(*config));
+        return;
+    }
+    std::istringstream lines(config->ToString().Value());
+    for (std::string line; std::getline(lines, line);) {
+        // The name of the Class 2 master is padded with zero bytes.
+        std::cout << Printable(line.substr(0, line.find_last_not_of('\0') + 1)) << "\n";
+    }
+}
+
+/// Collects the fields that differ, `path` being the way to both objects. A null stands for what one of the
+/// two does not have.
+void Compare(const ordered_json& a, const ordered_json& b, const std::string& path,
+             ordered_json& differences) {
+    if (a == b)
+        return;
+    if (!a.is_object() || !b.is_object()) {
+        differences.push_back({{"field", path}, {"a", a}, {"b", b}});
+        return;
+    }
+    const std::string prefix = path.empty() ? "" : path + ".";
+    for (const auto& [name, value] : a.items())
+        Compare(value, b.contains(name) ? b.at(name) : ordered_json(), prefix + name, differences);
+    for (const auto& [name, value] : b.items())
+        if (!a.contains(name))
+            Compare(ordered_json(), value, prefix + name, differences);
+}
+
+/// Slaves as members by their address instead of an array; their order, upon which the checksum depends, as
+/// a field of its own.
+ordered_json Comparable(ordered_json config) {
+    ordered_json slaves = ordered_json::object();
+    ordered_json order = ordered_json::array();
+    for (const ordered_json& slave : config.at("slaves")) {
+        slaves["slave " + std::to_string(slave.at("address").get<int>())] = slave;
+        order.push_back(slave.at("address"));
+    }
+    config.erase("slaves");
+    config.update(slaves);
+    config["slaveOrder"] = order;
+    return config;
+}
+
+/// Whether the files say the same.
+bool DiffConfigs(const ConfigOptions& options) {
+    const ordered_json a = Comparable(ToJson(*LoadDatabaseFile(options.path)));
+    const ordered_json b = Comparable(ToJson(*LoadDatabaseFile(options.otherPath)));
+    ordered_json differences = ordered_json::array();
+    Compare(a, b, "", differences);
+    if (options.json) {
+        std::cout << JsonText({{"same", differences.empty()}, {"differences", differences}});
+        return differences.empty();
+    }
+    for (const ordered_json& difference : differences) {
+        std::cout << difference.at("field").get<std::string>() << ": ";
+        if (difference.at("a").is_null() || difference.at("b").is_null())
+            std::cout << "only in " << (difference.at("b").is_null() ? options.path : options.otherPath)
+                      << "\n";
+        else
+            std::cout << difference.at("a").dump() << " -> " << difference.at("b").dump() << "\n";
+    }
+    return differences.empty();
+}
+
+void AddConfigShow(CLI::App& config, int& status) {
+    CLI::App* const command =
+        config.add_subcommand("show", "Show every field of a configuration database file.\n"
+                                      "Example: vesk config show examples/plant.ddb");
+    const auto options = std::make_shared<ConfigOptions>();
+    command->add_option("FILE", options->path, "Configuration database file (.ddb)")
+        ->required()
+        ->type_name("");
+    command->add_flag("--json", options->json, "Print one JSON object instead of text");
+    command->callback([options, &status] {
+        ShowConfig(*options);
+        status = DONE;
+    });
+}
+
+void AddDiff(CLI::App& config, int& status) {
+    CLI::App* const command = config.add_subcommand(
+        "diff",
+        "Show the fields in which two configuration database files differ, a line each; the exit status "
+        "is 1 when there are any.\n"
+        "Example: vesk config diff old.ddb new.ddb");
+    const auto options = std::make_shared<ConfigOptions>();
+    command->add_option("A", options->path, "Configuration database file (.ddb)")->required()->type_name("");
+    command->add_option("B", options->otherPath, "The file that it is compared with")
+        ->required()
+        ->type_name("");
+    command->add_flag("--json", options->json, "Print one JSON object instead of text");
+    command->callback([options, &status] { status = DiffConfigs(*options) ? DONE : FAILED; });
+}
+
+} // namespace
+
+void AddConfig(CLI::App& program, int& status) {
+    CLI::App* const config =
+        program.add_subcommand("config", "Show and compare configuration database files.");
+    config->require_subcommand(1);
+    AddConfigShow(*config, status);
+    AddDiff(*config, status);
+}
+
+} // namespace VeskTool

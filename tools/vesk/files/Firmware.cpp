@@ -1,0 +1,223 @@
+// SPDX-License-Identifier: MIT
+#include "tools/vesk/Commands.h"
+#include "tools/vesk/files/FirmwareFile.h"
+#include "tools/vesk/text/ByteText.h"
+#include "tools/vesk/text/Failure.h"
+#include "tools/vesk/text/Numbers.h"
+#include "tools/vesk/text/Text.h"
+#include "vesk/system/Convert.h"
+#include "vesk/system/io/File.h"
+
+#include <algorithm>
+#include <filesystem>
+#include <iostream>
+#include <limits>
+#include <sys/stat.h>
+
+namespace VeskTool {
+
+using Vesk::Modules::Bootloader::FirmwareType_e;
+
+namespace {
+
+struct BuildOptions {
+    std::string imagePath;
+    std::string outputPath;
+    FirmwareFacts facts;
+    std::optional<unsigned int> crcStart;
+    std::optional<unsigned int> crcLength;
+    bool seal = false;
+};
+
+template <class Number>
+Number Parse(const std::string& name, const std::string& text) {
+    return static_cast<Number>(ParseNumber(name, text, 0, std::numeric_limits<Number>::max()));
+}
+
+/// Adds an option whose text is a Number that `target` takes.
+template <class Number, class Target>
+CLI::Option* AddNumber(CLI::App& command, const std::string& name, Target& target,
+                       const std::string& description) {
+    const auto take = [name, &target](const std::string& text) { target = Parse<Number>(name, text); };
+    return command.add_option_function<std::string>(name, take, description)->type_name("NUMBER");
+}
+
+void ParseType(FirmwareFacts& facts, const std::string& text) {
+    if (text == "bootloader")
+        facts.type = FirmwareType_e::BOOTLOADER_FIRMWARE;
+    else if (text == "application")
+        facts.type = FirmwareType_e::APPLICATION_FIRMWARE;
+    else if (text == "configuration")
+        facts.type = FirmwareType_e::CONFIGURATION_FIRMWARE;
+    else
+        throw CLI::ValidationError("--type", text + " is not bootloader, application or configuration");
+}
+
+void ParseDescription(FirmwareFacts& facts, const std::string& text) {
+    for (const char character : text)
+        if (character < ' ' || character > '~')
+            throw CLI::ValidationError("--description", "holds something else than printable ASCII");
+    if (text.size() > FirmwareFacts::MAX_DESCRIPTION)
+        throw CLI::ValidationError("--description", std::to_string(text.size()) +
+                                                        " characters are not a length from 0 to " +
+                                                        std::to_string(FirmwareFacts::MAX_DESCRIPTION));
+    facts.description = text;
+}
+
+void ParseOldest(FirmwareFacts& facts, const std::string& text) {
+    const auto dot = text.find('.');
+    if (dot == std::string::npos)
+        throw CLI::ValidationError("--oldest", text + " is not MAJOR.MINOR");
+    facts.oldestMajor = Parse<unsigned char>("--oldest", text.substr(0, dot));
+    facts.oldestMinor = Parse<unsigned char>("--oldest", text.substr(dot + 1));
+}
+
+void ParseEraseSegmentsCount(FirmwareFacts& facts, const std::vector<std::string>& texts) {
+    for (std::size_t i = 0; i < texts.size(); ++i)
+        facts.eraseSegmentsCount.at(i) = Parse<unsigned char>("--erase-segments-count", texts[i]);
+}
+
+/// A device or a folder must not give way to the new file, nor the image that it is made from.
+void CheckOutput(const BuildOptions& options) {
+    std::error_code ignored;
+    const auto status = std::filesystem::status(options.outputPath, ignored);
+    if (std::filesystem::exists(status) && !std::filesystem::is_regular_file(status))
+        throw Failure(options.outputPath + ": not a regular file");
+    if (std::filesystem::equivalent(options.outputPath, options.imagePath, ignored))
+        throw Failure(options.outputPath + ": is the image itself");
+}
+
+void Write(const std::string& path, const std::vector<unsigned char>& bytes) {
+    System::IO::File::WriteAllBytes(path, System::Array<unsigned char>::Create(bytes));
+    const ::mode_t mask = ::umask(0);
+    ::umask(mask);
+    std::filesystem::permissions(path, static_cast<std::filesystem::perms>(0666 & ~mask));
+}
+
+void Build(const BuildOptions& options) {
+    Program program = LoadProgram(options.imagePath);
+    if (options.seal)
+        Seal(program);
+    FirmwareFacts facts = options.facts;
+    constexpr std::uint64_t space = std::uint64_t{1} << 32;
+    const std::uint64_t end = std::uint64_t{facts.address} + program.size();
+    if (program.size() > MAX_PROGRAM_SIZE || end > space)
+        throw Failure(options.imagePath + ": a program of " + std::to_string(program.size()) + " bytes at " +
+                      Hex(facts.address) + " does not fit: it has up to " + std::to_string(MAX_PROGRAM_SIZE) +
+                      " bytes and ends at 0xffffffff at the latest");
+    facts.crcStart = options.crcStart.value_or(facts.address);
+    facts.crcLength = options.crcLength.value_or(
+        static_cast<unsigned int>(end - std::min<std::uint64_t>(end, facts.crcStart)));
+    const auto bytes = EncodeFirmwareFile(facts, program);
+    CheckOutput(options);
+    Write(options.outputPath, bytes);
+    const auto file = LoadFirmwareFile(options.outputPath);
+    std::cout << options.outputPath << ": " << bytes.size() << " bytes, checksum " << Hex(file->Crc) << "\n";
+}
+
+/// Failure when what the file says about its program is not true.
+nlohmann::ordered_json ToJson(const Vesk::Modules::Bootloader::TarnFile& file, bool checked) {
+    auto& counts = *file.EraseSegmentsCount;
+    return {{"description", Printable(file.Description.Value())},
+            {"type", Vesk::Modules::Bootloader::TarnFile::FirmwareTypeToString(file.FirmwareType).Value()},
+            {"moduleId", file.ModuleId},
+            {"eraseSegments", file.EraseSegments},
+            {"address", file.AddressBurnStart},
+            {"length", file.ProgramData->Count()},
+            {"crcStart", file.CrcStart},
+            {"crcLength", file.CrcLength},
+            {"crc", file.Crc},
+            {"oldest", std::to_string(file.OldestMajor) + "." + std::to_string(file.OldestMinor)},
+            {"eraseSegmentsCount", std::vector<unsigned int>(counts.Data(), counts.Data() + counts.Count())},
+            {"checked", checked}};
+}
+
+/// A program that its checksum does not fit is a failure; the text shows the file all the same.
+void Show(const std::string& path, bool json) {
+    const auto file = LoadFirmwareFile(path);
+    const auto covered = CoveredChecksum(*file);
+    const bool damaged = covered && *covered != file->Crc;
+    if (!json)
+        std::cout << file->ToString().Value() << "Checksum: "
+                  << (!covered  ? "covers other bytes than the program's, cannot be checked"
+                      : damaged ? "does not fit the program"
+                                : "fits the program")
+                  << std::endl;
+    if (damaged)
+        throw Failure(Damage(path, *file, *covered));
+    if (json)
+        std::cout << JsonText(ToJson(*file, covered.has_value()));
+}
+
+void AddFirmwareShow(CLI::App& firmware, int& status) {
+    CLI::App* const command = firmware.add_subcommand(
+        "show", "Show what a firmware file says about its program, and whether its checksum fits.\n"
+                "Example: vesk firmware show examples/firmware/vt22-1.5.0.fw");
+    const auto path = std::make_shared<std::string>();
+    const auto json = std::make_shared<bool>(false);
+    command->add_option("FILE", *path, "Firmware file")->required();
+    command->add_flag("--json", *json, "Print one JSON object instead of text");
+    command->callback([path, json, &status] {
+        Show(*path, *json);
+        status = DONE;
+    });
+}
+
+void AddBuild(CLI::App& firmware, int& status) {
+    CLI::App* const command = firmware.add_subcommand(
+        "build", "Make a firmware file of a program image. Numbers are decimal, or hexadecimal after 0x.\n"
+                 "Example: vesk firmware build image.bin -o vt22.fw --type application --module-id 0x201 "
+                 "--address 0x20000");
+    const auto options = std::make_shared<BuildOptions>();
+    FirmwareFacts& facts = options->facts;
+    command->add_option("IMAGE", options->imagePath, "Program image")->required();
+    command->add_option("-o,--output", options->outputPath, "File to make")->required();
+    command
+        ->add_option_function<std::string>(
+            "--type", [&facts](const std::string& text) { ParseType(facts, text); },
+            "bootloader, application or configuration")
+        ->required()
+        ->type_name("TYPE");
+    AddNumber<unsigned short>(*command, "--module-id", facts.moduleId, "Module identification")->required();
+    AddNumber<unsigned int>(*command, "--address", facts.address, "Flash address of the program")->required();
+    command
+        ->add_option_function<std::string>(
+            "--description", [&facts](const std::string& text) { ParseDescription(facts, text); },
+            "Text of up to 64 characters")
+        ->type_name("TEXT");
+    AddNumber<unsigned short>(*command, "--erase-segments", facts.eraseSegments, "Erase segments");
+    command
+        ->add_option_function<std::vector<std::string>>(
+            "--erase-segments-count",
+            [&facts](const std::vector<std::string>& texts) { ParseEraseSegmentsCount(facts, texts); },
+            "Up to 22 counts, with commas between")
+        ->delimiter(',')
+        ->expected(1, static_cast<int>(facts.eraseSegmentsCount.size()))
+        ->type_name("NUMBER,...");
+    command
+        ->add_option_function<std::string>(
+            "--oldest", [&facts](const std::string& text) { ParseOldest(facts, text); },
+            "Oldest version that it is compatible with")
+        ->type_name("MAJOR.MINOR");
+    AddNumber<unsigned int>(*command, "--crc-start", options->crcStart,
+                            "Address of the first byte under the checksum (the program's first)");
+    AddNumber<unsigned int>(*command, "--crc-length", options->crcLength,
+                            "Bytes under the checksum (up to the program's end)");
+    command->add_flag("--seal", options->seal,
+                      "Append the program's own checksum, which the virtual module checks before it runs it");
+    command->callback([options, &status] {
+        Build(*options);
+        status = DONE;
+    });
+}
+
+} // namespace
+
+void AddFirmware(CLI::App& program, int& status) {
+    CLI::App* const firmware = program.add_subcommand("firmware", "Make and show firmware files.");
+    firmware->require_subcommand(1);
+    AddFirmwareShow(*firmware, status);
+    AddBuild(*firmware, status);
+}
+
+} // namespace VeskTool

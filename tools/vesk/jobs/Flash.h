@@ -1,0 +1,57 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "tools/vesk/session/Link.h"
+#include "tools/vesk/text/Console.h"
+#include "vesk/modules/bootloader/TarnFile.h"
+
+#include <memory>
+#include <string>
+
+namespace VeskTool {
+
+class BootloaderSession;
+
+/// The firmware update: shows the file and the module, boots the module into its bootloader, asks, downloads
+/// the file, and starts the module as the master again to see what runs now.
+class Flash {
+public:
+    struct Options {
+        std::string firmwarePath;
+        bool bootloader = false; // replace the bootloader instead of the application
+        bool yes = false;        // do not ask
+        bool dryRun = false;     // do everything but write
+    };
+
+    Flash(Options options, Link link, Console console);
+
+    /// Failure, or an exception of the library, where something does not go well.
+    void Execute();
+
+private:
+    /// What the master says about itself.
+    struct Versions {
+        std::string firmware;
+        std::string bootloader;
+    };
+
+    void CheckFile() const;
+    void ShowFile();
+    Versions RunMaster();
+    void ShowMasterBefore();
+    void ShowBootloader(BootloaderSession& session);
+    void Consent();
+    void Download(BootloaderSession& session);
+    void ShowMasterAfter();
+
+    void Line(const std::string& text);
+
+    Options _options;
+    Link _link;
+    Console _console;
+    std::shared_ptr<Vesk::Modules::Bootloader::TarnFile> _file;
+    bool _damaged = false; // its own checksum does not fit
+    Versions _before;
+};
+
+} // namespace VeskTool

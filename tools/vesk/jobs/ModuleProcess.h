@@ -1,0 +1,54 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "tools/vesk/jobs/SharedFile.h"
+#include "tools/vesk/text/Console.h"
+#include "virtualmodule/Module.h"
+
+#include <chrono>
+#include <csignal>
+#include <string>
+#include <vector>
+
+namespace VeskTool {
+
+/// The virtual module as a process of its own, for a host in another one: on a DPRAM file and a lines file
+/// that both map, with its flash in a file.
+class ModuleProcess {
+public:
+    struct Options {
+        std::string dpRamPath;
+        std::string linesPath;
+        std::string flashPath; // empty: the flash lasts as long as the process
+        VirtualModule::Options module;
+        std::vector<unsigned int> absentSlaves; // addresses at which nothing answers on the bus
+        double speed = 1;                       // of the module's clock
+        bool log = false;
+    };
+
+    /// Takes the files; Failure, or std::runtime_error for the flash, where one cannot be used.
+    ModuleProcess(Options options, const Console& console);
+
+    /// Plays the module until SIGINT or SIGTERM.
+    void Execute();
+
+private:
+    std::int64_t ModuleTime() const;
+    VirtualModule::Options ModuleOptions();
+    VirtualModule::Flash LoadFlash() const;
+    void SaveFlash();
+    void ReportViolations();
+    void Log(const std::string& text);
+
+    Options _options;
+    Console _console;
+    std::chrono::steady_clock::time_point _start = std::chrono::steady_clock::now();
+    SharedFile _dpRam;
+    SharedFile _lines;
+    VirtualModule::Flash _flash;
+    std::uint64_t _savedWrites = 0;
+    VirtualModule::Module _module;
+    std::size_t _reportedViolations = 0;
+};
+
+} // namespace VeskTool

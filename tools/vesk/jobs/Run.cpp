@@ -1,0 +1,249 @@
+// SPDX-License-Identifier: MIT
+#include "tools/vesk/jobs/Run.h"
+
+#include "tools/vesk/Commands.h"
+#include "tools/vesk/files/DatabaseFile.h"
+#include "tools/vesk/session/LinkOptions.h"
+#include "tools/vesk/session/PlantFlash.h"
+#include "tools/vesk/text/Failure.h"
+#include "tools/vesk/text/Text.h"
+
+#include <algorithm>
+#include <iostream>
+
+namespace VeskTool {
+
+using namespace Vesk::Modules::DPVM;
+using Bytes = std::shared_ptr<System::IArray<unsigned char>>;
+using ResponseAction = IDPVMModule::ResponseAction;
+
+// A record that the test of the services may overwrite: slot 1 is the first module of a slave, and 200 lies
+// in the indexes that manufacturers use for themselves.
+static constexpr unsigned char TEST_SLOT = 1;
+static constexpr unsigned char TEST_INDEX = 200;
+
+static constexpr auto EXCHANGE_TIMEOUT = std::chrono::seconds(5);
+
+Run::Run(Options options, std::shared_ptr<Config::IBusConfig> config, Link link, std::ostream& out)
+    : _options(std::move(options)), _config(std::move(config)), _link(std::move(link)), _out(out) {}
+
+void Run::Execute() {
+    const std::string name = _options.configPath.empty() ? "the plant of the examples" : _options.configPath;
+    _report["config"] = name;
+    _report["link"] = _link.description;
+    Line("vesk run " + name + ", " + std::to_string(_config->SlaveAddresses()->Count()) + " slaves, on a " +
+         _link.description);
+    FirstLife();
+    SecondLife();
+    Summarize();
+}
+
+void Run::FirstLife() {
+    Line("\nFirst life");
+    Session session(_link, _config);
+    BringUp(session);
+    ShowModule(session);
+    ProcessImage image(*_config, session.Module());
+    session.Module().BeginInitialization();
+    session.UpdateUntil([&] { return session.Module().Initialized(); }, "INITIALIZED");
+    session.Module().SetOperationMode(OperationMode_e::OPERATE);
+    session.UpdateUntil(
+        [&] { return session.Online() == true && session.Mode() == OperationMode_e::OPERATE; },
+        "the operation mode OPERATE");
+    Line("  online, operation mode OPERATE");
+    Exchange(session, image);
+    UseServices(session);
+    ShowBus(session);
+    _report["firstLife"]["states"] = StatesToJson(session.Steps());
+}
+
+void Run::SecondLife() {
+    Line("\nSecond life, on the same flash");
+    Session session(_link, _config);
+    BringUp(session);
+    session.Module().BeginInitialization();
+    session.UpdateUntil([&] { return session.Module().Initialized(); }, "INITIALIZED");
+    CheckDownloads("second", session, 0);
+    Line("  nothing was downloaded");
+    _report["secondLife"]["states"] = StatesToJson(session.Steps());
+}
+
+void Run::BringUp(Session& session) {
+    session.OnState([this](const Session::Step& step) {
+        Line("  " + Padded(Vt22Module::StateToString(step.state).Value(), 18) +
+             Milliseconds(step.milliseconds));
+    });
+    session.UpdateUntil([&] { return session.Module().Configured(); }, "DOWNLOAD_COMPLETE");
+}
+
+/// A download ends in a reset, so each one shows as a second POWER_OFF.
+void Run::CheckDownloads(const char* life, const Session& session, int expected) {
+    const auto powerOffs =
+        std::count_if(session.Steps().begin(), session.Steps().end(),
+                      [](const auto& step) { return step.state == Session::State::POWER_OFF; });
+    if (powerOffs - 1 != expected)
+        throw Failure("The " + std::string(life) + " life downloaded the configuration " +
+                      std::to_string(powerOffs - 1) + " times instead of " + std::to_string(expected));
+}
+
+void Run::ShowModule(Session& session) {
+    Vt22Module& module = session.Module();
+    const std::string bootloader = Version({module.BootloaderMajor(), module.BootloaderMinor()});
+    const std::string software =
+        Version({module.SoftwareMajor(), module.SoftwareMinor(), module.SoftwareBuild()});
+    Line("  module type " + Hex(module.ModuleType()) + ", fieldbus type " + Hex(module.FieldbusType()) +
+         ", vendor " + Hex(module.VendorId()) + ", serial " + Hex(module.Serial()) + ", firmware " +
+         software + ", bootloader " + bootloader);
+    _report["module"] = {{"moduleType", module.ModuleType()},
+                         {"fieldbusType", module.FieldbusType()},
+                         {"vendorId", module.VendorId()},
+                         {"serial", module.Serial()},
+                         {"software", software},
+                         {"bootloader", bootloader}};
+    const auto database = module.GetDatabaseInfo();
+    Line("  database " + database->Description.Value() + ": " + std::to_string(database->NoOfSlaves) +
+         " slaves, " + std::to_string(database->TotalInputLength) + " bytes in, " +
+         std::to_string(database->TotalOutputLength) + " bytes out");
+    _report["database"] = {{"description", database->Description.Value()},
+                           {"slaves", database->NoOfSlaves},
+                           {"inputLength", database->TotalInputLength},
+                           {"outputLength", database->TotalOutputLength}};
+}
+
+void Run::Exchange(Session& session, ProcessImage& image) {
+    const auto start = std::chrono::steady_clock::now();
+    for (unsigned int cycle = 0; cycle < _options.cycles; ++cycle)
+        ExchangeOnce(session, image, cycle);
+    const std::chrono::duration<double, std::milli> passed = std::chrono::steady_clock::now() - start;
+    Line("  " + std::to_string(_options.cycles) + " cycles of " + std::to_string(image.InputLength()) +
+         " bytes in and " + std::to_string(image.OutputLength()) + " bytes out in " +
+         Milliseconds(passed.count()) + ", every byte as expected");
+    _report["exchange"] = {{"cycles", _options.cycles},
+                           {"inputLength", image.InputLength()},
+                           {"outputLength", image.OutputLength()},
+                           {"milliseconds", passed.count()},
+                           {"mismatches", 0}};
+}
+
+/// Writes the pattern of the cycle and updates until it has come back whole. The data of one hand-over belong
+/// together, so until then the output has to be that of the cycle before.
+void Run::ExchangeOnce(Session& session, ProcessImage& image, unsigned int cycle) {
+    image.Write(cycle);
+    const auto end = std::chrono::steady_clock::now() + EXCHANGE_TIMEOUT;
+    while (!image.Holds(cycle)) {
+        if (cycle > 0 && !image.Holds(cycle - 1))
+            throw Failure("Cycle " + std::to_string(cycle) + ": " + image.FirstDifference(cycle));
+        if (std::chrono::steady_clock::now() > end)
+            throw Failure("Cycle " + std::to_string(cycle) +
+                          " does not come back: " + image.FirstDifference(cycle));
+        session.Update();
+    }
+}
+
+/// Asks for `read`, and throws unless its answer is `written`.
+static void CheckReadBack(Session& session, const Session::Service& read, const Bytes& written,
+                          const std::string& what) {
+    const Bytes data = session.Ask(read, what)->Data();
+    if (!std::equal(data->Data(), data->Data() + data->Count(), written->Data(),
+                    written->Data() + written->Count()))
+        throw Failure(what + " returned " + HexBytes(*data) + " instead of " + HexBytes(*written));
+}
+
+void Run::UseServices(Session& session) {
+    if (_config->SlaveAddresses()->Count() == 0)
+        return Line("  no slave, so no acyclic services");
+    Vt22Module& module = session.Module();
+    const unsigned char slave = _config->SlaveAddresses()->Get(0);
+    const std::string record = " of record " + std::to_string(TEST_SLOT) + "/" + std::to_string(TEST_INDEX) +
+                               " of slave " + std::to_string(slave);
+    const Bytes first = System::Array<unsigned char>::Create({0x56, 0x54, 0x32, 0x32, 0x00, 0xFF});
+    const Bytes second = System::Array<unsigned char>::Create({0xC2, 0x01});
+    const auto length = [](const Bytes& data) { return static_cast<unsigned char>(data->Count()); };
+
+    session.Ask([&](ResponseAction a) { module.Class1Write(slave, TEST_SLOT, TEST_INDEX, first, a); },
+                "Class 1 write" + record);
+    CheckReadBack(
+        session, [&](ResponseAction a) { module.Class1Read(slave, TEST_SLOT, TEST_INDEX, length(first), a); },
+        first, "Class 1 read" + record);
+    Line("  Class 1 write and read" + record + ": " + HexBytes(*first));
+
+    session.Ask([&](ResponseAction a) { module.Class2Initiate(slave, a); }, "Class 2 initiate");
+    session.Ask([&](ResponseAction a) { module.Class2Write(slave, TEST_SLOT, TEST_INDEX, second, a); },
+                "Class 2 write" + record);
+    CheckReadBack(
+        session,
+        [&](ResponseAction a) { module.Class2Read(slave, TEST_SLOT, TEST_INDEX, length(second), a); }, second,
+        "Class 2 read" + record);
+    session.Ask([&](ResponseAction a) { module.Class2Abort(slave, 0, 0, a); }, "Class 2 abort");
+    Line("  Class 2 write and read" + record + ": " + HexBytes(*second));
+    _report["services"] = {{"slave", slave}, {"class1", HexBytes(*first)}, {"class2", HexBytes(*second)}};
+}
+
+void Run::ShowBus(Session& session) {
+    Vt22Module& module = session.Module();
+    const Bytes liveList =
+        session.Ask([&](ResponseAction a) { module.GetLiveList(a); }, "the live list")->Data();
+    const auto show = [this](const char* name, const char* key, const std::vector<int>& stations) {
+        Line("  " + Padded(name, 18) + Addresses(stations));
+        _report["bus"][key] = stations;
+    };
+    show("live list", "liveList", LiveStations(*liveList));
+    show("configured", "slaveConfigured", ListedStations(*module.GetSlaveConfiguredList()));
+    show("data transfer", "dataTransfer", ListedStations(*module.GetDataTransferList()));
+    show("diagnostics", "slaveDiagnostic", ListedStations(*module.GetSlaveDiagnosticList()));
+    show("DP-V1 connections", "dpv1Connection", ListedStations(*module.GetDpv1ConnectionLiveList()));
+    const std::string mode = session.Mode() ? ModeName(*session.Mode()) : "unknown";
+    Line("  " + Padded("operation mode", 18) + mode);
+    _report["bus"]["operationMode"] = mode;
+
+    std::vector<int> configured;
+    const auto addresses = _config->SlaveAddresses();
+    configured.reserve(static_cast<std::size_t>(addresses->Count()));
+    for (int i = 0; i < addresses->Count(); ++i)
+        configured.push_back(addresses->Get(i));
+    std::sort(configured.begin(), configured.end());
+    if (ListedStations(*module.GetDataTransferList()) != configured)
+        throw Failure("Not every configured slave exchanges data: " + Addresses(configured) +
+                      " are configured");
+}
+
+void Run::Summarize() {
+    const auto violations = _link.violations ? _link.violations() : std::vector<std::string>();
+    if (!violations.empty())
+        throw Failure("The module saw the host break the protocol: " + violations.front());
+    _report["ok"] = true;
+    Line("\nAll held: " + std::to_string(_config->SlaveAddresses()->Count()) + " slaves, " +
+         std::to_string(_options.cycles) + " cycles, 0 mismatches, 2 lives.");
+    if (_options.json)
+        _out << _report.dump(2) << "\n";
+}
+
+void Run::Line(const std::string& text) {
+    if (!_options.json)
+        _out << text << std::endl;
+}
+
+void AddRun(CLI::App& program, int& status) {
+    static constexpr auto* DESCRIPTION =
+        "Power the module up, bring its database in line with CONFIG, exchange and check process data with "
+        "every slave, use each kind of service, and do the start once more on the same flash.\n"
+        "The check expects the slaves of the virtual module, which send back what they get, and overwrites a "
+        "record of the first slave: do not run it on a machine.\n"
+        "Example: vesk run examples/plant.ddb --cycles 5000";
+    const auto options = std::make_shared<Run::Options>();
+    CLI::App* const command = program.add_subcommand("run", DESCRIPTION);
+    command->add_option("CONFIG", options->configPath,
+                        "Configuration database file (.ddb); without one the plant of the examples");
+    command->add_option("--cycles", options->cycles, "Process data exchanges to check")
+        ->capture_default_str();
+    command->add_flag("--json", options->json, "Print one JSON object instead of text");
+    const auto link = std::make_shared<LinkOptions>();
+    link->AddTo(*command);
+    command->callback([options, link, &status] {
+        const auto config = options->configPath.empty() ? Plant() : LoadDatabaseFile(options->configPath);
+        Run(*options, config, link->Open(), std::cout).Execute();
+        status = DONE;
+    });
+}
+
+} // namespace VeskTool

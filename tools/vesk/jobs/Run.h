@@ -1,0 +1,52 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "tools/vesk/jobs/ProcessImage.h"
+#include "tools/vesk/session/Session.h"
+
+#include <nlohmann/json.hpp>
+#include <ostream>
+
+namespace VeskTool {
+
+/// The main job: two lives of a configured master. In the first the module is powered up and identified, its
+/// database brought in line, the process data of every slave exchanged and checked byte by byte, and each
+/// kind of service used; the second has to find the database in place.
+class Run {
+public:
+    struct Options {
+        std::string configPath;
+        unsigned int cycles = 1000;
+        bool json = false;
+    };
+
+    /// `config` is what the file in the options holds.
+    Run(Options options, std::shared_ptr<Vesk::Modules::DPVM::Config::IBusConfig> config, Link link,
+        std::ostream& out);
+
+    /// Failure, or an exception of the library, where something does not hold.
+    void Execute();
+
+private:
+    void FirstLife();
+    void SecondLife();
+
+    void BringUp(Session& session);
+    void ShowModule(Session& session);
+    void Exchange(Session& session, ProcessImage& image);
+    void ExchangeOnce(Session& session, ProcessImage& image, unsigned int cycle);
+    void UseServices(Session& session);
+    void ShowBus(Session& session);
+    void CheckDownloads(const char* life, const Session& session, int expected);
+    void Summarize();
+
+    void Line(const std::string& text);
+
+    Options _options;
+    std::shared_ptr<Vesk::Modules::DPVM::Config::IBusConfig> _config;
+    Link _link;
+    std::ostream& _out;
+    nlohmann::json _report; // what --json prints
+};
+
+} // namespace VeskTool

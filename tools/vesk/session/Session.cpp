@@ -1,0 +1,182 @@
+// SPDX-License-Identifier: MIT
+#include "tools/vesk/session/Session.h"
+
+#include "tools/vesk/text/Text.h"
+#include "vesk/modules/dpvm/CreateHostInterface.h"
+#include "vesk/modules/dpvm/DPVMMessages.h"
+
+#include <algorithm>
+#include <chrono>
+#include <thread>
+
+namespace VeskTool {
+
+using namespace Vesk::Modules::DPVM;
+using System::DateTime;
+using Vesk::Mailbox::ErrorCode;
+
+static constexpr double TIMEOUT_SECONDS = 15;
+
+/// How long slaves may take to be parameterised, configured and taken into the exchange.
+static constexpr double SETTLING_SECONDS = 1;
+
+static constexpr int SERVICE_SECONDS = 3;
+
+// The word of an INVALID_OTHER answer that says why, and its value where there is no database.
+static constexpr int REASON_WORD = 7;
+static constexpr unsigned short NO_DATABASE = 1;
+
+Refusal::Refusal(const std::string& what, ErrorCode& error)
+    : Failure("The module refused " + what + ": " + error.Name.Value() + " (" + Hex(error.Id) + ")"),
+      _code(error.Id) {}
+
+Session::Session(const Link& link, std::shared_ptr<Config::IBusConfig> config)
+    : _hasConfig(config != nullptr) {
+    const auto reports = _reports;
+    _module = Vt22Module::Create(
+        CreateHostInterface(link.dpRamPath, link.offset, link.velmoIrq_n, link.reset_n,
+                            link.bootloader_enable_n),
+        System::Func<void>::Create([reports] { reports->online = false; }),
+        System::Func<void>::Create([reports] { reports->online = true; }),
+        System::ArgFunc<OperationMode, void>::Create([reports](OperationMode mode) { reports->mode = mode; }),
+        std::move(config));
+    NoteState();
+}
+
+void Session::OnState(std::function<void(const Step&)> observer) {
+    _stateObserver = std::move(observer);
+    for (const Step& step : _steps)
+        _stateObserver(step);
+}
+
+static double SecondsSince(const DateTime& start) {
+    return static_cast<double>((DateTime::Now() - start).Nanoseconds()) / 1e9;
+}
+
+// ---- how far the module is
+
+void Session::Reach(Need need) {
+    if (need == Need::NOTHING)
+        return;
+    UpdateUntil([this] { return _module->Booted(); }, "BOOTED");
+    if (need == Need::BOOTED)
+        return;
+    if (_hasConfig)
+        UpdateUntil([this] { return _module->Configured(); }, "DOWNLOAD_COMPLETE");
+    if (need == Need::CONFIGURED)
+        return;
+    Initialise();
+    if (need == Need::OPERATING)
+        Operate();
+}
+
+void Session::Initialise() {
+    if (_module->State() < State::INITIALIZING) {
+        if (!_hasConfig && !AskForDatabase())
+            throw Failure("The module holds no database, so it cannot go onto a bus",
+                          "Download one: vesk download CONFIG.ddb");
+        _module->BeginInitialization();
+    }
+    UpdateUntil([this] { return _module->Initialized(); }, "INITIALIZED");
+}
+
+void Session::Operate() {
+    if (_settled)
+        return;
+    SetMode(OperationMode_e::OPERATE);
+    UpdateFor(SETTLING_SECONDS, [this] { return AllExchange(); });
+    _settled = true;
+}
+
+bool Session::AllExchange() {
+    const auto configured = _module->GetSlaveConfiguredList();
+    const auto dataTransfer = _module->GetDataTransferList();
+    return std::equal(configured->Data(), configured->Data() + configured->Count(), dataTransfer->Data());
+}
+
+// ---- the loop
+
+void Session::Update() {
+    _module->Update();
+    NoteState();
+    if (_updateObserver)
+        _updateObserver();
+    std::this_thread::sleep_for(std::chrono::microseconds(20));
+}
+
+void Session::NoteState() {
+    const State state = _module->State();
+    if (!_steps.empty() && _steps.back().state == state)
+        return;
+    _steps.push_back({state, SecondsSince(_start) * 1000});
+    if (_stateObserver)
+        _stateObserver(_steps.back());
+}
+
+void Session::UpdateUntil(const std::function<bool()>& reached, const std::string& what) {
+    const DateTime start = DateTime::Now();
+    while (!reached()) {
+        if (SecondsSince(start) > TIMEOUT_SECONDS)
+            throw Failure("Timeout waiting for " + what, "See what is not right: vesk status");
+        Update();
+    }
+}
+
+void Session::UpdateFor(double seconds, const std::function<bool()>& reached) {
+    for (const DateTime start = DateTime::Now(); !reached() && SecondsSince(start) < seconds;)
+        Update();
+}
+
+// ---- services
+
+Session::Response Session::TryAsk(const Service& service, const std::string& what) {
+    const auto answer = std::make_shared<Response>();
+    service(System::ArgFunc<Response, void>::Create(
+        [answer](Response response) { *answer = std::move(response); }));
+    UpdateUntil([&] { return *answer != nullptr; }, "the answer to " + what);
+    return *answer;
+}
+
+Session::Response Session::Ask(const Service& service, const std::string& what) {
+    const Response answer = TryAsk(service, what);
+    if (answer->Error() != ErrorCode::NO_ERROR)
+        throw Refusal(what, *answer->Error());
+    return answer;
+}
+
+std::shared_ptr<DatabaseInfo> Session::AskForDatabase() {
+    const std::string what = "the request for the database information";
+    const Response answer = TryAsk(
+        [this](IDPVMModule::ResponseAction action) {
+            _module->Enqueue(DPVMMessages::GetDatabaseInfo(), std::move(action), SERVICE_SECONDS);
+        },
+        what);
+    if (answer->Error() == ErrorCode::NO_ERROR)
+        return DatabaseInfo::FromMailboxResponse(answer);
+    if (answer->Error() == ErrorCode::INVALID_OTHER && answer->Extended()->Get(REASON_WORD) == NO_DATABASE)
+        return nullptr;
+    throw Refusal(what, *answer->Error());
+}
+
+void Session::SetMode(OperationMode mode) {
+    const bool online = mode != OperationMode_e::OFFLINE;
+    _module->SetOperationMode(mode);
+    UpdateUntil([&] { return Online() == online && (!online || Mode() == mode); },
+                "the operation mode " + ModeName(mode));
+}
+
+std::string ModeName(Session::OperationMode mode) {
+    switch (mode) {
+    case OperationMode_e::OFFLINE:
+        return "OFFLINE";
+    case OperationMode_e::STOP:
+        return "STOP";
+    case OperationMode_e::CLEAR:
+        return "CLEAR";
+    case OperationMode_e::OPERATE:
+        return "OPERATE";
+    }
+    return Hex(static_cast<unsigned int>(mode));
+}
+
+} // namespace VeskTool

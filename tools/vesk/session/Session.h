@@ -1,0 +1,118 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "tools/vesk/session/Link.h"
+#include "tools/vesk/text/Failure.h"
+#include "vesk/modules/dpvm/Vt22Module.h"
+#include "vesk/system/DateTime.h"
+
+#include <functional>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace VeskTool {
+
+/// How far a module has to be before it can do what it is asked for.
+enum class Need {
+    NOTHING,     // whatever it does
+    BOOTED,      // it runs, and is the expected one
+    CONFIGURED,  // its database is that of the session's configuration
+    INITIALISED, // it has gone onto its bus
+    OPERATING,   // it is online in OPERATE, and its slaves had their time to start
+};
+
+/// A request that the module answered with an error.
+class Refusal : public Failure {
+public:
+    Refusal(const std::string& what, Vesk::Mailbox::ErrorCode& error);
+
+    unsigned char Code() const { return _code; }
+
+private:
+    unsigned char _code;
+};
+
+/// One life of the master module: the module object, the loop around its Update, and what the module reported
+/// meanwhile. A new session resets the module. Its time-outs run on the library's clock.
+class Session {
+public:
+    using State = Vesk::Modules::DPVM::Vt22Module::ModuleState_e;
+    using OperationMode = Vesk::Modules::DPVM::OperationMode_e;
+    using Service = std::function<void(Vesk::Modules::DPVM::IDPVMModule::ResponseAction)>;
+    using Response = std::shared_ptr<Vesk::Mailbox::IResponse>;
+
+    struct Step {
+        State state;
+        double milliseconds; // since the start of the session
+    };
+
+    /// `config` may be null: then the module's database is taken as it is. The library's exceptions pass
+    /// through.
+    Session(const Link& link, std::shared_ptr<Vesk::Modules::DPVM::Config::IBusConfig> config);
+
+    Vesk::Modules::DPVM::Vt22Module& Module() { return *_module; }
+
+    /// Called with each state that is reached, the first one included.
+    void OnState(std::function<void(const Step&)> observer);
+
+    /// Called after each Update.
+    void OnUpdate(std::function<void()> observer) { _updateObserver = std::move(observer); }
+
+    /// Goes on until the module is as far as that; returns at once where it is already. Failure where the
+    /// module holds no database.
+    void Reach(Need need);
+
+    /// One Update, and a moment's rest for the processor.
+    void Update();
+
+    /// Updates until `reached` says so; Failure "Timeout waiting for `what`" after 15 s, which is longer than
+    /// any time-out of the library.
+    void UpdateUntil(const std::function<bool()>& reached, const std::string& what);
+
+    /// Updates for that long, or until `reached` says so.
+    void UpdateFor(double seconds, const std::function<bool()>& reached);
+
+    /// Asks for a service and updates until it is answered, whatever the answer.
+    Response TryAsk(const Service& service, const std::string& what);
+    /// The same; Refusal for an error answer.
+    Response Ask(const Service& service, const std::string& what);
+
+    /// What the module says about its database; null if it holds none. Refusal for any other error.
+    std::shared_ptr<Vesk::Modules::DPVM::DatabaseInfo> AskForDatabase();
+
+    /// Asks for an operation mode and updates until the module reports it.
+    void SetMode(OperationMode mode);
+
+    const std::vector<Step>& Steps() const { return _steps; }
+
+    /// What the module last reported; nothing before its first report.
+    std::optional<bool> Online() const { return _reports->online; }
+
+    std::optional<OperationMode> Mode() const { return _reports->mode; }
+
+private:
+    struct Reports {
+        std::optional<bool> online;
+        std::optional<OperationMode> mode;
+    };
+
+    void NoteState();
+    void Initialise();
+    void Operate();
+    bool AllExchange();
+
+    System::DateTime _start = System::DateTime::Now();
+    std::shared_ptr<Reports> _reports = std::make_shared<Reports>();
+    std::shared_ptr<Vesk::Modules::DPVM::Vt22Module> _module;
+    bool _hasConfig;
+    bool _settled = false; // the slaves had their time
+    std::vector<Step> _steps;
+    std::function<void(const Step&)> _stateObserver;
+    std::function<void()> _updateObserver;
+};
+
+/// "OPERATE" and so on; the value in hexadecimal for what is no mode.
+std::string ModeName(Session::OperationMode mode);
+
+} // namespace VeskTool

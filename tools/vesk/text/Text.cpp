@@ -1,0 +1,82 @@
+// SPDX-License-Identifier: MIT
+#include "tools/vesk/text/Text.h"
+
+#include "vesk/system/Convert.h"
+
+#include <cstdio>
+
+namespace VeskTool {
+
+/// The byte of a live list that says that a station does not answer.
+static constexpr unsigned char NO_STATION = 0x04;
+
+std::string Hex(unsigned int value) {
+    return "0x" + System::Convert::ToString(value, 16).Value();
+}
+
+std::string HexBytes(System::IArray<unsigned char>& bytes) {
+    std::string text;
+    for (int i = 0; i < bytes.Count(); ++i)
+        text += (i ? " " : "") + System::Convert::ToString(bytes.Get(i), 16).PadLeft(2, '0').Value();
+    return text.empty() ? "-" : text;
+}
+
+std::string ChecksumText(unsigned int checksum) {
+    return System::Convert::ToString(checksum, 16).PadLeft(8, '0').Value();
+}
+
+std::string Version(std::initializer_list<unsigned int> parts) {
+    std::string text;
+    for (const unsigned int part : parts)
+        text += (text.empty() ? "" : ".") + std::to_string(part);
+    return text;
+}
+
+std::string Milliseconds(double milliseconds) {
+    char text[64];
+    std::snprintf(text, sizeof text, "%.1f ms", milliseconds);
+    return text;
+}
+
+std::string Padded(const std::string& text, std::size_t width) {
+    return text.size() < width ? text + std::string(width - text.size(), ' ') : text;
+}
+
+std::string Addresses(const std::vector<int>& stations) {
+    std::string text;
+    for (std::size_t i = 0; i < stations.size(); ++i) {
+        const std::size_t first = i;
+        while (i + 1 < stations.size() && stations[i + 1] == stations[i] + 1)
+            ++i;
+        text += (text.empty() ? "" : ", ") + std::to_string(stations[first]);
+        if (i > first)
+            text += "-" + std::to_string(stations[i]);
+    }
+    return text.empty() ? "none" : text;
+}
+
+std::vector<int> ListedStations(System::IArray<unsigned char>& list) {
+    std::vector<int> stations;
+    for (int address = 0; address < 8 * list.Count(); ++address)
+        if (list.Get(address / 8) >> address % 8 & 1)
+            stations.push_back(address);
+    return stations;
+}
+
+std::vector<int> LiveStations(System::IArray<unsigned char>& liveList) {
+    std::vector<int> stations;
+    for (int address = 0; address < liveList.Count(); ++address)
+        if (liveList.Get(address) != NO_STATION)
+            stations.push_back(address);
+    return stations;
+}
+
+nlohmann::json StatesToJson(const std::vector<Session::Step>& steps) {
+    nlohmann::json states = nlohmann::json::array();
+    for (const Session::Step& step : steps)
+        states.push_back({{"state", Vesk::Modules::DPVM::Vt22Module::StateToString(step.state).Value()},
+                          {"milliseconds", step.milliseconds}});
+    return states;
+}
+
+} // namespace VeskTool

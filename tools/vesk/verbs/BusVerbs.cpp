@@ -1,0 +1,196 @@
+// SPDX-License-Identifier: MIT
+// The verbs that change something on the bus: start, stop, mode and set-address.
+#include "tools/vesk/Commands.h"
+#include "tools/vesk/text/Numbers.h"
+#include "tools/vesk/text/Text.h"
+#include "tools/vesk/verbs/Stations.h"
+#include "vesk/modules/dpvm/DPVMMessages.h"
+
+#include <algorithm>
+#include <cctype>
+
+namespace VeskTool {
+
+using namespace Vesk::Modules::DPVM;
+using ResponseAction = IDPVMModule::ResponseAction;
+
+namespace {
+
+/// Slaves that can be started and stopped have the addresses 0 to 125, a byte each in the request.
+constexpr unsigned int HIGHEST_SLAVE = 125;
+
+/// How long a change on the bus may take until the lists show it.
+constexpr double CHANGE_SECONDS = 1;
+
+constexpr int SERVICE_SECONDS = 3;
+
+// ---- vesk start, vesk stop
+
+void CheckConfigured(const Json& addresses, const std::vector<int>& configured) {
+    for (const Json& address : addresses)
+        if (std::find(configured.begin(), configured.end(), address.get<int>()) == configured.end())
+            throw Failure("Slave " + address.dump() + " is not in the module's database, which has " +
+                              Addresses(configured),
+                          "See the slaves: vesk slaves");
+}
+
+Json SetStarted(Session& session, const Json& arguments, bool started) {
+    Vt22Module& module = session.Module();
+    const Json& addresses = arguments["addresses"];
+    CheckConfigured(addresses, ListedStations(*module.GetSlaveConfiguredList()));
+    const auto flags = System::Array<unsigned char>::Create(HIGHEST_SLAVE + 1);
+    for (const Json& address : addresses)
+        flags->Set(address.get<int>(), 1);
+    session.Ask(
+        [&](ResponseAction action) {
+            started ? module.StartSlaves(flags, action) : module.StopSlaves(flags, action);
+        },
+        started ? "the start of slaves" : "the stop of slaves");
+    const auto exchanges = [&](const Json& address) {
+        return Lists(ListedStations(*module.GetDataTransferList()), address.get<unsigned int>());
+    };
+    const auto reached = [&] {
+        return std::all_of(addresses.begin(), addresses.end(),
+                           [&](const Json& address) { return exchanges(address) == started; });
+    };
+    session.UpdateFor(CHANGE_SECONDS, reached);
+    Json slaves = Json::array();
+    for (const Json& address : addresses)
+        slaves.push_back({{"address", address}, {"dataTransfer", exchanges(address)}});
+    return {{"ok", reached()}, {"slaves", slaves}};
+}
+
+Json AnswerStart(Session& session, const Json& arguments) {
+    return SetStarted(session, arguments, true);
+}
+
+Json AnswerStop(Session& session, const Json& arguments) {
+    return SetStarted(session, arguments, false);
+}
+
+std::string StartedText(const Json& facts, const Paint&) {
+    std::string text;
+    for (const Json& slave : facts["slaves"])
+        text += "Slave " + slave["address"].dump() +
+                (slave["dataTransfer"] ? " exchanges data\n" : " does not exchange data\n");
+    return text;
+}
+
+// ---- vesk mode
+
+constexpr std::array MODES{OperationMode_e::OFFLINE, OperationMode_e::STOP, OperationMode_e::CLEAR,
+                           OperationMode_e::OPERATE};
+
+std::string LowerCase(std::string text) {
+    std::transform(text.begin(), text.end(), text.begin(),
+                   [](unsigned char character) { return static_cast<char>(std::tolower(character)); });
+    return text;
+}
+
+Json AnswerMode(Session& session, const Json& arguments) {
+    session.SetMode(arguments["mode"].get<OperationMode_e>());
+    return {{"online", session.Online() == true},
+            {"mode", session.Online() == true ? Json(ModeName(*session.Mode())) : Json("OFFLINE")}};
+}
+
+std::string ModeText(const Json& facts, const Paint&) {
+    return "The master is " + std::string(facts["online"] ? "online, in " : "") +
+           facts["mode"].get<std::string>() + "\n";
+}
+
+// ---- vesk set-address
+
+/// A slave takes a new address only outside the data exchange, so the whole bus stands in STOP.
+Json AnswerSetAddress(Session& session, const Json& arguments) {
+    session.SetMode(OperationMode_e::STOP);
+    const auto from = arguments["old"].get<unsigned char>();
+    const auto to = arguments["new"].get<unsigned char>();
+    const auto identNumber = arguments["identNumber"].get<unsigned short>();
+    const unsigned char lock = arguments["lock"].get<bool>() ? 1 : 0;
+    session.Ask(
+        [&](ResponseAction action) {
+            session.Module().Enqueue(DPVMMessages::SetSlaveAddress(from, to, identNumber, lock,
+                                                                   System::Array<unsigned char>::Create(0)),
+                                     std::move(action), SERVICE_SECONDS);
+        },
+        "the new address " + std::to_string(to) + " for slave " + std::to_string(from));
+    const bool answers = Lives(AskForLiveList(session), to);
+    return {{"ok", answers}, {"old", from}, {"new", to}, {"identNumber", identNumber}, {"locked", lock != 0}};
+}
+
+std::string SetAddressText(const Json& facts, const Paint& paint) {
+    const std::string to = facts["new"].dump();
+    return facts["ok"] ? "Slave " + facts["old"].dump() + " answers at " + to + " now" +
+                             (facts["locked"] ? " and keeps that address\n" : "\n")
+                       : paint.Bad("The request was taken, but nobody answers at " + to) + "\n";
+}
+
+} // namespace
+
+void AddStartStop(CLI::App& program, int& status) {
+    static constexpr Verb START{"start", Need::OPERATING, AnswerStart, StartedText};
+    static constexpr Verb STOP{"stop", Need::OPERATING, AnswerStop, StartedText};
+    const auto add = [&](const Verb& verb, const std::string& description) {
+        const auto command = VerbCommand::Add(
+            program, status, verb,
+            description +
+                "\nResets the module and takes it onto the bus, in OPERATE with all inputs 0; when the "
+                "command "
+                "ends the module goes back into reset, so what it shows is whether it works.\n"
+                "Example: vesk " +
+                verb.name + " 5 8");
+        const auto take = [self = command.get()](const std::vector<std::string>& texts) {
+            for (const std::string& text : texts)
+                self->arguments["addresses"].push_back(ParseNumber("ADDRESS", text, 0, HIGHEST_SLAVE));
+        };
+        command->App()
+            .add_option_function<std::vector<std::string>>("ADDRESS", take,
+                                                           "Station addresses of slaves, 0 to 125")
+            ->required()
+            ->type_name("");
+    };
+    add(START, "Take slaves into the data exchange.");
+    add(STOP, "Take slaves out of the data exchange.");
+}
+
+void AddMode(CLI::App& program, int& status) {
+    static constexpr Verb MODE{"mode", Need::INITIALISED, AnswerMode, ModeText};
+    const auto command =
+        VerbCommand::Add(program, status, MODE,
+                         "Take the master into an operation mode, and wait until it reports it.\n"
+                         "Resets the module and takes it onto the bus; when the command ends the module goes "
+                         "back into reset, so "
+                         "what it shows is whether the mode can be reached.\n"
+                         "Example: vesk mode clear");
+    std::vector<std::string> names(MODES.size());
+    std::transform(MODES.begin(), MODES.end(), names.begin(),
+                   [](OperationMode_e mode) { return LowerCase(ModeName(mode)); });
+    const auto take = [self = command.get(), names](const std::string& text) {
+        const auto found = std::find(names.begin(), names.end(), text);
+        self->arguments["mode"] = MODES.at(static_cast<std::size_t>(found - names.begin()));
+    };
+    command->App()
+        .add_option_function<std::string>("MODE", take, "offline, stop, clear or operate")
+        ->required()
+        ->transform(CLI::IsMember(names, CLI::ignore_case))
+        ->type_name("");
+}
+
+void AddSetAddress(CLI::App& program, int& status) {
+    static constexpr Verb SET_ADDRESS{"set-address", Need::INITIALISED, AnswerSetAddress, SetAddressText};
+    const auto command = VerbCommand::Add(
+        program, status, SET_ADDRESS,
+        "Give a slave another station address. The slave must be the one with that ident number and must not "
+        "exchange data, so the bus stands in STOP meanwhile.\n"
+        "Resets the module and takes it onto the bus.\n"
+        "Example: vesk set-address 126 12 0x2a10");
+    command->AddNumber("OLD", "old", 0, HIGHEST_ADDRESS, "Address of the slave, 0 to 126")->required();
+    command->AddNumber("NEW", "new", 0, HIGHEST_SLAVE, "Its new address, 0 to 125")->required();
+    command->AddNumber("IDENT", "identNumber", 0, 0xFFFF, "Its ident number, 0 to 0xffff")->required();
+    command->arguments["lock"] = false;
+    command->App().add_flag_callback(
+        "--lock", [self = command.get()] { self->arguments["lock"] = true; },
+        "The slave takes no other address after that, until it is reset to its delivery state");
+}
+
+} // namespace VeskTool

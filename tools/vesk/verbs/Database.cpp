@@ -1,0 +1,198 @@
+// SPDX-License-Identifier: MIT
+#include "tools/vesk/Commands.h"
+#include "tools/vesk/files/DatabaseFile.h"
+#include "tools/vesk/text/Console.h"
+#include "tools/vesk/text/Progress.h"
+#include "tools/vesk/text/Text.h"
+#include "tools/vesk/verbs/Verb.h"
+#include "vesk/modules/dpvm/DPVMMessages.h"
+
+#include <algorithm>
+#include <numeric>
+
+namespace VeskTool {
+
+using namespace Vesk::Modules::DPVM;
+
+namespace {
+
+Json DatabaseToJson(const DatabaseInfo& info) {
+    return {{"description", info.Description.Value()}, {"slaves", info.NoOfSlaves},
+            {"inputLength", info.TotalInputLength},    {"outputLength", info.TotalOutputLength},
+            {"inputAreaLength", info.InitInputLength}, {"outputAreaLength", info.InitOutputLength}};
+}
+
+/// What a module that holds this configuration says, as far as the file can tell.
+Json ConfigToJson(const Config::IBusConfig& config) {
+    int input = 0;
+    int output = 0;
+    const auto addresses = config.SlaveAddresses();
+    for (int i = 0; i < addresses->Count(); ++i) {
+        const auto table = config.Slave(addresses->Get(i))->AddressTable();
+        input += table->InputOffsetTable()->Count();
+        output += table->OutputOffsetTable()->Count();
+    }
+    return {{"description", ChecksumText(config.Checksum())},
+            {"slaves", addresses->Count()},
+            {"inputLength", input},
+            {"outputLength", output}};
+}
+
+std::string ContentText(const Json& database) {
+    return std::to_string(database["slaves"].get<int>()) + " slaves, " +
+           std::to_string(database["inputLength"].get<int>()) + " bytes in, " +
+           std::to_string(database["outputLength"].get<int>()) + " bytes out";
+}
+
+// ---- vesk database
+
+Json AnswerDatabase(Session& session, const Json&) {
+    const auto info = session.AskForDatabase();
+    return {{"present", info != nullptr}, {"database", info ? DatabaseToJson(*info) : Json()}};
+}
+
+std::string DatabaseText(const Json& facts, const Paint&) {
+    if (!facts["present"])
+        return "The module holds no database.\n";
+    const Json& database = facts["database"];
+    const auto number = [&database](const char* key) { return std::to_string(database[key].get<int>()); };
+    return "Database  " + database["description"].get<std::string>() + "\n" + //
+           "Slaves    " + number("slaves") + "\n" +                           //
+           "Input     " + number("inputLength") + " bytes in an area of " + number("inputAreaLength") +
+           " (to the bus)\n" + //
+           "Output    " + number("outputLength") + " bytes in an area of " + number("outputAreaLength") +
+           " (from the bus)\n";
+}
+
+// ---- vesk verify
+
+Json AnswerVerify(Session& session, const Json& arguments) {
+    const auto info = session.AskForDatabase();
+    const Json& file = arguments["database"];
+    const Json module = info ? DatabaseToJson(*info) : Json();
+    Json differences = Json::array();
+    for (const auto& [field, value] : file.items())
+        if (info && module[field] != value)
+            differences.push_back(field);
+    // The checksum decides, as it does for a download.
+    const bool same = info && module["description"] == file["description"];
+    return {{"ok", same}, {"file", file}, {"module", module}, {"differences", differences}};
+}
+
+std::string VerifyText(const Json& facts, const Paint& paint) {
+    if (facts["module"].is_null())
+        return paint.Bad("The module holds no database.") + "\n";
+    std::string text;
+    for (const auto& difference : facts["differences"]) {
+        const auto field = difference.get<std::string>();
+        text += "  " + Padded(field, 14) + facts["module"][field].dump() + " in the module, " +
+                facts["file"][field].dump() + " in the file\n";
+    }
+    return facts["ok"] ? "Same: " + facts["file"]["description"].get<std::string>() + ", " +
+                             ContentText(facts["file"]) + "\n" + text
+                       : paint.Bad("The module holds another database:") + "\n" + text;
+}
+
+// ---- vesk download
+
+Json AnswerDownload(Session& session, const Json&) {
+    const auto powerOffs =
+        std::count_if(session.Steps().begin(), session.Steps().end(),
+                      [](const auto& step) { return step.state == Session::State::POWER_OFF; });
+    // A download ends in a reset.
+    return {{"downloaded", powerOffs > 1}, {"database", DatabaseToJson(*session.Module().GetDatabaseInfo())}};
+}
+
+std::string DownloadText(const Json& facts, const Paint&) {
+    const Json& database = facts["database"];
+    return (facts["downloaded"] ? "Downloaded: " : "Already there: ") +
+           database["description"].get<std::string>() + ", " + ContentText(database) + "\n";
+}
+
+/// What a download is made of: bytes that each of its records has, in the order in which they are sent.
+std::vector<int> RecordSizes(const Config::IBusConfig& config) {
+    std::vector<int> sizes{DPVMMessages::MasterRecordDownload(config.Master())->Data()->Count()};
+    const auto addresses = config.SlaveAddresses();
+    for (int i = 0; i < addresses->Count(); ++i) {
+        const unsigned char address = addresses->Get(i);
+        const auto fragments = DPVMMessages::SlaveRecordDownload(address, config.Slave(address));
+        for (int fragment = 0; fragment < fragments->Count(); ++fragment)
+            sizes.push_back(fragments->Get(fragment)->Data()->Count());
+    }
+    return sizes;
+}
+
+/// The progress of a session's download, which shows in how many of its records are still to be sent.
+class DownloadProgress {
+public:
+    DownloadProgress(const Config::IBusConfig& config, const Console& console)
+        : _sizes(RecordSizes(config)),
+          _progress(console.out, console.draws, static_cast<int>(_sizes.size()),
+                    std::accumulate(_sizes.begin(), _sizes.end(), 0)) {}
+
+    ~DownloadProgress() { _progress.End(); }
+
+    void Show(std::size_t left) {
+        if (_sent == 0 && left == 0)
+            return; // not begun
+        bool moved = false;
+        for (; _sent < _sizes.size() - left; moved = true)
+            _bytes += _sizes[_sent++];
+        const auto passed = static_cast<double>((System::DateTime::Now() - _start).Nanoseconds());
+        if (moved)
+            _progress.Show(static_cast<int>(_sent), _bytes, passed / 1e9);
+    }
+
+private:
+    std::vector<int> _sizes;
+    Progress _progress;
+    System::DateTime _start = System::DateTime::Now();
+    std::size_t _sent = 0;
+    int _bytes = 0;
+};
+
+} // namespace
+
+void AddDatabase(CLI::App& program, int& status) {
+    static constexpr Verb DATABASE{"database", Need::BOOTED, AnswerDatabase, DatabaseText};
+    VerbCommand::Add(
+        program, status, DATABASE,
+        "Show what the module holds: the checksum that describes its database, slaves, lengths.\n"
+        "Resets the module.\n"
+        "Example: vesk database");
+}
+
+void AddVerify(CLI::App& program, int& status) {
+    static constexpr Verb VERIFY{"verify", Need::BOOTED, AnswerVerify, VerifyText};
+    const auto command = VerbCommand::Add(
+        program, status, VERIFY,
+        "Compare the module's database with a configuration and change nothing; exit status 1 where they "
+        "differ.\n"
+        "Resets the module.\n"
+        "Example: vesk verify examples/plant.ddb");
+    command->AddFile([self = command.get()](const std::string& path) {
+        self->arguments["database"] = ConfigToJson(*LoadDatabaseFile(path));
+    });
+}
+
+void AddDownload(CLI::App& program, int& status) {
+    static constexpr Verb DOWNLOAD{"download", Need::CONFIGURED, AnswerDownload, DownloadText};
+    const auto command = VerbCommand::Add(
+        program, status, DOWNLOAD,
+        "Bring the module's database in line with a configuration; nothing is sent where it is already.\n"
+        "Resets the module, once more after a download.\n"
+        "Example: vesk download examples/plant.ddb");
+    VerbCommand* const self = command.get();
+    self->AddFile([self](const std::string& path) { self->config = LoadDatabaseFile(path); });
+    self->run = [self, run = self->run](Session& session) {
+        if (self->PrintsJson())
+            return run(session);
+        const auto progress = std::make_shared<DownloadProgress>(*self->config, Console::Standard());
+        session.OnUpdate([progress, &session] {
+            progress->Show(static_cast<std::size_t>(session.Module().RecordsToDownload()));
+        });
+        return run(session);
+    };
+}
+
+} // namespace VeskTool

@@ -1,0 +1,177 @@
+// SPDX-License-Identifier: MIT
+// The verbs for acyclic records of slaves: read and write.
+#include "tools/vesk/Commands.h"
+#include "tools/vesk/text/ByteText.h"
+#include "tools/vesk/text/Failure.h"
+#include "tools/vesk/text/Numbers.h"
+#include "tools/vesk/text/Text.h"
+#include "tools/vesk/verbs/Verb.h"
+#include "vesk/system/io/FileStream.h"
+
+namespace VeskTool {
+
+using ResponseAction = Vesk::Modules::DPVM::IDPVMModule::ResponseAction;
+using Bytes = std::vector<unsigned char>;
+
+namespace {
+
+/// A record of a slave, as the arguments name it.
+struct Place {
+    explicit Place(const Json& arguments)
+        : address(arguments["address"]), slot(arguments["slot"]), index(arguments["index"]) {}
+
+    unsigned char address;
+    unsigned char slot;
+    unsigned char index;
+
+    std::string Text() const {
+        return "record " + std::to_string(slot) + "/" + std::to_string(index) + " of slave " +
+               std::to_string(address);
+    }
+};
+
+void Abort(Session& session, const Place& place) {
+    session.Ask([&](ResponseAction action) { session.Module().Class2Abort(place.address, 0, 0, action); },
+                "the abort of the connection to slave " + std::to_string(place.address));
+}
+
+/// Asks for `transfer` on a Class 2 connection of its own.
+Session::Response AskClass2(Session& session, const Place& place, const Session::Service& transfer,
+                            const std::string& what) {
+    session.Ask([&](ResponseAction action) { session.Module().Class2Initiate(place.address, action); },
+                "the connection to slave " + std::to_string(place.address));
+    Session::Response answer;
+    try {
+        answer = session.Ask(transfer, what);
+    } catch (const Refusal&) {
+        try {
+            Abort(session, place);
+        } catch (const Refusal&) {
+            // the slave may have ended the connection itself; why the transfer failed is worth more
+        }
+        throw;
+    }
+    Abort(session, place);
+    return answer;
+}
+
+Session::Response Transfer(Session& session, const Json& arguments, const Session::Service& class1,
+                           const Session::Service& class2, const std::string& what) {
+    const Place place(arguments);
+    return arguments["class"] == 2 ? AskClass2(session, place, class2, what + place.Text())
+                                   : session.Ask(class1, what + place.Text());
+}
+
+Json RecordToJson(const Json& arguments, const Bytes& bytes) {
+    return {{"address", arguments["address"]}, {"slot", arguments["slot"]}, {"index", arguments["index"]},
+            {"class", arguments["class"]},     {"length", bytes.size()},    {"data", HexDigits(bytes)}};
+}
+
+std::string PlaceText(const Json& facts) {
+    return Place(facts).Text() + ", " + facts["length"].dump() + " bytes, Class " + facts["class"].dump();
+}
+
+Json AnswerRead(Session& session, const Json& arguments) {
+    const Place place(arguments);
+    const auto length = arguments["length"].get<unsigned char>();
+    auto& module = session.Module();
+    const auto data =
+        Transfer(
+            session, arguments,
+            [&](ResponseAction a) { module.Class1Read(place.address, place.slot, place.index, length, a); },
+            [&](ResponseAction a) { module.Class2Read(place.address, place.slot, place.index, length, a); },
+            "the read of ")
+            ->Data();
+    return RecordToJson(arguments, Bytes(data->Data(), data->Data() + data->Count()));
+}
+
+std::string ReadText(const Json& facts, const Paint&) {
+    return PlaceText(facts) + "\n" + HexDump(ParseHex("data", facts["data"].get<std::string>()));
+}
+
+Json AnswerWrite(Session& session, const Json& arguments) {
+    const Place place(arguments);
+    const Bytes bytes = ParseHex("data", arguments["data"].get<std::string>());
+    const auto data = System::Array<unsigned char>::Create(bytes);
+    auto& module = session.Module();
+    Transfer(
+        session, arguments,
+        [&](ResponseAction a) { module.Class1Write(place.address, place.slot, place.index, data, a); },
+        [&](ResponseAction a) { module.Class2Write(place.address, place.slot, place.index, data, a); },
+        "the write to ");
+    return RecordToJson(arguments, bytes);
+}
+
+std::string WriteText(const Json& facts, const Paint&) {
+    return "Written: " + PlaceText(facts) + "\n";
+}
+
+/// The arguments that read and write share.
+void AddPlace(VerbCommand& command) {
+    command.AddAddress();
+    command.AddNumber("SLOT", "slot", 0, 254, "Slot of the record, 0 to 254")->required();
+    command.AddNumber("INDEX", "index", 0, 255, "Index of the record, 0 to 255")->required();
+    command.arguments["class"] = 1;
+    command.App().add_flag_callback(
+        "--class2", [&command] { command.arguments["class"] = 2; },
+        "Over a Class 2 connection: initiate, transfer, abort");
+}
+
+void CheckLength(const std::string& name, std::int64_t length) {
+    if (length < 1 || length > MAX_RECORD_SIZE)
+        throw CLI::ValidationError(name, std::to_string(length) + " bytes are not a length from 1 to " +
+                                             std::to_string(MAX_RECORD_SIZE));
+}
+
+Bytes Content(const std::string& path) {
+    const auto file =
+        System::IO::FileStream::Create(path, System::IO::FileMode::OPEN, System::IO::FileAccess::READ);
+    CheckLength("--file", file->Length());
+    const auto content = System::Array<unsigned char>::Create(static_cast<int>(file->Length()));
+    const int count = file->Read(content, 0, content->Count());
+    return {content->Data(), content->Data() + count};
+}
+
+} // namespace
+
+void AddRead(CLI::App& program, int& status) {
+    static constexpr Verb READ{"read", Need::OPERATING, AnswerRead, ReadText};
+    const auto command =
+        VerbCommand::Add(program, status, READ,
+                         "Read a record of a slave.\n"
+                         "Resets the module and takes it onto the bus, in OPERATE with all inputs 0.\n"
+                         "Example: vesk read 5 0 1 64");
+    AddPlace(*command);
+    command->arguments["length"] = MAX_RECORD_SIZE;
+    command->AddNumber("LENGTH", "length", 1, MAX_RECORD_SIZE, "Most bytes to read, 1 to 240 (240)");
+}
+
+void AddWrite(CLI::App& program, int& status) {
+    static constexpr Verb WRITE{"write", Need::OPERATING, AnswerWrite, WriteText};
+    const auto command =
+        VerbCommand::Add(program, status, WRITE,
+                         "Write a record of a slave.\n"
+                         "Resets the module and takes it onto the bus, in OPERATE with all inputs 0.\n"
+                         "Example: vesk write 5 1 200 \"0a 0b 0c\"");
+    VerbCommand* const self = command.get();
+    AddPlace(*self);
+    CLI::Option_group* const data = self->App().add_option_group("data", "What to write, 1 to 240 bytes");
+    data->require_option(1);
+    const auto add = [&](const std::string& name, const char* type, auto bytesOf, const char* text) {
+        const auto take = [self, name, bytesOf](const std::string& value) {
+            const Bytes bytes = bytesOf(value);
+            CheckLength(name, static_cast<std::int64_t>(bytes.size()));
+            self->arguments["data"] = HexDigits(bytes);
+        };
+        data->add_option_function<std::string>(name, take, text)->type_name(type);
+    };
+    add(
+        "DATA", "", [](const std::string& text) { return ParseHex("DATA", text); },
+        "Hexadecimal digits, two for each byte; blanks between bytes are allowed");
+    add(
+        "--text", "TEXT", [](const std::string& text) { return Bytes(text.begin(), text.end()); },
+        "The text's own bytes");
+    add("--file", "FILE", Content, "The file's bytes");
+}
+
+} // namespace VeskTool

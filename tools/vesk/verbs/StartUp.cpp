@@ -1,0 +1,289 @@
+// SPDX-License-Identifier: MIT
+#include "tools/vesk/verbs/StartUp.h"
+
+#include "tools/vesk/explain/Advice.h"
+#include "tools/vesk/text/Text.h"
+#include "tools/vesk/verbs/Diagnosis.h"
+#include "tools/vesk/verbs/Stations.h"
+
+#include <array>
+#include <cctype>
+#include <span>
+
+namespace VeskTool {
+
+using Vesk::Modules::DPVM::IDPVMModule;
+using Vesk::Modules::DPVM::OperationMode_e;
+
+namespace {
+
+/// What is not right, where it is more than an exception that the library threw.
+struct Problem {
+    std::string what;
+    std::string cause;
+    std::string next;
+};
+
+class Examination {
+public:
+    Examination(Session& session, const Json& arguments) : _session(session), _arguments(arguments) {}
+
+    Json Examine();
+
+    /// The facts where `exception` has just ended the session.
+    Json ExamineEnd(const std::exception& exception);
+
+private:
+    struct Step {
+        const char* name;
+        /// Goes through the step; what there is to say of it. Throws where it is not right.
+        std::string (Examination::*examine)();
+    };
+
+    static const std::array<Step, 6> STEPS;
+
+    std::string ModuleReady();
+    std::string DatabaseMatches();
+    std::string Initialised();
+    std::string BusOnline();
+    std::string OperationMode();
+    std::string Slaves();
+
+    Json SlaveToJson(unsigned int address, const Json& lists, const Json& liveList);
+    void Examine(const Step& step);
+    void Fail(const Step& step, const Problem& problem);
+    void End(const Step& step, const std::exception& exception);
+    Json Facts() const;
+
+    Session& _session;
+    const Json& _arguments;
+    Json _steps = Json::array();
+    Json _problem;
+    bool _alive = true;
+    Json _slaves = Json::array();
+};
+
+const std::array<Examination::Step, 6> Examination::STEPS{{
+    {"module ready", &Examination::ModuleReady},
+    {"database", &Examination::DatabaseMatches},
+    {"initialised", &Examination::Initialised},
+    {"bus online", &Examination::BusOnline},
+    {"operation mode", &Examination::OperationMode},
+    {"slaves", &Examination::Slaves},
+}};
+
+Json Examination::Examine() {
+    for (const Step& step : STEPS)
+        Examine(step);
+    return Facts();
+}
+
+Json Examination::ExamineEnd(const std::exception& exception) {
+    End(STEPS.front(), exception);
+    for (const Step& step : std::span(STEPS).subspan(1))
+        Examine(step);
+    return Facts();
+}
+
+Json Examination::Facts() const {
+    return {{"ok", _problem.is_null()},
+            {"steps", _steps},
+            {"problem", _problem},
+            {"alive", _alive},
+            {"mode", _session.Mode() ? Json(ModeName(*_session.Mode())) : Json()},
+            {"slaves", _slaves}};
+}
+
+void Examination::Examine(const Step& step) {
+    if (!_problem.is_null()) {
+        _steps.push_back({{"name", step.name}, {"state", "not reached"}, {"detail", ""}});
+        return;
+    }
+    try {
+        const std::string detail = (this->*step.examine)();
+        _steps.push_back({{"name", step.name}, {"state", "ok"}, {"detail", detail}});
+    } catch (const Problem& problem) {
+        Fail(step, problem);
+    } catch (const Failure& failure) { // the module said no, and goes on
+        const Advice advice = AdviceFor(failure);
+        Fail(step, {failure.what(), advice.cause, advice.next});
+    } catch (const std::exception& exception) {
+        End(step, exception);
+    }
+}
+
+void Examination::End(const Step& step, const std::exception& exception) {
+    const Advice advice = AdviceFor(exception);
+    _alive = false;
+    const std::string line = OneLine(exception);
+    Fail(step, {line.substr(0, line.find("; ")), advice.cause, advice.next});
+}
+
+void Examination::Fail(const Step& step, const Problem& problem) {
+    _steps.push_back({{"name", step.name}, {"state", "wrong"}, {"detail", problem.what}});
+    _problem = {
+        {"step", step.name}, {"what", problem.what}, {"cause", problem.cause}, {"next", problem.next}};
+}
+
+// ---- the steps
+
+std::string Examination::ModuleReady() {
+    _session.Reach(Need::BOOTED);
+    auto& module = _session.Module();
+    return "VT22, serial " + Hex(module.Serial()) + ", firmware " +
+           Version({module.SoftwareMajor(), module.SoftwareMinor(), module.SoftwareBuild()});
+}
+
+std::string Examination::DatabaseMatches() {
+    const auto info = _session.AskForDatabase();
+    if (!info)
+        throw Problem{"The module holds no database", "Nothing was downloaded, or a download was not ended",
+                      "vesk download CONFIG.ddb"};
+    const std::string description = info->Description.Value();
+    const std::string expected = _arguments.value("checksum", description);
+    if (expected != description)
+        throw Problem{"The module holds the database " + description + " instead of " + expected,
+                      "Another configuration was downloaded", "vesk download CONFIG.ddb"};
+    return description + ", " + std::to_string(info->NoOfSlaves) + " slaves, " +
+           std::to_string(info->TotalInputLength) + " bytes in, " + std::to_string(info->TotalOutputLength) +
+           " bytes out";
+}
+
+std::string Examination::Initialised() {
+    _session.Reach(Need::INITIALISED);
+    return Vesk::Modules::DPVM::Vt22Module::StateToString(_session.Module().State()).Value();
+}
+
+std::string Examination::BusOnline() {
+    try {
+        _session.Reach(Need::OPERATING);
+    } catch (const Failure&) {
+        // what it has not reported by now says it better
+    }
+    if (_session.Online() != true)
+        throw Problem{"The master is not on the bus", "It was taken off the bus or has left it on its own",
+                      "vesk mode operate; check the bus connector and its termination"};
+    // Only an answer shows that the module still lives.
+    const Json liveList = AskForLiveList(_session);
+    return std::to_string(liveList.size()) + (liveList.size() == 1 ? " station" : " stations");
+}
+
+std::string Examination::OperationMode() {
+    if (_session.Mode() != OperationMode_e::OPERATE)
+        throw Problem{"The operation mode is " + (_session.Mode() ? ModeName(*_session.Mode()) : "unknown"),
+                      "Somebody asked for it, or the master fell back to it because of an error",
+                      "vesk mode operate"};
+    return "OPERATE";
+}
+
+/// What is wrong with a slave that should exchange data, most of it from its diagnosis.
+std::string CauseOf(bool answers, bool exchanges, const Diagnosis& diagnosis) {
+    if (exchanges)
+        return diagnosis.IsSet("extendedDiagnostics") ? "it reports a fault of its own"
+                                                      : "it reports a diagnosis";
+    if (!answers || diagnosis.IsSet("stationNonExistent"))
+        return "it does not answer on the bus: no supply, another address, or the cable";
+    const std::string cause = diagnosis.Cause();
+    return cause.empty() ? "its diagnosis does not say why" : cause;
+}
+
+Json Examination::SlaveToJson(unsigned int address, const Json& lists, const Json& liveList) {
+    const bool exchanges = Lists(lists["dataTransfer"], address);
+    const bool diagnostic = Lists(lists["diagnostic"], address);
+    Json slave{{"address", address},
+               {"configured", true},
+               {"dataTransfer", exchanges},
+               {"diagnostic", diagnostic},
+               {"cause", nullptr}};
+    if (exchanges && !diagnostic)
+        return slave;
+    const auto answer = _session.TryAsk(
+        [&](IDPVMModule::ResponseAction action) {
+            _session.Module().GetSlaveDiag(static_cast<unsigned char>(address), std::move(action));
+        },
+        "the diagnosis of slave " + std::to_string(address));
+    const auto bytes = answer->Data();
+    const Diagnosis diagnosis({bytes->Data(), static_cast<std::size_t>(bytes->Count())});
+    slave["cause"] = CauseOf(Lives(liveList, address), exchanges, diagnosis);
+    return slave;
+}
+
+std::string Examination::Slaves() {
+    const Json lists = StationListsToJson(_session);
+    const Json liveList = AskForLiveList(_session);
+    for (const Json& address : lists["configured"])
+        _slaves.push_back(SlaveToJson(address, lists, liveList));
+    for (const Json& slave : _slaves)
+        if (!slave["cause"].is_null())
+            throw Problem{"Slave " + slave["address"].dump() +
+                              (slave["dataTransfer"] ? " has diagnostics" : " does not exchange data"),
+                          slave["cause"], "vesk diag " + slave["address"].dump()};
+    return std::to_string(_slaves.size()) + " of " + std::to_string(_slaves.size()) + " exchange data";
+}
+
+std::string SlaveText(const Json& slave, const Paint& paint) {
+    if (slave["cause"].is_null())
+        return "        " + Padded(slave["address"].dump(), 5) + "configured, exchanges data\n";
+    return "        " +
+           paint.Bad(Padded(slave["address"].dump(), 5) + "configured, " +
+                     (slave["dataTransfer"] ? "exchanges data" : "does not exchange data") +
+                     (slave["diagnostic"] ? ", diagnostics: " : ": ") + slave["cause"].get<std::string>()) +
+           "\n";
+}
+
+std::string Sentence(std::string sentence) {
+    if (!sentence.empty())
+        sentence.front() = static_cast<char>(std::toupper(static_cast<unsigned char>(sentence.front())));
+    return sentence;
+}
+
+} // namespace
+
+Json ExamineStartUp(Session& session, const Json& arguments) {
+    return Examination(session, arguments).Examine();
+}
+
+std::string StartUpText(const Json& facts, const Paint& paint) {
+    std::string text;
+    for (const Json& step : facts["steps"]) {
+        const std::string state = step["state"];
+        const std::string detail = step["detail"];
+        text += (state == "ok"      ? paint.Good(Padded("ok", 8))
+                 : state == "wrong" ? paint.Bad(Padded("WRONG", 8))
+                                    : Padded("-", 8)) +
+                (detail.empty() ? step["name"].get<std::string>() : Padded(step["name"], 16) + detail) + "\n";
+    }
+    for (const Json& slave : facts["slaves"])
+        text += SlaveText(slave, paint);
+    const Json& problem = facts["problem"];
+    if (problem.is_null())
+        return text + paint.Good("Everything is operational.") + "\n";
+    const std::string what = problem["what"];
+    text += paint.Bad(what.back() == '.' ? what : what + ".") + "\n";
+    const std::string cause = problem["cause"];
+    const std::string next = problem["next"];
+    text += cause.empty() ? "" : "Cause: " + Sentence(cause) + ".\n";
+    text += next.empty() ? "" : "Next:  " + next + "\n";
+    return text;
+}
+
+Json WatchStartUp(Session& session, const Json& arguments, double seconds,
+                  const std::function<void(const Json& facts)>& show, const std::function<bool()>& stopped) {
+    while (true) {
+        const Json facts = ExamineStartUp(session, arguments);
+        show(facts);
+        if (stopped() || !facts["alive"])
+            return facts;
+        try {
+            session.UpdateFor(seconds, stopped);
+        } catch (const std::exception& exception) {
+            const Json end = Examination(session, arguments).ExamineEnd(exception);
+            show(end);
+            return end;
+        }
+        if (stopped())
+            return facts;
+    }
+}
+
+} // namespace VeskTool

@@ -1,0 +1,65 @@
+// SPDX-License-Identifier: MIT
+#include "tools/vesk/Commands.h"
+#include "tools/vesk/files/DatabaseFile.h"
+#include "tools/vesk/text/Console.h"
+#include "tools/vesk/text/Text.h"
+#include "tools/vesk/verbs/StartUp.h"
+
+#include <csignal>
+#include <iostream>
+
+namespace VeskTool {
+
+static constexpr double WATCH_SECONDS = 1;
+
+static volatile std::sig_atomic_t interrupted = 0;
+
+static void Interrupt(int) {
+    interrupted = 1;
+}
+
+static Json AnswerStatus(Session& session, const Json& arguments) {
+    return ExamineStartUp(session, arguments);
+}
+
+// Examining takes the session as far as the module lets it; it needs nothing.
+static constexpr Verb STATUS{"status", Need::NOTHING, AnswerStatus, StartUpText};
+
+/// Shows the status each second: on a terminal over and over in the same place, otherwise one after the
+/// other, as JSON a line each.
+static int Watch(Session& session, const VerbCommand& command) {
+    std::signal(SIGINT, Interrupt);
+    std::signal(SIGTERM, Interrupt);
+    const bool redraw = Console::Standard().draws && !command.PrintsJson();
+    const auto show = [&](const Json& facts) {
+        std::cout << (redraw ? "\033[H\033[J" : "")
+                  << (command.PrintsJson() ? facts.dump(-1, ' ', false, Json::error_handler_t::replace)
+                                           : StartUpText(facts, Paint::Standard()))
+                  << std::endl;
+    };
+    return StatusOf(
+        WatchStartUp(session, command.arguments, WATCH_SECONDS, show, [] { return interrupted != 0; }));
+}
+
+void AddStatus(CLI::App& program, int& status) {
+    const auto command = VerbCommand::Add(
+        program, status, STATUS,
+        "Show where the module stands on its way onto the bus, step by step, and the first thing that is not "
+        "right, with its cause and the next step; exit status 1 if there is one.\n"
+        "Resets the module and takes it onto the bus, in OPERATE with all inputs 0. --watch does that once.\n"
+        "Example: vesk status --config examples/plant.ddb --watch");
+    VerbCommand* const self = command.get();
+    self->App().add_flag_callback(
+        "--watch", [self] { self->run = [self](Session& session) { return Watch(session, *self); }; },
+        "Look again each second, until the program is interrupted");
+    self->App()
+        .add_option_function<std::string>(
+            "--config",
+            [self](const std::string& path) {
+                self->arguments["checksum"] = ChecksumText(LoadDatabaseFile(path)->Checksum());
+            },
+            "Configuration database file (.ddb) that the module should hold")
+        ->type_name("FILE");
+}
+
+} // namespace VeskTool

@@ -1,0 +1,100 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "tools/vesk/session/LinkOptions.h"
+#include "tools/vesk/session/Session.h"
+
+#include <CLI/CLI.hpp>
+#include <nlohmann/json.hpp>
+
+namespace VeskTool {
+
+using Json = nlohmann::ordered_json;
+
+/// Colours, for a terminal.
+class Paint {
+public:
+    explicit Paint(bool colours) : _colours(colours) {}
+
+    /// Colours where standard output is a terminal and NO_COLOR is not set.
+    static Paint Standard();
+
+    std::string Good(const std::string& text) const { return Coloured("32", text); }
+
+    std::string Bad(const std::string& text) const { return Coloured("31", text); }
+
+private:
+    std::string Coloured(const char* code, const std::string& text) const {
+        return _colours ? std::string("\033[") + code + "m" + text + "\033[0m" : text;
+    }
+
+    bool _colours;
+};
+
+/// One question to a module or one order. Whoever owns a session can answer it: arguments and facts are JSON
+/// objects, and nothing in between knows where they come from and go to.
+struct Verb {
+    const char* name;
+    /// How far Answer lets the session go first.
+    Need need;
+    /// Does it; the facts that --json prints. A fact "ok" that is false says that the module said no.
+    Json (*answer)(Session& session, const Json& arguments);
+    /// The same facts for people, ending with a line feed.
+    std::string (*text)(const Json& facts, const Paint& paint);
+};
+
+/// Answers `verb`. Failure and the library's exceptions pass through.
+Json Answer(const Verb& verb, Session& session, const Json& arguments);
+
+/// The exit status that goes with the facts.
+int StatusOf(const Json& facts);
+
+/// `vesk VERB`: what every verb has on the command line, and the running of one in a session of its own.
+class VerbCommand {
+public:
+    /// Adds the verb to the program. The description ends with an example.
+    static std::shared_ptr<VerbCommand> Add(CLI::App& program, int& status, const Verb& verb,
+                                            const std::string& description);
+
+    CLI::App& App() { return *_app; }
+
+    bool PrintsJson() const { return _json; }
+
+    /// What is asked; another form of it may be put in.
+    const Verb* verb;
+
+    /// The arguments of the verb, for the options to fill.
+    Json arguments = Json::object();
+
+    /// The configuration of the session; null at first.
+    std::shared_ptr<Vesk::Modules::DPVM::Config::IBusConfig> config;
+
+    /// Answers the verb in `session` and prints the facts; the exit status. The verb's own way unless it is
+    /// replaced.
+    std::function<int(Session& session)> run;
+
+    /// Adds a positional argument, a number from `least` to `most` that becomes the verb's argument `key`.
+    CLI::Option* AddNumber(const std::string& name, const char* key, unsigned int least, unsigned int most,
+                           const std::string& description);
+
+    /// The same for the station address of a slave.
+    CLI::Option* AddAddress();
+
+    /// The positional argument CONFIG, the path of a configuration database file, which goes to `take` before
+    /// the module is touched.
+    void AddFile(const std::function<void(const std::string& path)>& take);
+
+private:
+    VerbCommand(CLI::App& app, const Verb& verb);
+
+    int Run(Session& session) const;
+
+    CLI::App* _app;
+    LinkOptions _link;
+    bool _json = false;
+};
+
+/// The facts and their text.
+void Print(const Verb& verb, const Json& facts, bool json);
+
+} // namespace VeskTool

@@ -1,0 +1,65 @@
+// SPDX-License-Identifier: MIT
+#include "virtualmodule/faults/FaultInjector.h"
+
+#include <algorithm>
+
+namespace VirtualModule {
+
+namespace {
+
+// The commands that carry a database into the module; GetDatabaseInfo, the next one, is none of them.
+constexpr std::uint16_t FIRST_DATABASE_COMMAND = 0x10;
+constexpr std::uint16_t LAST_DATABASE_COMMAND = 0x16;
+
+} // namespace
+
+FaultInjector::FaultInjector(const std::vector<Fault>& faults, const Watch& watch) : _watch(watch) {
+    for (const Fault& fault : faults)
+        _faults.push_back({fault, KindOf(fault.id, fault.value).counts});
+}
+
+void FaultInjector::CountRequest(const Message& request, bool bootloader) {
+    const bool database = !bootloader && request.type == static_cast<std::uint8_t>(MessageType::FIELDBUS) &&
+                          request.command >= FIRST_DATABASE_COMMAND &&
+                          request.command <= LAST_DATABASE_COMMAND;
+    _request = bootloader ? Counts::FIRMWARE_REQUESTS
+               : database ? Counts::DATABASE_COMMANDS
+                          : Counts::REQUESTS;
+    Count(Counts::REQUESTS);
+    if (_request != Counts::REQUESTS)
+        Count(_request);
+}
+
+bool FaultInjector::HasStruck() const {
+    return std::any_of(
+        _faults.begin(), _faults.end(), [](const Armed& armed) { return armed.logged != 0; });
+}
+
+/// Not between two of what it counts.
+bool FaultInjector::AtIts(Counts counts) const {
+    const bool request = counts == Counts::DATABASE_COMMANDS || counts == Counts::FIRMWARE_REQUESTS;
+    return !request || counts == _request;
+}
+
+const Fault* FaultInjector::Strikes(FaultId id) {
+    for (Armed& armed : _faults) {
+        const Fault& fault = armed.fault;
+        const unsigned now = Counted(armed.counts);
+        if (fault.id == id && now >= fault.step && (fault.count == 0 || now - fault.step < fault.count) &&
+            AtIts(armed.counts)) {
+            if (std::exchange(armed.logged, now) != now)
+                _watch.Log([&] { return "fault " + fault.Text() + " strikes at " + std::to_string(now); });
+            return &fault;
+        }
+    }
+    return nullptr;
+}
+
+const Fault* FaultInjector::Strikes(std::initializer_list<FaultId> ids) {
+    for (const FaultId id : ids)
+        if (const Fault* fault = Strikes(id))
+            return fault;
+    return nullptr;
+}
+
+} // namespace VirtualModule
