@@ -72,12 +72,10 @@ int main(int argc, char** argv) try {
 
     for (milliseconds pause = SHORTEST_PAUSE; !ended; pause = std::min(2 * pause, LONGEST_PAUSE)) {
         try {
-            Live(
-                argv[1], *lines, config,
-                [&] {
-                    std::cout << "running" << std::endl;
-                    pause = SHORTEST_PAUSE;
-                });
+            Live(argv[1], *lines, config, [&] {
+                std::cout << "running" << std::endl;
+                pause = SHORTEST_PAUSE;
+            });
         } catch (const std::shared_ptr<System::Exception>& failure) {
             Write(log, failure->ToString().Value()); // type and message, and what a fatal event left behind
         } catch (const std::exception& failure) {

@@ -39,8 +39,8 @@ int main(int argc, char** argv) try {
     UpdateUntil(*master, "the module is initialised", [&] { return master->Initialized(); });
     master->SetOperationMode(OperationMode_e::CLEAR); // slaves are in the exchange, their inputs are safe
     const auto exchanging = master->GetDataTransferList();
-    UpdateUntil(
-        *master, "the slave exchanges data", [&] { return exchanging->Get(slave / 8) >> slave % 8 & 1; });
+    UpdateUntil(*master, "the slave exchanges data",
+                [&] { return exchanging->Get(slave / 8) >> slave % 8 & 1; });
 
     const auto ask = [&](const std::function<void(const IDPVMModule::ResponseAction&)>& service) {
         Response answer;

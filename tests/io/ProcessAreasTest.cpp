@@ -76,8 +76,8 @@ TYPED_TEST(PlacementTest, RefusesNullAndNegativeCounts) {
                                                  [] { return TypeParam::Create(0, 10, nullptr); });
     const auto area = TypeParam::Create(0, 10, this->_dpRam);
     const std::string name = std::is_same_v<TypeParam, InArea> ? "src" : "dst";
-    ExpectFailure<System::ArgumentNullException>(
-        name + " must not be null", [&] { Map(*area, 0, nullptr, 0, 1); });
+    ExpectFailure<System::ArgumentNullException>(name + " must not be null",
+                                                 [&] { Map(*area, 0, nullptr, 0, 1); });
     ExpectFailure<ArgumentOutOfRangeException>("size (-1) must not be less than zero (0)",
                                                [&] { Map(*area, 5, this->_bytes, 0, -1); });
     EXPECT_EQ(area->TotalMapped(), 0);

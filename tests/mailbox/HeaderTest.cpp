@@ -93,10 +93,8 @@ TEST(Header, RefusesIncompleteFields) {
     const auto words = Array<unsigned short>::Create(8);
     const auto& type = MessageType::FIELDBUS;
     const auto& error = ErrorCode::NO_ERROR;
-    ExpectFailure<ArgumentNullException>(
-        "type must not be null", [] { Make(nullptr, nullptr, nullptr); });
-    ExpectFailure<ArgumentNullException>(
-        "error must not be null", [&] { Make(type, nullptr, nullptr); });
+    ExpectFailure<ArgumentNullException>("type must not be null", [] { Make(nullptr, nullptr, nullptr); });
+    ExpectFailure<ArgumentNullException>("error must not be null", [&] { Make(type, nullptr, nullptr); });
     ExpectFailure<ArgumentNullException>("extended must not be null", [&] { Make(type, error, nullptr); });
     for (const int count : {0, 7, 9})
         ExpectFailure<System::ArgumentOutOfRangeException>(
@@ -109,8 +107,8 @@ TEST(Header, NeedsAll32Bytes) {
     for (const int offset : {-1, 1, 33, 2147483647}) {
         const auto bytes = Array<unsigned char>::Create(32);
         const auto text = "No mailbox header at byte " + std::to_string(offset) + " of 32";
-        ExpectFailure<System::IO::EndOfStreamException>(
-            text, [&] { Header::FromArray(bytes, offset, true); });
+        ExpectFailure<System::IO::EndOfStreamException>(text,
+                                                        [&] { Header::FromArray(bytes, offset, true); });
         ExpectFailure<System::IO::IOException>(text, [&] { header->ToArray(bytes, offset); });
     }
     ExpectFailure<ArgumentNullException>("array must not be null",

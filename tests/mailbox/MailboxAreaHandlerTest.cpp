@@ -82,10 +82,9 @@ protected:
     }
 
     void ExpectTimeout(int seconds) {
-        ExpectFailure<MailboxTimeoutException>(
-            "Timeout after " + std::to_string(seconds) + " seconds.\nMailbox request:\n" + REQUEST_TEXT +
-                "\n",
-            [this] { return _handler->Update(); });
+        ExpectFailure<MailboxTimeoutException>("Timeout after " + std::to_string(seconds) +
+                                                   " seconds.\nMailbox request:\n" + REQUEST_TEXT + "\n",
+                                               [this] { return _handler->Update(); });
     }
 
     TestClock _clock;
@@ -206,10 +205,10 @@ TEST_F(MailboxAreaHandlerTest, CountsLongTimeoutsIn64Bits) {
 }
 
 TEST_F(MailboxAreaHandlerTest, SpendsAnIdOnEveryRequestAndStartsAgainAt0) {
-    ExpectFailure<System::ArgumentNullException>(
-        "request must not be null", [this] { _handler->Enqueue(nullptr, nullptr, -1); });
-    ExpectFailure<ArgumentOutOfRangeException>(
-        "timeoutSeconds (-1) must not be less than zero (0)", [this] { Queue("never", -1); });
+    ExpectFailure<System::ArgumentNullException>("request must not be null",
+                                                 [this] { _handler->Enqueue(nullptr, nullptr, -1); });
+    ExpectFailure<ArgumentOutOfRangeException>("timeoutSeconds (-1) must not be less than zero (0)",
+                                               [this] { Queue("never", -1); });
     ExpectFailure<ArgumentOutOfRangeException>("timeoutSeconds (0) must not be equal to zero (0)",
                                                [this] { Queue("never", 0); });
     QueueWithoutAction();
@@ -269,8 +268,7 @@ TEST_F(MailboxAreaHandlerTest, RefusesAResponseToAnotherRequest) {
 TEST_F(MailboxAreaHandlerTest, RefusesAResponseThatCannotBeRead) {
     Queue("a");
     Send();
-    ExpectFailure<System::ArgumentException>(
-        "138", [this] { Respond(1, 0x8A07); });
+    ExpectFailure<System::ArgumentException>("138", [this] { Respond(1, 0x8A07); });
     ExpectFailure<System::ArgumentException>("7", [this] { Respond(2, 0x0007); });
     for (const int size : {257, 65535})
         ExpectFailure<ArgumentOutOfRangeException>("offset (32) + count (" + std::to_string(size) +

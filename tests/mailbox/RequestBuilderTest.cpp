@@ -42,14 +42,13 @@ TEST(RequestBuilder, PassesOnWhatWasSetAndCopiesTheArrays) {
 
 TEST(RequestBuilder, RefusesWhatCannotBeSent) {
     const auto tooLong = Array<unsigned char>::Create(257);
-    ExpectFailure<ArgumentNullException>(
-        "_type must not be null", [&] { RequestBuilder::Create()->Data(tooLong)->Build(); });
-    ExpectFailure<ArgumentOutOfRangeException>(
-        "Byte[257]", [&] { Ping()->Name(nullptr)->Data(tooLong)->Build(); });
-    ExpectFailure<ArgumentNullException>(
-        "_name must not be null", [] { Ping()->Name(nullptr)->Build(); });
-    ExpectFailure<ArgumentOutOfRangeException>(
-        "index (8) must not be greater than count - 1 (7)", [] { Ping()->Extended(1, 8); });
+    ExpectFailure<ArgumentNullException>("_type must not be null",
+                                         [&] { RequestBuilder::Create()->Data(tooLong)->Build(); });
+    ExpectFailure<ArgumentOutOfRangeException>("Byte[257]",
+                                               [&] { Ping()->Name(nullptr)->Data(tooLong)->Build(); });
+    ExpectFailure<ArgumentNullException>("_name must not be null", [] { Ping()->Name(nullptr)->Build(); });
+    ExpectFailure<ArgumentOutOfRangeException>("index (8) must not be greater than count - 1 (7)",
+                                               [] { Ping()->Extended(1, 8); });
     ExpectFailure<ArgumentOutOfRangeException>("index (-1) must not be less than zero (0)",
                                                [] { Ping()->Extended(1, -1); });
     EXPECT_EQ(Ping()->Data(Array<unsigned char>::Create(256))->Build()->Data()->Count(), 256);
@@ -58,12 +57,12 @@ TEST(RequestBuilder, RefusesWhatCannotBeSent) {
 TEST(Response, RefusesIncompleteFields) {
     const auto words = Array<unsigned short>::Create(8);
     const auto& error = ErrorCode::NO_ERROR;
-    ExpectFailure<ArgumentNullException>(
-        "error must not be null", [] { Response::Create(nullptr, nullptr, nullptr); });
-    ExpectFailure<ArgumentNullException>(
-        "extended must not be null", [&] { Response::Create(error, nullptr, nullptr); });
-    ExpectFailure<ArgumentNullException>(
-        "data must not be null", [&] { Response::Create(error, words, nullptr); });
+    ExpectFailure<ArgumentNullException>("error must not be null",
+                                         [] { Response::Create(nullptr, nullptr, nullptr); });
+    ExpectFailure<ArgumentNullException>("extended must not be null",
+                                         [&] { Response::Create(error, nullptr, nullptr); });
+    ExpectFailure<ArgumentNullException>("data must not be null",
+                                         [&] { Response::Create(error, words, nullptr); });
     ExpectFailure<ArgumentOutOfRangeException>(
         "257", [&] { Response::Create(error, words, Array<unsigned char>::Create(257)); });
     EXPECT_NO_THROW(Response::Create(error, words, Array<unsigned char>::Create(256)));

@@ -15,9 +15,8 @@ static std::string At(const std::string& kind, int offset) {
 }
 
 void RecordingHostInterface::Put(int offset, std::initializer_list<int> values) {
-    std::transform(
-        values.begin(), values.end(), bytes.begin() + offset,
-        [](int value) { return static_cast<unsigned char>(value); });
+    std::transform(values.begin(), values.end(), bytes.begin() + offset,
+                   [](int value) { return static_cast<unsigned char>(value); });
 }
 
 std::vector<int> RecordingHostInterface::Bytes(int offset, int count) const {

@@ -39,8 +39,8 @@ std::array<long, 3> Held() {
 
 bool IsOneOf(const FaultLife::Ending& ending, const std::vector<const Outcome*>& outcomes,
              const FaultLife::Ending& good) {
-    return std::any_of(
-        outcomes.begin(), outcomes.end(), [&](const Outcome* outcome) { return ending.Is(*outcome, good); });
+    return std::any_of(outcomes.begin(), outcomes.end(),
+                       [&](const Outcome* outcome) { return ending.Is(*outcome, good); });
 }
 
 std::string Text(const std::vector<const Outcome*>& outcomes) {

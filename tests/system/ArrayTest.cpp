@@ -34,8 +34,7 @@ TEST(Array, ChecksEveryIndex) {
         {Bytes::Create(0), 0, "index (0) must not be greater than count - 1 (-1)"},
     };
     for (const auto& [array, index, message] : cases) {
-        ExpectFailure<ArgumentOutOfRangeException>(
-            message, [&a = array, i = index] { a->Get(i); });
+        ExpectFailure<ArgumentOutOfRangeException>(message, [&a = array, i = index] { a->Get(i); });
         ExpectFailure<ArgumentOutOfRangeException>(message, [&a = array, i = index] { a->Set(i, 9); });
     }
     EXPECT_EQ(Values(whole), (std::vector<int>{1, 2, 3, 4, 5}));

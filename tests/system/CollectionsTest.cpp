@@ -21,8 +21,8 @@ TEST(List, GrowsAndChecksEveryIndex) {
          {std::shared_ptr<IList<std::string>>(list), std::shared_ptr<IList<std::string>>(shown)}) {
         EXPECT_EQ(each->Count(), 2);
         EXPECT_EQ(each->Get(1), "b");
-        ExpectFailure<ArgumentOutOfRangeException>(
-            "index (-1) must not be less than zero (0)", [&] { return each->Get(-1); });
+        ExpectFailure<ArgumentOutOfRangeException>("index (-1) must not be less than zero (0)",
+                                                   [&] { return each->Get(-1); });
         ExpectFailure<ArgumentOutOfRangeException>("index (2) must not be greater than count - 1 (1)",
                                                    [&] { return each->Get(2); });
     }

@@ -75,7 +75,7 @@ TEST(Checks, CarryValuesOf64Bits) {
 }
 
 TEST(IOException, TellsAMissingFileFromOtherFailures) {
-    ExpectFailure<IO::FileNotFoundException>(
-        "/a/b: No such file or directory", [] { IO::ThrowIOException("/a/b", ENOENT); });
+    ExpectFailure<IO::FileNotFoundException>("/a/b: No such file or directory",
+                                             [] { IO::ThrowIOException("/a/b", ENOENT); });
     ExpectFailure<IO::IOException>("/a/b: Permission denied", [] { IO::ThrowIOException("/a/b", EACCES); });
 }

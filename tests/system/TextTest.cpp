@@ -28,8 +28,7 @@ TEST(String, NullIsNotEmpty) {
     EXPECT_FALSE(empty == null);
     EXPECT_TRUE(String("a") == String(std::string("a")));
     EXPECT_FALSE(String("a") == String(std::string("a\0", 2)));
-    ExpectFailure<NullReferenceException>(
-        "string is null", [&] { return null.Value(); });
+    ExpectFailure<NullReferenceException>("string is null", [&] { return null.Value(); });
     ExpectFailure<NullReferenceException>("string is null", [&] { return null.PadLeft(1, ' '); });
 }
 
@@ -55,11 +54,9 @@ TEST(Convert, ReadsDigitsAndNothingElse) {
          {std::string_view("1\0", 2), std::string_view(""), std::string_view(" 1"), std::string_view("1 "),
           std::string_view("-1"), std::string_view("+1"), std::string_view("0x1"), std::string_view("1g"),
           std::string_view("1\n"), std::string_view("10000000000000000")})
-        ExpectFailure<FormatException>(
-            "\"" + std::string(text) + "\" is not a number in base 16",
-            [&] { Convert::ToUInt64(std::string(text), 16); });
-    ExpectFailure<FormatException>(
-        "\"9\" is not a number in base 8", [] { Convert::ToUInt64("9", 8); });
+        ExpectFailure<FormatException>("\"" + std::string(text) + "\" is not a number in base 16",
+                                       [&] { Convert::ToUInt64(std::string(text), 16); });
+    ExpectFailure<FormatException>("\"9\" is not a number in base 8", [] { Convert::ToUInt64("9", 8); });
     ExpectFailure<NullReferenceException>("string is null", [] { Convert::ToUInt64(nullptr, 16); });
 }
 

@@ -129,19 +129,15 @@ TEST_F(GpioTest, ALineThatFailsIsNamed) {
     const auto expectFailure = [](const char* message, const std::function<void()>& act) {
         EXPECT_THAT(act, testing::ThrowsMessage<std::exception>(HasSubstr(message)));
     };
-    expectFailure(
-        "gpiochip9: No such file", [&] { Open("gpiochip9:irq=17,reset=2,boot=4"); });
-    expectFailure(
-        "line 99 (irq): Invalid", [&] { Open("gpiochip0:a:irq=99,reset=2,boot=4"); });
+    expectFailure("gpiochip9: No such file", [&] { Open("gpiochip9:irq=17,reset=2,boot=4"); });
+    expectFailure("line 99 (irq): Invalid", [&] { Open("gpiochip0:a:irq=99,reset=2,boot=4"); });
     expectFailure("line 20 (boot): Device", [&] { Open("gpiochip0:a:irq=17,reset=2,boot=20"); });
     EXPECT_EQ(requests.back(), "close") << "what was taken is given back";
 
     const Link link = Open("gpiochip0:a:irq=17,reset=2,boot=4");
     failures = EIO;
-    expectFailure(
-        "line 17 (irq): Input/output error", [&] { link.velmoIrq_n->Invoke(); });
-    expectFailure(
-        "line 2 (reset): Input/output error", [&] { link.reset_n->Invoke(true); });
+    expectFailure("line 17 (irq): Input/output error", [&] { link.velmoIrq_n->Invoke(); });
+    expectFailure("line 2 (reset): Input/output error", [&] { link.reset_n->Invoke(true); });
     expectFailure("line 4 (boot): Input", [&] { link.bootloader_enable_n->Invoke(false); });
 }
 

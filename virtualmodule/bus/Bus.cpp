@@ -97,11 +97,9 @@ Station* Bus::Connected(std::uint16_t reference) const {
 }
 
 void Bus::DropLostConnections() {
-    std::erase_if(
-        _connections,
-        [this](const auto& connection) {
-            return _mode == OperationMode::OFFLINE || _stations.Find(connection.second) == nullptr;
-        });
+    std::erase_if(_connections, [this](const auto& connection) {
+        return _mode == OperationMode::OFFLINE || _stations.Find(connection.second) == nullptr;
+    });
 }
 
 } // namespace VirtualModule

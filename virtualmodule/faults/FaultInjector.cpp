@@ -31,8 +31,7 @@ void FaultInjector::CountRequest(const Message& request, bool bootloader) {
 }
 
 bool FaultInjector::HasStruck() const {
-    return std::any_of(
-        _faults.begin(), _faults.end(), [](const Armed& armed) { return armed.logged != 0; });
+    return std::any_of(_faults.begin(), _faults.end(), [](const Armed& armed) { return armed.logged != 0; });
 }
 
 /// Not between two of what it counts.

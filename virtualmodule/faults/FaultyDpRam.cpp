@@ -28,11 +28,9 @@ void Randomise(Bytes& bytes, std::uint64_t seed) {
 } // namespace
 
 bool FaultyDpRam::Needed(const std::vector<Fault>& faults) {
-    return std::any_of(
-        faults.begin(), faults.end(),
-        [](const Fault& fault) {
-            return std::find(DPRAM_FAULTS.begin(), DPRAM_FAULTS.end(), fault.id) != DPRAM_FAULTS.end();
-        });
+    return std::any_of(faults.begin(), faults.end(), [](const Fault& fault) {
+        return std::find(DPRAM_FAULTS.begin(), DPRAM_FAULTS.end(), fault.id) != DPRAM_FAULTS.end();
+    });
 }
 
 FaultyDpRam::FaultyDpRam(std::span<volatile std::uint8_t> host, FaultInjector& faults)

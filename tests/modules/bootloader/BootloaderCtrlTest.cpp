@@ -24,6 +24,6 @@ TEST(BootloaderCtrlTest, KeepsWhatItCouldNotRead) {
 }
 
 TEST(BootloaderCtrlTest, NeedsAHostInterface) {
-    ExpectFailure<System::ArgumentNullException>(
-        "hostInterface must not be null", [] { BootloaderCtrl::Create(0x1FBE, nullptr); });
+    ExpectFailure<System::ArgumentNullException>("hostInterface must not be null",
+                                                 [] { BootloaderCtrl::Create(0x1FBE, nullptr); });
 }

@@ -103,8 +103,8 @@ TEST(TarnFileTest, ReadsAFile) {
     EXPECT_EQ(Values(TarnFile::FromPath(path)->ProgramData),
               Values(FirmwareFileBuilder().Program(1000).Read()->ProgramData));
     EXPECT_THROW(TarnFile::FromPath(folder.Path("missing.fw")), System::Thrown);
-    ExpectFailure<System::ArgumentNullException>(
-        "stream must not be null", [] { TarnFile::FromStream(nullptr); });
+    ExpectFailure<System::ArgumentNullException>("stream must not be null",
+                                                 [] { TarnFile::FromStream(nullptr); });
     ExpectFailure<System::ArgumentNullException>("path must not be null",
                                                  [] { TarnFile::FromPath(nullptr); });
 }

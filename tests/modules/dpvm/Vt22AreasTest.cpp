@@ -90,8 +90,7 @@ protected:
 
     void ExpectStateFailure(const std::string& message, int indication, int status, int change = 0,
                             int mode = 0) {
-        ExpectFailure<ModuleStateException>(
-            message, [&] { HandOver(indication, status, change, mode); });
+        ExpectFailure<ModuleStateException>(message, [&] { HandOver(indication, status, change, mode); });
     }
 
     std::shared_ptr<RecordingHostInterface> _dpRam = std::make_shared<RecordingHostInterface>();

@@ -36,20 +36,20 @@ TEST_F(Vt22BootloaderDownloadTest, ChecksBeforeItBegins) {
     const auto firmware = FirmwareFileBuilder().Read();
     const auto bootloader = FirmwareFileBuilder().Type(1).Read();
     const auto configuration = FirmwareFileBuilder().Type(3).Read();
-    ExpectFailure<ArgumentNullException>(
-        "firmware must not be null", [&] { _module->BeginFirmwareDownload(nullptr, nullptr); });
-    ExpectFailure<ArgumentNullException>(
-        "remaining must not be null", [&] { _module->BeginBootloaderDownload(bootloader, nullptr); });
+    ExpectFailure<ArgumentNullException>("firmware must not be null",
+                                         [&] { _module->BeginFirmwareDownload(nullptr, nullptr); });
+    ExpectFailure<ArgumentNullException>("remaining must not be null",
+                                         [&] { _module->BeginBootloaderDownload(bootloader, nullptr); });
     ExpectFailure<ArgumentOutOfRangeException>("_state (0) must be equal to BOOTED (2)", [&] {
         _module->BeginFirmwareDownload(bootloader, &_remaining);
     });
     Boot();
-    ExpectFailure<ArgumentException>(
-        "BOOTLOADER_FIRMWARE", [&] { _module->BeginFirmwareDownload(bootloader, &_remaining); });
-    ExpectFailure<ArgumentException>(
-        "APPLICATION_FIRMWARE", [&] { _module->BeginBootloaderDownload(firmware, &_remaining); });
-    ExpectFailure<ArgumentException>(
-        "CONFIGURATION_FIRMWARE", [&] { _module->BeginFirmwareDownload(configuration, &_remaining); });
+    ExpectFailure<ArgumentException>("BOOTLOADER_FIRMWARE",
+                                     [&] { _module->BeginFirmwareDownload(bootloader, &_remaining); });
+    ExpectFailure<ArgumentException>("APPLICATION_FIRMWARE",
+                                     [&] { _module->BeginBootloaderDownload(firmware, &_remaining); });
+    ExpectFailure<ArgumentException>("CONFIGURATION_FIRMWARE",
+                                     [&] { _module->BeginFirmwareDownload(configuration, &_remaining); });
     ExpectFailure<ArgumentOutOfRangeException>("segments (65536) must not be greater than frames (65535)",
                                                [this] { Begin(2, 65535 * 256 + 1); });
     EXPECT_EQ(_module->State(), State::BOOTED);
@@ -80,13 +80,12 @@ TEST_F(Vt22BootloaderDownloadTest, RefusesAStepThatIsOutOfItsTurn) {
     const auto fine =
         Mailbox::Response::Create(Mailbox::ErrorCode::NO_ERROR, System::Array<unsigned short>::Create(8),
                                   System::Array<unsigned char>::Create(0));
-    ExpectFailure<ArgumentNullException>(
-        "response must not be null", [this] { _module->DownloadNext(nullptr); });
+    ExpectFailure<ArgumentNullException>("response must not be null",
+                                         [this] { _module->DownloadNext(nullptr); });
     ExpectFailure<System::NullReferenceException>("_downloadQueue is null",
                                                   [&] { _module->DownloadNext(fine); });
     _module->ChangeState(State::BOOTED);
-    ExpectFailure<System::NullReferenceException>(
-        "_mailbox is null", [this] { _module->Update(); });
+    ExpectFailure<System::NullReferenceException>("_mailbox is null", [this] { _module->Update(); });
     ExpectFailure<System::NullReferenceException>("_mailbox is null", [this] { Begin(1, 0); });
     EXPECT_EQ(_remaining, -1) << "nothing has begun";
 }

@@ -97,8 +97,8 @@ TEST_F(Vt22BootloaderStartUpTest, RefusesAnotherModule) {
 TEST_F(Vt22BootloaderStartUpTest, ReportsAStateThatIsNone) {
     for (const int value : {6, -1}) {
         _module->ChangeState(static_cast<State>(value));
-        ExpectFailure<ModuleStateException>(
-            "Unknown state: " + std::to_string(value), [this] { _module->Update(); });
+        ExpectFailure<ModuleStateException>("Unknown state: " + std::to_string(value),
+                                            [this] { _module->Update(); });
         ExpectFailure<System::InvalidOperationException>("No download in progress",
                                                          [this] { _module->EndDownload(&_remaining); });
     }

@@ -38,14 +38,12 @@ protected:
 
     template <class ExceptionType>
     auto ExpectUpdate(const std::string& message) {
-        return ExpectFailure<ExceptionType>(
-            message, [&] { _module->Update(); });
+        return ExpectFailure<ExceptionType>(message, [&] { _module->Update(); });
     }
 
     template <class ExceptionType>
     auto ExpectRaise(int indication, const std::string& message) {
-        return ExpectFailure<ExceptionType>(
-            message, [&] { Raise(indication); });
+        return ExpectFailure<ExceptionType>(message, [&] { Raise(indication); });
     }
 };
 
@@ -148,26 +146,16 @@ TEST_F(Vt22ModuleTest, HasNothingToShowBeforeTheFirstPowerOn) {
         ExpectFailure<NullReferenceException>(std::string(field) + " is null", ask);
     };
     Vt22Module& m = *_module;
-    expect(
-        "_deviceIdArea", [&] { return m.Serial(); });
-    expect(
-        "_deviceIdArea", [&] { return m.SoftwareBuild(); });
-    expect(
-        "_outArea", [&] { return m.GetSlaveConfiguredList(); });
-    expect(
-        "_outArea", [&] { return m.GetDpv1ConnectionLiveList(); });
-    expect(
-        "_inArea", [&] { m.MapInputData(0, bytes, 0, 1); });
-    expect(
-        "_outArea", [&] { m.MapOutputData(0, bytes, 0, 1); });
-    expect(
-        "_mailbox", [&] { m.GetLiveList(nullptr); });
-    expect(
-        "_mailbox", [&] { m.SetOperationMode(OperationMode_e::STOP); });
-    ExpectFailure<ArgumentOutOfRangeException>(
-        "127", [&] { m.GetSlaveDiag(127, nullptr); });
-    ExpectFailure<ModuleStateException>(
-        "Module not configured", [&] { return m.GetDatabaseInfo(); });
+    expect("_deviceIdArea", [&] { return m.Serial(); });
+    expect("_deviceIdArea", [&] { return m.SoftwareBuild(); });
+    expect("_outArea", [&] { return m.GetSlaveConfiguredList(); });
+    expect("_outArea", [&] { return m.GetDpv1ConnectionLiveList(); });
+    expect("_inArea", [&] { m.MapInputData(0, bytes, 0, 1); });
+    expect("_outArea", [&] { m.MapOutputData(0, bytes, 0, 1); });
+    expect("_mailbox", [&] { m.GetLiveList(nullptr); });
+    expect("_mailbox", [&] { m.SetOperationMode(OperationMode_e::STOP); });
+    ExpectFailure<ArgumentOutOfRangeException>("127", [&] { m.GetSlaveDiag(127, nullptr); });
+    ExpectFailure<ModuleStateException>("Module not configured", [&] { return m.GetDatabaseInfo(); });
     ExpectFailure<ModuleStateException>("Module not booted or configured!", [&] { m.BeginInitialization(); });
 }
 
@@ -236,8 +224,8 @@ TEST_F(Vt22ModuleTest, RefusesAStepThatIsOutOfItsTurn) {
         {&Vt22Module::Download_Next, "_downloadQueue"},
     };
     for (const auto& [step, missing] : steps) {
-        ExpectFailure<System::ArgumentNullException>(
-            "response must not be null", [&, step = step] { (_module.get()->*step)(nullptr); });
+        ExpectFailure<System::ArgumentNullException>("response must not be null",
+                                                     [&, step = step] { (_module.get()->*step)(nullptr); });
         ExpectFailure<NullReferenceException>(std::string(missing) + " is null",
                                               [&, step = step] { (_module.get()->*step)(fine); });
     }
@@ -276,8 +264,7 @@ TEST_F(Vt22ModuleTest, InitialisesAnUnconfiguredModuleFromItsOwnDatabase) {
     EXPECT_EQ(_module->State(), State::INITIALIZED);
     EXPECT_EQ(_dpRam->TakeLog(), Log{"irq"}) << "the change and the common step in one call";
     EXPECT_FALSE(_module->Configured());
-    ExpectFailure<ModuleStateException>(
-        "Module not configured", [&] { return _module->GetDatabaseInfo(); });
+    ExpectFailure<ModuleStateException>("Module not configured", [&] { return _module->GetDatabaseInfo(); });
     ExpectFailure<ModuleStateException>("Module already initialized",
                                         [&] { _module->BeginInitialization(); });
     _clock.Advance(100'000'000'000);
@@ -422,12 +409,10 @@ TEST_F(Vt22ModuleTest, ForgetsItsInitialisationAndItsDatabaseWithAReset) {
 }
 
 TEST(Vt22Test, AsksForItsConfigurationBeforeItOpensAnything) {
-    ExpectFailure<System::ArgumentNullException>(
-        "config must not be null",
-        [] {
-            return Vt22::CreateConfigured(nullptr, 0, nullptr, nullptr, nullptr, nullptr, nullptr, nullptr,
-                                          nullptr);
-        });
+    ExpectFailure<System::ArgumentNullException>("config must not be null", [] {
+        return Vt22::CreateConfigured(nullptr, 0, nullptr, nullptr, nullptr, nullptr, nullptr, nullptr,
+                                      nullptr);
+    });
     for (const auto& create : {+[] { Vt22::CreateUnconfigured(nullptr, 0, nullptr, nullptr, nullptr); },
                                +[] { Vt22::CreateBootloaderModule(nullptr, 0, nullptr, nullptr, nullptr); }})
         ExpectFailure<System::ArgumentNullException>("path must not be null", create);

@@ -60,8 +60,8 @@ TEST_F(FileTest, FailsWithThePathAndLeavesNothingBehind) {
     ExpectFailure<IOException>(_path + ": Is a directory", [&] { Write(_path); });
     EXPECT_EQ(_folder.Count(), 2);
 
-    ExpectFailure<ArgumentNullException>(
-        "path must not be null", [&] { File::WriteAllBytes(nullptr, _bytes); });
+    ExpectFailure<ArgumentNullException>("path must not be null",
+                                         [&] { File::WriteAllBytes(nullptr, _bytes); });
     ExpectFailure<ArgumentNullException>("bytes must not be null",
                                          [&] { File::WriteAllBytes(_path, nullptr); });
 }

@@ -62,8 +62,7 @@ TEST_F(MemoryMappedFileTest, ChecksEveryOffset) {
                                                  {8, "offset (8) must not be equal to capacity_ (8)"},
                                                  {9, "offset (9) must not be greater than capacity_ (8)"}};
     for (const auto& [at, message] : bytes) {
-        ExpectFailure<ArgumentOutOfRangeException>(
-            message, [&, offset = at] { _view->ReadByte(offset); });
+        ExpectFailure<ArgumentOutOfRangeException>(message, [&, offset = at] { _view->ReadByte(offset); });
         ExpectFailure<ArgumentOutOfRangeException>(message,
                                                    [&, offset = at] { _view->WriteByte(offset, 0); });
     }
@@ -111,18 +110,17 @@ TEST_F(MemoryMappedFileTest, IsDeadOnceItIsClosedOrGone) {
 
 TEST_F(MemoryMappedFileTest, IsRefusedWhereItCannotBeMapped) {
     const std::string missing = _folder.Path("missing");
-    ExpectFailure<ArgumentOutOfRangeException>(
-        "offset (-1) must not be less than zero (0)", [&] { Map(missing, -1, 8); });
-    ExpectFailure<ArgumentOutOfRangeException>(
-        "capacity (-1) must not be less than zero (0)", [&] { Map(missing, 0, -1); });
-    ExpectFailure<ArgumentNullException>(
-        "path must not be null", [] { return Map(nullptr, 0, 8); });
-    ExpectFailure<FileNotFoundException>(
-        missing + ": No such file or directory", [&] { return Map(missing, 0, 8); });
-    ExpectFailure<IOException>(
-        _folder.Path("") + ": Is a directory", [&] { return Map(_folder.Path(""), 0, 8); });
-    ExpectFailure<IOException>(
-        _path + ": 5011 bytes long, the mapping needs 5012", [&] { return Map(_path, OFFSET, 9); });
+    ExpectFailure<ArgumentOutOfRangeException>("offset (-1) must not be less than zero (0)",
+                                               [&] { Map(missing, -1, 8); });
+    ExpectFailure<ArgumentOutOfRangeException>("capacity (-1) must not be less than zero (0)",
+                                               [&] { Map(missing, 0, -1); });
+    ExpectFailure<ArgumentNullException>("path must not be null", [] { return Map(nullptr, 0, 8); });
+    ExpectFailure<FileNotFoundException>(missing + ": No such file or directory",
+                                         [&] { return Map(missing, 0, 8); });
+    ExpectFailure<IOException>(_folder.Path("") + ": Is a directory",
+                               [&] { return Map(_folder.Path(""), 0, 8); });
+    ExpectFailure<IOException>(_path + ": 5011 bytes long, the mapping needs 5012",
+                               [&] { return Map(_path, OFFSET, 9); });
     ExpectFailure<IOException>(_path + ": 5011 bytes long, the mapping needs 4294967294",
                                [&] { return Map(_path, 2147483647, 2147483647); });
     EXPECT_NE(Map("/dev/zero", 0, 8), nullptr) << "the size of a device says nothing";

@@ -48,8 +48,7 @@ TEST_P(StreamTest, ReadsUpToItsEnd) {
 
 TEST_P(StreamTest, RefusesARangeOutsideTheArrayAndStaysWhereItIs) {
     const auto array = Bytes::Create(4);
-    ExpectFailure<ArgumentNullException>(
-        "array must not be null", [&] { _stream->Read(nullptr, 0, 1); });
+    ExpectFailure<ArgumentNullException>("array must not be null", [&] { _stream->Read(nullptr, 0, 1); });
     ExpectFailure<ArgumentOutOfRangeException>(
         "offset (2) + count (3) must not be greater than the length of array (4)",
         [&] { return _stream->Read(array, 2, 3); });
@@ -64,8 +63,7 @@ TEST_P(StreamTest, SeeksFromTheStartAndFromWhereItIs) {
     const auto failure = [&] {
         return GetParam() ? _path + ": Invalid argument" : "Seek to -1, before the start of the stream";
     };
-    ExpectFailure<IOException>(
-        failure(), [&] { _stream->Seek(-1, SeekOrigin::BEGIN); });
+    ExpectFailure<IOException>(failure(), [&] { _stream->Seek(-1, SeekOrigin::BEGIN); });
     ExpectFailure<IOException>(failure(), [&] { _stream->Seek(-3, SeekOrigin::CURRENT); });
     EXPECT_EQ(_stream->Position(), 2);
     _stream->Seek(9, SeekOrigin::BEGIN);
@@ -83,8 +81,7 @@ TEST_P(StreamTest, GivesNumbersInEitherByteOrder) {
     _stream->Seek(0, SeekOrigin::BEGIN);
     EXPECT_EQ(big->ReadUInt16(), 0x0102);
     EXPECT_EQ(little->ReadUInt16(), 0xFF00);
-    ExpectFailure<EndOfStreamException>(
-        "Stream ends at byte 5", [&] { return big->ReadUInt16(); });
+    ExpectFailure<EndOfStreamException>("Stream ends at byte 5", [&] { return big->ReadUInt16(); });
     ExpectFailure<EndOfStreamException>("Stream ends at byte 5", [&] { return little->ReadUInt8(); });
 }
 
@@ -125,14 +122,10 @@ TEST(FileStream, OpensARegularFileOnly) {
     const TemporaryFolder folder;
     const std::string missing = folder.Path("missing"), pipe = folder.Path("pipe");
     ASSERT_EQ(mkfifo(pipe.c_str(), 0600), 0);
-    ExpectFailure<FileNotFoundException>(
-        missing + ": No such file or directory", [&] { Open(missing); });
-    ExpectFailure<IOException>(
-        folder.Path("") + ": is a directory", [&] { return Open(folder.Path("")); });
-    ExpectFailure<IOException>(
-        pipe + ": not a regular file", [&] { return Open(pipe); });
-    ExpectFailure<IOException>(
-        "/dev/null: not a regular file", [] { return Open("/dev/null"); });
+    ExpectFailure<FileNotFoundException>(missing + ": No such file or directory", [&] { Open(missing); });
+    ExpectFailure<IOException>(folder.Path("") + ": is a directory", [&] { return Open(folder.Path("")); });
+    ExpectFailure<IOException>(pipe + ": not a regular file", [&] { return Open(pipe); });
+    ExpectFailure<IOException>("/dev/null: not a regular file", [] { return Open("/dev/null"); });
     ExpectFailure<ArgumentNullException>("path must not be null", [] { return Open(nullptr); });
 }
 
@@ -140,17 +133,15 @@ TEST(FileStream, IsOnlyRead) {
     const TemporaryFolder folder;
     const std::string path = folder.Put("file", "x");
     const auto stream = Open(path);
-    ExpectFailure<InvalidOperationException>(
-        path + ": opened for reading", [&] { stream->WriteByte(1); });
+    ExpectFailure<InvalidOperationException>(path + ": opened for reading", [&] { stream->WriteByte(1); });
     ExpectFailure<InvalidOperationException>(path + ": opened for reading",
                                              [&] { stream->Write(Bytes::Create(1), 0, 1); });
     EXPECT_EQ(folder.Content("file"), "x");
 }
 
 TEST(Streams, ReadersAndWritersNeedOne) {
-    ExpectFailure<ArgumentNullException>(
-        "stream must not be null", [] { BinaryReader::Create(nullptr, true); });
-    ExpectFailure<ArgumentNullException>(
-        "stream must not be null", [] { BinaryWriter::Create(nullptr); });
+    ExpectFailure<ArgumentNullException>("stream must not be null",
+                                         [] { BinaryReader::Create(nullptr, true); });
+    ExpectFailure<ArgumentNullException>("stream must not be null", [] { BinaryWriter::Create(nullptr); });
     ExpectFailure<ArgumentNullException>("array must not be null", [] { MemoryStream::Create(nullptr); });
 }

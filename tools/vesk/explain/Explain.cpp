@@ -42,9 +42,8 @@ bool Fits(std::string_view pattern, std::string_view text) {
 template <class Predicate>
 bool AnyName(const Explanation& explanation, Predicate predicate) {
     return predicate(Lower(explanation.name)) ||
-           std::any_of(
-               explanation.otherNames.begin(), explanation.otherNames.end(),
-               [&](const std::string& name) { return predicate(Lower(name)); });
+           std::any_of(explanation.otherNames.begin(), explanation.otherNames.end(),
+                       [&](const std::string& name) { return predicate(Lower(name)); });
 }
 
 template <class Predicate>
@@ -58,8 +57,7 @@ std::vector<Explanation> Find(Predicate predicate) {
 
 std::vector<Explanation> FindExactly(const std::string& word) {
     return Find([&](const Explanation& one) {
-        return AnyName(
-            one, [&](const std::string& name) { return name == word; });
+        return AnyName(one, [&](const std::string& name) { return name == word; });
     });
 }
 

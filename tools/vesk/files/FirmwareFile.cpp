@@ -103,17 +103,15 @@ std::shared_ptr<TarnFile> LoadFirmwareFile(const std::string& path) {
 }
 
 Program LoadProgram(const std::string& path) {
-    return ReadFile(
-        path, "",
-        [&](const auto& file) {
-            const std::int64_t length = file->Length();
-            if (length < 1 || length > static_cast<std::int64_t>(MAX_PROGRAM_SIZE))
-                throw Failure(path + ": " + std::to_string(length) + " bytes; a program has 1 to " +
-                              std::to_string(MAX_PROGRAM_SIZE));
-            const auto bytes = Array<Byte>::Create(static_cast<int>(length));
-            const int got = file->Read(bytes, 0, bytes->Count());
-            return Program(bytes->Data(), bytes->Data() + got);
-        });
+    return ReadFile(path, "", [&](const auto& file) {
+        const std::int64_t length = file->Length();
+        if (length < 1 || length > static_cast<std::int64_t>(MAX_PROGRAM_SIZE))
+            throw Failure(path + ": " + std::to_string(length) + " bytes; a program has 1 to " +
+                          std::to_string(MAX_PROGRAM_SIZE));
+        const auto bytes = Array<Byte>::Create(static_cast<int>(length));
+        const int got = file->Read(bytes, 0, bytes->Count());
+        return Program(bytes->Data(), bytes->Data() + got);
+    });
 }
 
 std::optional<unsigned short> CoveredChecksum(const TarnFile& file) {

@@ -133,12 +133,10 @@ void Flash::Download(BootloaderSession& session) {
     const auto start = std::chrono::steady_clock::now();
     int remaining = plan.Requests();
     try {
-        session.Download(
-            _file,
-            [&](int stillRemaining) {
-                remaining = stillRemaining;
-                progress.Show(plan.Requests() - remaining, plan.Bytes(remaining), SecondsSince(start));
-            });
+        session.Download(_file, [&](int stillRemaining) {
+            remaining = stillRemaining;
+            progress.Show(plan.Requests() - remaining, plan.Bytes(remaining), SecondsSince(start));
+        });
     } catch (const std::shared_ptr<System::Exception>& exception) {
         progress.End();
         const bool refused = dynamic_cast<Vesk::Mailbox::MailboxResponseException*>(exception.get());

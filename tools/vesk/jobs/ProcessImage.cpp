@@ -35,11 +35,9 @@ ProcessImage::ProcessImage(const Vesk::Modules::DPVM::Config::IBusConfig& config
         const auto table = config.Slave(address)->AddressTable();
         const Slave slave{address, Array<unsigned char>::Create(table->InputOffsetTable()->Count()),
                           Array<unsigned char>::Create(table->OutputOffsetTable()->Count())};
-        ForEachRun(
-            *table->InputOffsetTable(),
-            [&](unsigned short place, int index, int count) {
-                module.MapInputData(place, slave.input, index, count);
-            });
+        ForEachRun(*table->InputOffsetTable(), [&](unsigned short place, int index, int count) {
+            module.MapInputData(place, slave.input, index, count);
+        });
         ForEachRun(*table->OutputOffsetTable(), [&](unsigned short place, int index, int count) {
             module.MapOutputData(place, slave.output, index, count);
         });

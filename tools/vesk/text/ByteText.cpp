@@ -15,8 +15,7 @@ static std::string Digits(unsigned int value, unsigned int count) {
 }
 
 static bool IsZero(std::span<const unsigned char> bytes) {
-    return std::all_of(
-        bytes.begin(), bytes.end(), [](unsigned char byte) { return byte == 0; });
+    return std::all_of(bytes.begin(), bytes.end(), [](unsigned char byte) { return byte == 0; });
 }
 
 std::string Printable(std::string_view text) {

@@ -83,8 +83,7 @@ TEST_F(BusConfigTest, PrintsMasterAndSlavesInTheirOrder) {
 
 TEST_F(BusConfigTest, BuilderRefusesWhatIsMissingOrTwice) {
     const auto builder = BusConfig::Builder::Create();
-    ExpectFailure<System::ArgumentNullException>(
-        "master must not be null", [&] { builder->Build(); });
+    ExpectFailure<System::ArgumentNullException>("master must not be null", [&] { builder->Build(); });
     ExpectFailure<System::ArgumentNullException>("record must not be null",
                                                  [&] { builder->Slave(7, nullptr); });
 

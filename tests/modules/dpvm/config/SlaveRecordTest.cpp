@@ -162,15 +162,14 @@ TEST(SlaveRecord, LeavesTheStreamWhereABlockFailed) {
 
 TEST(SlaveRecord, EndsWithTheStream) {
     for (const int length : {0, 1, 3, 11, 17, 24, 36, 43, 45, 47, 51, 53, 55, 58, 59, 60, 64}) {
-        ExpectFailure<EndOfStreamException>(
-            "Stream ends at byte " + std::to_string(length),
-            [&] { Read<SlaveRecord>(FirstOf(SLAVE, length)); });
+        ExpectFailure<EndOfStreamException>("Stream ends at byte " + std::to_string(length),
+                                            [&] { Read<SlaveRecord>(FirstOf(SLAVE, length)); });
     }
 }
 
 TEST(SlaveRecord, NeedsAStream) {
-    ExpectFailure<System::ArgumentNullException>(
-        "stream must not be null", [] { return SlaveRecord::FromStream(nullptr); });
+    ExpectFailure<System::ArgumentNullException>("stream must not be null",
+                                                 [] { return SlaveRecord::FromStream(nullptr); });
     ExpectFailure<System::ArgumentNullException>("stream must not be null",
                                                  [] { Read<SlaveRecord>(SLAVE)->ToStream(nullptr); });
 }
