@@ -2,7 +2,7 @@
 // What does a Class 1 read cost from the call to the callback, with a module that answers at once?
 #include "benchmarks/Accesses.h"
 #include "benchmarks/Measure.h"
-#include "tests/cycle/Heap.h"
+#include "endurance/Heap.h"
 #include "tests/support/RunningMaster.h"
 
 #include "vesk/mailbox/IResponse.h"

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 // How much of the heap does a running master take, beside the application's arrays?
 #include "benchmarks/Measure.h"
-#include "tests/cycle/Heap.h"
+#include "endurance/Heap.h"
 #include "tests/support/RunningMaster.h"
 
 #include "vesk/hostinterface/MasterDpRam.h"

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 // A cycle costs its accesses to the DPRAM and looks at the clock: no allocation, no lock, no throw, no system
 // call. A program apart, since it counts them in place of the process's own functions.
-#include "tests/cycle/Heap.h"
+#include "endurance/Heap.h"
 #include "tests/support/RunningMaster.h"
 #include "tests/support/TemporaryFolder.h"
 #include "tests/support/TestClock.h"

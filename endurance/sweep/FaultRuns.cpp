@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
-#include "tests/sweep/FaultRuns.h"
+#include "endurance/sweep/FaultRuns.h"
 
-#include "tests/cycle/Heap.h"
+#include "endurance/Heap.h"
 
 #include "vesk/hostinterface/MasterDpRam.h"
 
@@ -104,12 +104,15 @@ FaultRuns::Good FaultRuns::LiveWell(Kind kind) {
 }
 
 void FaultRuns::AddModuleFaults(Kind life) {
-    for (const FaultKind& kind : Faults())
-        for (unsigned step = 1; step <= _good[life].moduleSteps[static_cast<std::size_t>(kind.counts)];
-             ++step)
+    for (const FaultKind& kind : Faults()) {
+        if (life == kind.life)
+            _runs.push_back({life, {kind.Usual()}, nullptr, 0, 0, {&kind.Promise()}, true});
+        const unsigned steps = _good[life].moduleSteps[static_cast<std::size_t>(kind.counts)];
+        for (unsigned step = 1; step <= steps; ++step)
             for (const unsigned value : ValuesOf(kind, _good[life], step))
                 for (const unsigned count : std::set<unsigned>{kind.count, 1})
                     _runs.push_back({life, {{kind.id, step, count, value}}, nullptr, 0, 0, kind.outcomes});
+    }
 }
 
 std::vector<unsigned> FaultRuns::ValuesOf(const FaultKind& kind, const Good& good, unsigned step) const {
@@ -174,9 +177,10 @@ std::string FaultRuns::Live(const FaultRun& run) const {
     }
 }
 
-/// What does not strike, or only when hardly anything is left to be done, changes nothing.
+/// What does not strike, or only when hardly anything is left to be done, changes nothing. The example of a
+/// row always strikes.
 std::vector<const Outcome*> FaultRuns::PromisedOf(const FaultRun& run, bool struck) const {
-    if (run.moduleFaults.empty())
+    if (run.moduleFaults.empty() || run.usual)
         return run.promised;
     if (!struck)
         return {&Outcomes::SAME_DATA};

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
-#include "tests/sweep/HostSteps.h"
+#include "endurance/sweep/HostSteps.h"
 
-#include "tests/cycle/Heap.h"
+#include "endurance/Heap.h"
 
 #include "vesk/hostinterface/BootloaderDpRam.h"
 #include "vesk/hostinterface/MasterDpRam.h"

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: MIT
 // Random use of a virtual module without end: worlds, each with a module and a configuration of its own, one
 // after the other. `vesk_soak [--seconds N | --worlds N] [--seed N]`.
-#include "tests/cycle/Heap.h"
-#include "tests/soak/Soak.h"
+#include "endurance/Heap.h"
+#include "endurance/soak/Soak.h"
 
 #include "vesk/hostinterface/RuntimeConfig.h"
 

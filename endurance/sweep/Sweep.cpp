@@ -1,7 +1,8 @@
 // SPDX-License-Identifier: MIT
 // vesk_sweep [--every N] [--jobs N]: lives a whole life for every fault and every step at which it can
-// strike, or for every N-th of them, in so many processes, and says whether each was as promised.
-#include "tests/sweep/FaultRuns.h"
+// strike, or for every N-th of them and the example of every fault, in so many processes, and says whether
+// each was as promised.
+#include "endurance/sweep/FaultRuns.h"
 
 #include <cerrno>
 #include <cstdio>
@@ -50,10 +51,17 @@ Progress* ShareProgress(std::size_t jobs) {
     return progress;
 }
 
+bool IsTaken(const FaultRun& run, std::size_t index, const Options& options) {
+    return index % options.every == 0 || run.usual;
+}
+
 /// The job-th of so many equal parts of the runs.
 void Sweep(const FaultRuns& runs, const Options& options, std::size_t job, Progress& progress) {
     const std::vector<FaultRun>& all = runs.All();
-    for (std::size_t i = job * options.every; i < all.size(); i += options.jobs * options.every) {
+    std::size_t taken = 0;
+    for (std::size_t i = 0; i < all.size(); ++i) {
+        if (!IsTaken(all[i], i, options) || taken++ % options.jobs != job)
+            continue;
         progress.current = i;
         const std::string broken = runs.Broken(all[i]);
         ++progress.done;

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "tests/sweep/HostSteps.h"
+#include "endurance/sweep/HostSteps.h"
 
 #include <map>
 
@@ -13,6 +13,7 @@ struct FaultRun {
     unsigned step = 0;   // of the host fault
     long allocation = 0; // which one fails; 0: none
     std::vector<const VirtualModule::Outcome*> promised;
+    bool usual = false; // the example of its row in the table of faults
 
     std::string Text() const;
 };

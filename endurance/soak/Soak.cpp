@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "tests/soak/Soak.h"
+#include "endurance/soak/Soak.h"
 
 #include "tests/support/DatabaseFileBuilder.h"
 #include "tests/support/ModuleLines.h"

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "tests/cycle/Heap.h"
+#include "endurance/Heap.h"
 
 #include <cstdlib>
 #include <malloc.h>
