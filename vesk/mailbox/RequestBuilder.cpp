@@ -15,6 +15,10 @@ std::shared_ptr<RequestBuilder> RequestBuilder::Create() {
     return System::MakeShared<RequestBuilder>();
 }
 
+std::shared_ptr<RequestBuilder> RequestBuilder::Create(const MailboxCommand& command) {
+    return Create()->Type(command.type)->Name(command.name)->Command(command.number);
+}
+
 std::shared_ptr<RequestBuilder> RequestBuilder::Type(std::shared_ptr<MessageType> type) {
     _type = std::move(type);
     return shared_from_this();

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "vesk/mailbox/Commands.h"
 #include "vesk/mailbox/IRequest.h"
 
 namespace Vesk::Mailbox {
@@ -11,6 +12,8 @@ class RequestBuilder : public System::Object, public std::enable_shared_from_thi
 public:
     /// Command 0, frame 1 of 1, offset 0, extended words 0, no data; neither type nor name.
     static std::shared_ptr<RequestBuilder> Create();
+    /// The same with the type, the number and the name of `command`.
+    static std::shared_ptr<RequestBuilder> Create(const MailboxCommand& command);
 
     std::shared_ptr<RequestBuilder> Type(std::shared_ptr<MessageType> type);
     /// The command's name for logs.

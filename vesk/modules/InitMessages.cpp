@@ -6,19 +6,14 @@
 namespace Vesk::Modules::Slave {
 
 using Mailbox::IRequest;
-using Mailbox::MessageType;
 using Mailbox::RequestBuilder;
 
 std::shared_ptr<IRequest> InitMessages::StartInit() {
-    return RequestBuilder::Create()
-        ->Type(MessageType::APPLICATION)
-        ->Name("StartInit")
-        ->Command(0x01)
-        ->Build();
+    return RequestBuilder::Create(Mailbox::Commands::START_INIT)->Build();
 }
 
 std::shared_ptr<IRequest> InitMessages::EndInit() {
-    return RequestBuilder::Create()->Type(MessageType::APPLICATION)->Name("EndInit")->Command(0x03)->Build();
+    return RequestBuilder::Create(Mailbox::Commands::END_INIT)->Build();
 }
 
 } // namespace Vesk::Modules::Slave

@@ -8,6 +8,9 @@
 namespace Vesk::Modules::Bootloader {
 
 using Mailbox::IRequest;
+using Mailbox::MailboxCommand;
+using Mailbox::RequestBuilder;
+namespace Commands = Mailbox::Commands;
 using System::Array;
 using System::IArray;
 
@@ -15,24 +18,17 @@ static constexpr int FW_INIT_SIZE = 8;
 static constexpr int FW_LAST_SIZE = 38; // the CRC information and 28 bytes that stay 0
 static constexpr int BL_LAST_SIZE = 10;
 
-static std::shared_ptr<Mailbox::RequestBuilder> Request(const char* name, unsigned short command) {
-    return Mailbox::RequestBuilder::Create()
-        ->Type(Mailbox::MessageType::BOOTLOADER)
-        ->Name(name)
-        ->Command(command);
-}
-
-static std::shared_ptr<IRequest> Last(const char* name, unsigned short command, int size, unsigned short crc,
+static std::shared_ptr<IRequest> Last(const MailboxCommand& command, int size, unsigned short crc,
                                       unsigned int crcStart, unsigned int crcLength) {
     const auto data = Array<unsigned char>::Create(size);
     BootloaderMessages::WriteCrcInfo(crc, crcStart, crcLength, data);
-    return Request(name, command)->Data(data)->Build();
+    return RequestBuilder::Create(command)->Data(data)->Build();
 }
 
-static std::shared_ptr<IRequest> Data(const char* name, unsigned short command,
-                                      unsigned short totalFrameCount, unsigned short frameNumber,
-                                      unsigned int offset, std::shared_ptr<IArray<unsigned char>> data) {
-    return Request(name, command)
+static std::shared_ptr<IRequest> Data(const MailboxCommand& command, unsigned short totalFrameCount,
+                                      unsigned short frameNumber, unsigned int offset,
+                                      std::shared_ptr<IArray<unsigned char>> data) {
+    return RequestBuilder::Create(command)
         ->Data(std::move(data))
         ->TotalFrameCount(totalFrameCount)
         ->FrameNumber(frameNumber)
@@ -41,33 +37,35 @@ static std::shared_ptr<IRequest> Data(const char* name, unsigned short command,
 }
 
 std::shared_ptr<IRequest> BootloaderMessages::FwDownloadInit() {
-    return Request("FwDownloadInit", 1)->Data(Array<unsigned char>::Create(FW_INIT_SIZE))->Build();
+    return RequestBuilder::Create(Commands::FW_DOWNLOAD_INIT)
+        ->Data(Array<unsigned char>::Create(FW_INIT_SIZE))
+        ->Build();
 }
 
 std::shared_ptr<IRequest> BootloaderMessages::FwDownloadData(unsigned short totalFrameCount,
                                                              unsigned short frameNumber, unsigned int offset,
                                                              std::shared_ptr<IArray<unsigned char>> data) {
-    return Data("FwDownloadData", 2, totalFrameCount, frameNumber, offset, std::move(data));
+    return Data(Commands::FW_DOWNLOAD_DATA, totalFrameCount, frameNumber, offset, std::move(data));
 }
 
 std::shared_ptr<IRequest> BootloaderMessages::FwDownloadLast(unsigned short crc, unsigned int crcStart,
                                                              unsigned int crcLength) {
-    return Last("FwDownloadLast", 3, FW_LAST_SIZE, crc, crcStart, crcLength);
+    return Last(Commands::FW_DOWNLOAD_LAST, FW_LAST_SIZE, crc, crcStart, crcLength);
 }
 
 std::shared_ptr<IRequest> BootloaderMessages::BlDownloadInit() {
-    return Request("BlDownloadInit", 4)->Build();
+    return RequestBuilder::Create(Commands::BL_DOWNLOAD_INIT)->Build();
 }
 
 std::shared_ptr<IRequest> BootloaderMessages::BlDownloadData(unsigned short totalFrameCount,
                                                              unsigned short frameNumber, unsigned int offset,
                                                              std::shared_ptr<IArray<unsigned char>> data) {
-    return Data("BlDownloadData", 5, totalFrameCount, frameNumber, offset, std::move(data));
+    return Data(Commands::BL_DOWNLOAD_DATA, totalFrameCount, frameNumber, offset, std::move(data));
 }
 
 std::shared_ptr<IRequest> BootloaderMessages::BlDownloadLast(unsigned short crc, unsigned int crcStart,
                                                              unsigned int crcLength) {
-    return Last("BlDownloadLast", 6, BL_LAST_SIZE, crc, crcStart, crcLength);
+    return Last(Commands::BL_DOWNLOAD_LAST, BL_LAST_SIZE, crc, crcStart, crcLength);
 }
 
 void BootloaderMessages::WriteCrcInfo(unsigned short crc, unsigned int crcStart, unsigned int crcLength,

@@ -5,24 +5,19 @@
 
 namespace Vesk::Modules::Bootloader {
 
-static std::shared_ptr<Mailbox::IRequest> Build(const char* name, unsigned short command) {
-    return Mailbox::RequestBuilder::Create()
-        ->Type(Mailbox::MessageType::PRODUCTION)
-        ->Name(name)
-        ->Command(command)
-        ->Build();
-}
+using Mailbox::RequestBuilder;
+namespace Commands = Mailbox::Commands;
 
 std::shared_ptr<Mailbox::IRequest> ProductionMessages::Enable() {
-    return Build("Enable", 1);
+    return RequestBuilder::Create(Commands::ENABLE)->Build();
 }
 
 std::shared_ptr<Mailbox::IRequest> ProductionMessages::FlashWriteEnable() {
-    return Build("FlashWriteEnable", 2);
+    return RequestBuilder::Create(Commands::FLASH_WRITE_ENABLE)->Build();
 }
 
 std::shared_ptr<Mailbox::IRequest> ProductionMessages::FlashErase() {
-    return Build("FlashErase", 3);
+    return RequestBuilder::Create(Commands::FLASH_ERASE)->Build();
 }
 
 } // namespace Vesk::Modules::Bootloader

@@ -12,7 +12,9 @@ namespace Vesk::Modules::DPVM {
 
 using HostInterface::MailboxDpRam::MAX_DATA_SIZE;
 using Mailbox::IRequest;
+using Mailbox::MailboxCommand;
 using Mailbox::RequestBuilder;
+namespace Commands = Mailbox::Commands;
 using System::Collections::Generic::List;
 using System::Collections::Generic::ReadOnlyCollection;
 
@@ -32,25 +34,20 @@ static unsigned short Word(unsigned char high, unsigned char low) {
     return static_cast<unsigned short>(high << 8 | low);
 }
 
-static std::shared_ptr<RequestBuilder> Service(const char* name, unsigned short command) {
-    return RequestBuilder::Create()->Type(Mailbox::MessageType::FIELDBUS)->Name(name)->Command(command);
-}
-
 /// A service about one slave, without further arguments.
-static std::shared_ptr<IRequest> SlaveService(const char* name, unsigned short command,
-                                              unsigned char slaveAddress) {
+static std::shared_ptr<IRequest> SlaveService(const MailboxCommand& command, unsigned char slaveAddress) {
     CheckAddress(slaveAddress);
-    return Service(name, command)->Extended(Word(slaveAddress, 0), 0)->Build();
+    return RequestBuilder::Create(command)->Extended(Word(slaveAddress, 0), 0)->Build();
 }
 
 /// A service about the slaves of a list.
-static std::shared_ptr<IRequest> SlaveListService(const char* name, unsigned short command,
+static std::shared_ptr<IRequest> SlaveListService(const MailboxCommand& command,
                                                   const DPVMMessages::Bytes& slaves) {
     if (!slaves)
         System::_throw_argument_null_exception("slaves");
     if (slaves->Count() != SLAVE_LIST_SIZE)
         ThrowOutOfRange(slaves->Count());
-    return Service(name, command)->Data(slaves)->Build();
+    return RequestBuilder::Create(command)->Data(slaves)->Build();
 }
 
 static unsigned char LengthByte(const DPVMMessages::Bytes& data) {
@@ -75,7 +72,7 @@ std::shared_ptr<IRequest> DPVMMessages::SetOperationMode(OperationMode_e mode) {
     case OperationMode_e::STOP:
     case OperationMode_e::CLEAR:
     case OperationMode_e::OPERATE:
-        return Service("SetOperationMode", 0x02)->Extended(Word(value, 0), 0)->Build();
+        return RequestBuilder::Create(Commands::SET_OPERATION_MODE)->Extended(Word(value, 0), 0)->Build();
     }
     ThrowOutOfRange(value);
 }
@@ -85,11 +82,11 @@ std::shared_ptr<IRequest> DPVMMessages::GetSlaveDiag(unsigned char slaveAddress,
     const auto type = static_cast<unsigned char>(requestType);
     if (requestType > RequestType_e::TYPE_1)
         ThrowOutOfRange(type);
-    return Service("GetSlaveDiag", 0x04)->Extended(Word(slaveAddress, type), 0)->Build();
+    return RequestBuilder::Create(Commands::GET_SLAVE_DIAG)->Extended(Word(slaveAddress, type), 0)->Build();
 }
 
 std::shared_ptr<IRequest> DPVMMessages::GetSlaveConfig(unsigned char slaveAddress) {
-    return SlaveService("GetSlaveConfig", 0x05, slaveAddress);
+    return SlaveService(Commands::GET_SLAVE_CONFIG, slaveAddress);
 }
 
 std::shared_ptr<IRequest> DPVMMessages::SetSlaveAddress(unsigned char slaveAddress,
@@ -97,7 +94,7 @@ std::shared_ptr<IRequest> DPVMMessages::SetSlaveAddress(unsigned char slaveAddre
                                                         unsigned short identNumber,
                                                         unsigned char noAddressChange, const Bytes& data) {
     CheckAddress(slaveAddress);
-    return Service("SetSlaveAddress", 0x06)
+    return RequestBuilder::Create(Commands::SET_SLAVE_ADDRESS)
         ->Extended(Word(slaveAddress, newSlaveAddress), 0)
         ->Extended(identNumber, 1)
         ->Extended(Word(noAddressChange, 0), 2)
@@ -106,38 +103,38 @@ std::shared_ptr<IRequest> DPVMMessages::SetSlaveAddress(unsigned char slaveAddre
 }
 
 std::shared_ptr<IRequest> DPVMMessages::ReadSlaveInput(unsigned char slaveAddress) {
-    return SlaveService("ReadSlaveInput", 0x09, slaveAddress);
+    return SlaveService(Commands::READ_SLAVE_INPUT, slaveAddress);
 }
 
 std::shared_ptr<IRequest> DPVMMessages::ReadSlaveOutput(unsigned char slaveAddress) {
-    return SlaveService("ReadSlaveOutput", 0x0A, slaveAddress);
+    return SlaveService(Commands::READ_SLAVE_OUTPUT, slaveAddress);
 }
 
 std::shared_ptr<IRequest> DPVMMessages::StartSlave(const Bytes& slaves) {
-    return SlaveListService("StartSlave", 0x0B, slaves);
+    return SlaveListService(Commands::START_SLAVE, slaves);
 }
 
 std::shared_ptr<IRequest> DPVMMessages::StopSlave(const Bytes& slaves) {
-    return SlaveListService("StopSlave", 0x0C, slaves);
+    return SlaveListService(Commands::STOP_SLAVE, slaves);
 }
 
 std::shared_ptr<IRequest> DPVMMessages::GetLiveList() {
-    return Service("GetLiveList", 0x18)->Build();
+    return RequestBuilder::Create(Commands::GET_LIVE_LIST)->Build();
 }
 
 std::shared_ptr<IRequest> DPVMMessages::StartDatabaseDownload() {
-    return Service("StartDatabaseDownload", 0x10)->Build();
+    return RequestBuilder::Create(Commands::START_DATABASE_DOWNLOAD)->Build();
 }
 
 std::shared_ptr<IRequest> DPVMMessages::EndDatabaseDownload(const System::String& description) {
-    return Service("EndDatabaseDownload", 0x11)
+    return RequestBuilder::Create(Commands::END_DATABASE_DOWNLOAD)
         ->Data(System::Text::Encoding::ASCII::GetBytes(description))
         ->Build();
 }
 
 std::shared_ptr<IRequest>
 DPVMMessages::MasterRecordDownload(const std::shared_ptr<Config::IMasterRecord>& record) {
-    return Service("MasterRecordDownload", 0x12)->Data(BinaryForm(record))->Build();
+    return RequestBuilder::Create(Commands::MASTER_RECORD_DOWNLOAD)->Data(BinaryForm(record))->Build();
 }
 
 std::shared_ptr<ReadOnlyCollection<std::shared_ptr<IRequest>>>
@@ -147,7 +144,8 @@ DPVMMessages::SlaveRecordDownload(unsigned char slaveAddress,
     // Only a byte of it travels.
     const auto fragmentCount =
         static_cast<unsigned char>((bytes->Count() + MAX_DATA_SIZE - 1) / MAX_DATA_SIZE);
-    const auto builder = Service("SlaveRecordDownload", 0x14)->Extended(Word(fragmentCount, 0), 1);
+    const auto builder =
+        RequestBuilder::Create(Commands::SLAVE_RECORD_DOWNLOAD)->Extended(Word(fragmentCount, 0), 1);
 
     const auto requests = List<std::shared_ptr<IRequest>>::Create();
     int offset = 0;
@@ -162,17 +160,17 @@ DPVMMessages::SlaveRecordDownload(unsigned char slaveAddress,
 }
 
 std::shared_ptr<IRequest> DPVMMessages::DeleteDatabase() {
-    return Service("DeleteDatabase", 0x16)->Build();
+    return RequestBuilder::Create(Commands::DELETE_DATABASE)->Build();
 }
 
 std::shared_ptr<IRequest> DPVMMessages::GetDatabaseInfo() {
-    return Service("GetDatabaseInfo", 0x17)->Build();
+    return RequestBuilder::Create(Commands::GET_DATABASE_INFO)->Build();
 }
 
 std::shared_ptr<IRequest> DPVMMessages::Class1Read(unsigned char slaveAddress, unsigned char slot,
                                                    unsigned char index, unsigned char length) {
     CheckAddress(slaveAddress);
-    return Service("Class1Read", 0x20)
+    return RequestBuilder::Create(Commands::CLASS1_READ)
         ->Extended(Word(slaveAddress, slot), 0)
         ->Extended(Word(index, length), 1)
         ->Build();
@@ -181,7 +179,7 @@ std::shared_ptr<IRequest> DPVMMessages::Class1Read(unsigned char slaveAddress, u
 std::shared_ptr<IRequest> DPVMMessages::Class1Write(unsigned char slaveAddress, unsigned char slot,
                                                     unsigned char index, const Bytes& data) {
     CheckAddress(slaveAddress);
-    return Service("Class1Write", 0x21)
+    return RequestBuilder::Create(Commands::CLASS1_WRITE)
         ->Extended(Word(slaveAddress, slot), 0)
         ->Extended(Word(index, LengthByte(data)), 1)
         ->Data(data)
@@ -191,7 +189,7 @@ std::shared_ptr<IRequest> DPVMMessages::Class1Write(unsigned char slaveAddress, 
 std::shared_ptr<IRequest> DPVMMessages::Class2InitiateNormal(unsigned char slaveAddress,
                                                              unsigned short communicationReference) {
     CheckAddress(slaveAddress);
-    return Service("Class2InitiateNormal", 0x25)
+    return RequestBuilder::Create(Commands::CLASS2_INITIATE_NORMAL)
         ->Extended(communicationReference, 0)
         ->Extended(Word(slaveAddress, 0), 1)
         ->Build();
@@ -199,7 +197,7 @@ std::shared_ptr<IRequest> DPVMMessages::Class2InitiateNormal(unsigned char slave
 
 std::shared_ptr<IRequest> DPVMMessages::Class2Abort(unsigned short communicationReference,
                                                     unsigned char subnet, unsigned char reasonCode) {
-    return Service("Class2Abort", 0x26)
+    return RequestBuilder::Create(Commands::CLASS2_ABORT)
         ->Extended(communicationReference, 0)
         ->Extended(Word(subnet, reasonCode), 1)
         ->Build();
@@ -207,7 +205,7 @@ std::shared_ptr<IRequest> DPVMMessages::Class2Abort(unsigned short communication
 
 std::shared_ptr<IRequest> DPVMMessages::Class2Read(unsigned short communicationReference, unsigned char slot,
                                                    unsigned char index, unsigned char length) {
-    return Service("Class2Read", 0x27)
+    return RequestBuilder::Create(Commands::CLASS2_READ)
         ->Extended(communicationReference, 0)
         ->Extended(Word(slot, index), 1)
         ->Extended(Word(length, 0), 2)
@@ -216,7 +214,7 @@ std::shared_ptr<IRequest> DPVMMessages::Class2Read(unsigned short communicationR
 
 std::shared_ptr<IRequest> DPVMMessages::Class2Write(unsigned short communicationReference, unsigned char slot,
                                                     unsigned char index, const Bytes& data) {
-    return Service("Class2Write", 0x28)
+    return RequestBuilder::Create(Commands::CLASS2_WRITE)
         ->Extended(communicationReference, 0)
         ->Extended(Word(slot, index), 1)
         ->Extended(Word(LengthByte(data), 0), 2)

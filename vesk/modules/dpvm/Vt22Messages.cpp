@@ -14,12 +14,7 @@ std::shared_ptr<Mailbox::IRequest> Vt22Messages::VelmoInit(unsigned short input1
     const auto writer = System::IO::BinaryWriter::Create(stream);
     for (const unsigned short length : {input1, input2, input3, output1, output2, output3})
         writer->WriteUInt16(length);
-    return Mailbox::RequestBuilder::Create()
-        ->Type(Mailbox::MessageType::APPLICATION)
-        ->Name("VelmoInit")
-        ->Command(0x02)
-        ->Data(stream->ToArray())
-        ->Build();
+    return Mailbox::RequestBuilder::Create(Mailbox::Commands::VELMO_INIT)->Data(stream->ToArray())->Build();
 }
 
 } // namespace Vesk::Modules::DPVM

@@ -4,6 +4,7 @@
 #include "vesk/core/ErrorStrings.h"
 #include "vesk/core/VeskException.h"
 #include "vesk/hostinterface/MailboxDpRam.h"
+#include "vesk/mailbox/Commands.h"
 #include "vesk/mailbox/Header.h"
 #include "vesk/modules/dpvm/config/Block.h"
 #include "vesk/modules/dpvm/config/BusConfig.h"
@@ -23,6 +24,8 @@ using HostInterface::MailboxDpRam::AREA_SIZE;
 using HostInterface::MailboxDpRam::HEADER_SIZE;
 using HostInterface::MailboxDpRam::MAX_DATA_SIZE;
 using Mailbox::Header;
+using Mailbox::MailboxCommand;
+namespace Commands = Mailbox::Commands;
 using System::Array;
 using System::ArraySegment;
 using System::String;
@@ -32,8 +35,6 @@ using System::IO::Stream;
 
 static constexpr int CHECKSUM_DIGITS = 8;
 static constexpr int MAX_FRAGMENTS = 255; // of one record
-static constexpr unsigned short MASTER_RECORD_DOWNLOAD = 0x12;
-static constexpr unsigned short SLAVE_RECORD_DOWNLOAD = 0x14;
 
 static void Require(bool condition, const char* name, unsigned int value, const char* otherName,
                     unsigned int other) {
@@ -69,7 +70,7 @@ public:
     bool AtEnd() const { return _stream->Position() >= _stream->Length(); }
 
     /// The next message's header, which has to carry `command`.
-    std::shared_ptr<Header> ReadHeader(const char* commandName, unsigned short command);
+    std::shared_ptr<Header> ReadHeader(const char* commandName, const MailboxCommand& command);
     /// Appends the message's data to the record and goes on to the next message.
     void ReadData(const Header& header);
     /// The record, good until the next ReadData, which begins another.
@@ -89,10 +90,10 @@ MessageReader::MessageReader(std::shared_ptr<Stream> stream) : _stream(std::move
         System::_env_throw(System::FormatException::Create(System::Convert::ToString(rest, 16)));
 }
 
-std::shared_ptr<Header> MessageReader::ReadHeader(const char* commandName, unsigned short command) {
+std::shared_ptr<Header> MessageReader::ReadHeader(const char* commandName, const MailboxCommand& command) {
     ReadExactly(_stream, _header, 0, HEADER_SIZE);
     auto header = Header::FromArray(_header, 0, false);
-    Require(header->Command == command, "command", header->Command, commandName, command);
+    Require(header->Command == command.number, "command", header->Command, commandName, command.number);
     return header;
 }
 
@@ -115,7 +116,7 @@ std::shared_ptr<Stream> MessageReader::TakeRecord() {
 } // namespace
 
 static void ReadMaster(MessageReader& messages, BusConfig::Builder& builder) {
-    const auto header = messages.ReadHeader("MASTER_RECORD_DOWNLOAD", MASTER_RECORD_DOWNLOAD);
+    const auto header = messages.ReadHeader("MASTER_RECORD_DOWNLOAD", Commands::MASTER_RECORD_DOWNLOAD);
     messages.ReadData(*header);
     builder.Master(MasterRecord::FromStream(messages.TakeRecord()));
 }
@@ -125,7 +126,7 @@ static void ReadSlaves(MessageReader& messages, BusConfig::Builder& builder) {
     unsigned int previousNumber = 0; // 0 before the first fragment of a record
     unsigned int currentAddress = 0;
     while (!messages.AtEnd()) {
-        const auto header = messages.ReadHeader("SLAVE_RECORD_DOWNLOAD", SLAVE_RECORD_DOWNLOAD);
+        const auto header = messages.ReadHeader("SLAVE_RECORD_DOWNLOAD", Commands::SLAVE_RECORD_DOWNLOAD);
         const auto address = static_cast<unsigned char>(header->Extended->Get(0) >> 8);
         const unsigned int number = header->Extended->Get(0) & 0xFF;
         const unsigned int lastNumber = header->Extended->Get(1) >> 8;
