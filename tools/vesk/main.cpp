@@ -41,27 +41,7 @@ static int Execute(int argc, char** argv) {
     program.require_subcommand(1);
     int status = VeskTool::FAILED;
     AddTrace(program);
-    VeskTool::AddIdentify(program, status);
-    VeskTool::AddStatus(program, status);
-    VeskTool::AddSlaves(program, status);
-    VeskTool::AddLiveList(program, status);
-    VeskTool::AddSlaveVerbs(program, status);
-    VeskTool::AddRead(program, status);
-    VeskTool::AddWrite(program, status);
-    VeskTool::AddStartStop(program, status);
-    VeskTool::AddMode(program, status);
-    VeskTool::AddSetAddress(program, status);
-    VeskTool::AddDatabase(program, status);
-    VeskTool::AddDownload(program, status);
-    VeskTool::AddVerify(program, status);
-    VeskTool::AddRun(program, status);
-    VeskTool::AddModule(program, status);
-    VeskTool::AddFlash(program, status);
-    VeskTool::AddFirmware(program, status);
-    VeskTool::AddConfig(program, status);
-    VeskTool::AddDump(program, status);
-    VeskTool::AddExplain(program, status);
-    VeskTool::AddGenerate(program, status);
+    VeskTool::AddCommands(program, status);
     try {
         program.parse(argc, argv);
     } catch (const CLI::ParseError& error) {

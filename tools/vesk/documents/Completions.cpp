@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "tools/vesk/documents/CommandTree.h"
 
+#include "tools/vesk/text/Text.h"
+
 #include <string_view>
 
 namespace VeskTool {
@@ -13,13 +15,6 @@ void Walk(const CommandTree& command, Visit visit) {
     visit(command);
     for (const CommandTree& one : command.commands)
         Walk(one, visit);
-}
-
-std::string Joined(const std::vector<std::string>& words) {
-    std::string text;
-    for (const std::string& word : words)
-        text += (text.empty() ? "" : " ") + word;
-    return text;
 }
 
 /// What may follow the command: further commands, or the values of its arguments.
@@ -87,7 +82,7 @@ std::string ZshOption(const CommandTree::Parameter& option) {
 std::string ZshArguments(const CommandTree& command) {
     const std::vector<std::string> values =
         command.commands.empty() ? Words(command) : std::vector<std::string>();
-    return values.empty() ? "'*:argument:_files'" : "'*:argument:(" + Joined(values) + ")'";
+    return values.empty() ? "'*:argument:_files'" : "'*:argument:(" + Joined(values, " ") + ")'";
 }
 
 std::string ZshCase(const CommandTree& program, const CommandTree& command) {
@@ -122,8 +117,8 @@ std::string BashCompletion(const CommandTree& program) {
                        "    for word in \"${COMP_WORDS[@]:1:COMP_CWORD-1}\"; do\n" +
                        FollowCommands(program) + "    done\n    case \"$at\" in\n";
     Walk(program, [&](const CommandTree& command) {
-        text += "        '" + PathBelow(program, command) + "') words='" + Joined(Words(command)) +
-                "' options='" + Joined(OptionNames(command)) + "' ;;\n";
+        text += "        '" + PathBelow(program, command) + "') words='" + Joined(Words(command), " ") +
+                "' options='" + Joined(OptionNames(command), " ") + "' ;;\n";
     });
     return text +
            "    esac\n"
@@ -173,7 +168,7 @@ std::string FishCompletion(const CommandTree& program) {
             text += only + " -f -a " + one.name + " -d " + Quoted(one.Summary(), "\\'") + "\n";
         for (const CommandTree::Parameter& argument : command.arguments)
             if (!argument.values.empty())
-                text += only + " -f -a '" + Joined(argument.values) + "'\n";
+                text += only + " -f -a '" + Joined(argument.values, " ") + "'\n";
         const std::string condition = command.commands.empty() ? complete + "begins" + below + "'" : only;
         for (const CommandTree::Parameter& option : command.options)
             text += FishOption(condition, option);

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "tools/vesk/documents/FaultsPage.h"
 
+#include "tools/vesk/text/Text.h"
 #include "virtualmodule/faults/Faults.h"
 
 #include <algorithm>
@@ -74,13 +75,6 @@ bool EndsAnyhow(const FaultKind& kind) {
 
 std::string Code(std::string_view text) {
     return "`" + std::string(text) + "`";
-}
-
-std::string Joined(const std::vector<std::string>& parts, const std::string& separator) {
-    std::string text;
-    for (const std::string& part : parts)
-        text += (text.empty() ? "" : separator) + part;
-    return text;
 }
 
 /// Each line of the message as code.

@@ -1,7 +1,9 @@
 // SPDX-License-Identifier: MIT
-#include "tools/vesk/Commands.h"
+#include "tools/vesk/explain/Explain.h"
+
 #include "tools/vesk/explain/Explanations.h"
 #include "tools/vesk/text/ByteText.h"
+#include "tools/vesk/text/Text.h"
 
 #include <algorithm>
 #include <iostream>
@@ -14,13 +16,6 @@ namespace {
 
 constexpr std::size_t SHORTEST_BEGINNING = 3;
 constexpr std::size_t NEAREST = 5;
-
-std::string Lower(std::string text) {
-    for (char& character : text)
-        if (character >= 'A' && character <= 'Z')
-            character = static_cast<char>(character - 'A' + 'a');
-    return text;
-}
 
 /// Whether one of the two begins with the other; "#" in the pattern stands for any number.
 bool Fits(std::string_view pattern, std::string_view text) {
@@ -91,12 +86,7 @@ struct ExplainOptions {
     std::vector<std::string> words;
     bool json = false;
 
-    std::string Word() const {
-        std::string word;
-        for (const std::string& part : words)
-            word += (word.empty() ? "" : " ") + part;
-        return word;
-    }
+    std::string Word() const { return Joined(words, " "); }
 };
 
 /// Whether something is known.
@@ -160,19 +150,13 @@ std::vector<std::string> NearestNames(const std::string& word) {
     return nearest;
 }
 
-void AddExplain(CLI::App& program, int& status) {
-    CLI::App* const command = program.add_subcommand(
-        "explain",
-        "Say what a word means and what to check: an exception type, a message or its beginning, an error "
-        "code, an operation mode, a state, a register or one of its bits, a command.\n"
-        "Example: vesk explain 0x87\n"
-        "Example: vesk explain Timeout waiting for initial IRQ");
+Action AddExplain(CLI::App& command) {
     const auto options = std::make_shared<ExplainOptions>();
-    command->add_option("WORD", options->words, "What to explain; several words are one")
+    command.add_option("WORD", options->words, "What to explain; several words are one")
         ->required()
         ->type_name("");
-    command->add_flag("--json", options->json, "Print one JSON object instead of text");
-    command->callback([options, &status] { status = ShowExplanations(*options) ? DONE : FAILED; });
+    AddJson(command, options->json);
+    return [options] { return ShowExplanations(*options) ? DONE : FAILED; };
 }
 
 } // namespace VeskTool

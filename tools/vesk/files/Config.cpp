@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
-#include "tools/vesk/Commands.h"
 #include "tools/vesk/files/ConfigJson.h"
 #include "tools/vesk/files/DatabaseFile.h"
+#include "tools/vesk/files/FileCommands.h"
 #include "tools/vesk/text/ByteText.h"
 
 #include <iostream>
@@ -86,44 +86,24 @@ bool DiffConfigs(const ConfigOptions& options) {
     return differences.empty();
 }
 
-void AddConfigShow(CLI::App& config, int& status) {
-    CLI::App* const command =
-        config.add_subcommand("show", "Show every field of a configuration database file.\n"
-                                      "Example: vesk config show examples/plant.ddb");
-    const auto options = std::make_shared<ConfigOptions>();
-    command->add_option("FILE", options->path, "Configuration database file (.ddb)")
-        ->required()
-        ->type_name("");
-    command->add_flag("--json", options->json, "Print one JSON object instead of text");
-    command->callback([options, &status] {
-        ShowConfig(*options);
-        status = DONE;
-    });
-}
-
-void AddDiff(CLI::App& config, int& status) {
-    CLI::App* const command = config.add_subcommand(
-        "diff",
-        "Show the fields in which two configuration database files differ, a line each; the exit status "
-        "is 1 when there are any.\n"
-        "Example: vesk config diff old.ddb new.ddb");
-    const auto options = std::make_shared<ConfigOptions>();
-    command->add_option("A", options->path, "Configuration database file (.ddb)")->required()->type_name("");
-    command->add_option("B", options->otherPath, "The file that it is compared with")
-        ->required()
-        ->type_name("");
-    command->add_flag("--json", options->json, "Print one JSON object instead of text");
-    command->callback([options, &status] { status = DiffConfigs(*options) ? DONE : FAILED; });
-}
-
 } // namespace
 
-void AddConfig(CLI::App& program, int& status) {
-    CLI::App* const config =
-        program.add_subcommand("config", "Show and compare configuration database files.");
-    config->require_subcommand(1);
-    AddConfigShow(*config, status);
-    AddDiff(*config, status);
+Action AddConfigShow(CLI::App& command) {
+    const auto options = std::make_shared<ConfigOptions>();
+    AddArgument(command, "FILE", options->path, "Configuration database file (.ddb)");
+    AddJson(command, options->json);
+    return [options] {
+        ShowConfig(*options);
+        return DONE;
+    };
+}
+
+Action AddConfigDiff(CLI::App& command) {
+    const auto options = std::make_shared<ConfigOptions>();
+    AddArgument(command, "A", options->path, "Configuration database file (.ddb)");
+    AddArgument(command, "B", options->otherPath, "The file that it is compared with");
+    AddJson(command, options->json);
+    return [options] { return DiffConfigs(*options) ? DONE : FAILED; };
 }
 
 } // namespace VeskTool

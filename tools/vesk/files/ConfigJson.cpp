@@ -2,7 +2,8 @@
 #include "tools/vesk/files/ConfigJson.h"
 
 #include "tools/vesk/text/ByteText.h"
-#include "vesk/system/Convert.h"
+#include "tools/vesk/text/Elements.h"
+#include "tools/vesk/text/Text.h"
 
 namespace VeskTool {
 
@@ -10,11 +11,7 @@ using namespace Vesk::Modules::DPVM::Config;
 using nlohmann::ordered_json;
 
 static std::string Digits(System::IArray<unsigned char>& bytes) {
-    return HexDigits({bytes.Data(), static_cast<std::size_t>(bytes.Count())});
-}
-
-static ordered_json Words(System::IArray<unsigned short>& words) {
-    return std::vector<unsigned short>(words.Data(), words.Data() + words.Count());
+    return HexDigits(Elements(bytes));
 }
 
 static ordered_json ToJson(const IMasterUserData& data) {
@@ -84,8 +81,8 @@ static ordered_json ToJson(const ISlaveRecord& record) {
         {"parameterData", ToJson(*record.ParameterData())},
         {"configurationData", {{"identifierBytes", Digits(*record.ConfigurationData()->IdentifierBytes())}}},
         {"addressTable",
-         {{"inputOffsetTable", Words(*table->InputOffsetTable())},
-          {"outputOffsetTable", Words(*table->OutputOffsetTable())}}},
+         {{"inputOffsetTable", Elements(*table->InputOffsetTable())},
+          {"outputOffsetTable", Elements(*table->OutputOffsetTable())}}},
         {"userData",
          {{"inputDataLength", record.UserData()->InputDataLength()},
           {"outputDataLength", record.UserData()->OutputDataLength()}}},
@@ -96,13 +93,12 @@ static ordered_json ToJson(const ISlaveRecord& record) {
 
 ordered_json ToJson(const IBusConfig& config) {
     ordered_json slaves = ordered_json::array();
-    const auto addresses = config.SlaveAddresses();
-    for (int i = 0; i < addresses->Count(); ++i) {
-        ordered_json slave{{"address", addresses->Get(i)}};
-        slave.update(ToJson(*config.Slave(addresses->Get(i))));
+    for (const unsigned char address : Elements(*config.SlaveAddresses())) {
+        ordered_json slave{{"address", address}};
+        slave.update(ToJson(*config.Slave(address)));
         slaves.push_back(std::move(slave));
     }
-    return {{"checksum", System::Convert::ToString(config.Checksum(), 16).PadLeft(8, '0').Value()},
+    return {{"checksum", ChecksumText(config.Checksum())},
             {"master", ToJson(*config.Master())},
             {"slaves", std::move(slaves)}};
 }

@@ -1,8 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "tools/vesk/files/DatabaseFile.h"
 
-#include "tools/vesk/explain/Advice.h"
-#include "tools/vesk/text/Failure.h"
+#include "tools/vesk/files/FileBytes.h"
 #include "vesk/modules/dpvm/config/DdbParser.h"
 #include "vesk/system/io/FileStream.h"
 
@@ -27,11 +26,7 @@ std::shared_ptr<Vesk::Modules::DPVM::Config::IBusConfig> LoadDatabaseFile(const 
     try {
         return Vesk::Modules::DPVM::Config::DdbParser::FromPath(path);
     } catch (const std::exception& exception) {
-        const std::string what = OneLine(exception);
-        // The failures of opening a file name it themselves.
-        if (what.find(path) != std::string::npos)
-            throw Failure(what, "", TypeOf(exception));
-        throw Failure(path + ": " + what + LengthHint(path), "", TypeOf(exception));
+        throw FileFailure(path, exception, [&path] { return LengthHint(path); });
     }
 }
 

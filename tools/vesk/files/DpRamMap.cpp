@@ -2,6 +2,8 @@
 #include "tools/vesk/files/DpRamMap.h"
 
 #include "tools/vesk/explain/Requests.h"
+#include "tools/vesk/session/Session.h"
+#include "tools/vesk/session/StationLists.h"
 #include "tools/vesk/text/ByteText.h"
 #include "tools/vesk/text/Failure.h"
 #include "tools/vesk/text/Text.h"

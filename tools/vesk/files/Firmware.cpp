@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "tools/vesk/Commands.h"
+#include "tools/vesk/files/FileCommands.h"
 #include "tools/vesk/files/FirmwareFile.h"
 #include "tools/vesk/text/ByteText.h"
 #include "tools/vesk/text/Failure.h"
@@ -149,45 +149,40 @@ void Show(const std::string& path, bool json) {
         std::cout << JsonText(ToJson(*file, covered.has_value()));
 }
 
-void AddFirmwareShow(CLI::App& firmware, int& status) {
-    CLI::App* const command = firmware.add_subcommand(
-        "show", "Show what a firmware file says about its program, and whether its checksum fits.\n"
-                "Example: vesk firmware show examples/firmware/vt22-1.5.0.fw");
+} // namespace
+
+Action AddFirmwareShow(CLI::App& command) {
     const auto path = std::make_shared<std::string>();
     const auto json = std::make_shared<bool>(false);
-    command->add_option("FILE", *path, "Firmware file")->required();
-    command->add_flag("--json", *json, "Print one JSON object instead of text");
-    command->callback([path, json, &status] {
+    command.add_option("FILE", *path, "Firmware file")->required();
+    AddJson(command, *json);
+    return [path, json] {
         Show(*path, *json);
-        status = DONE;
-    });
+        return DONE;
+    };
 }
 
-void AddBuild(CLI::App& firmware, int& status) {
-    CLI::App* const command = firmware.add_subcommand(
-        "build", "Make a firmware file of a program image. Numbers are decimal, or hexadecimal after 0x.\n"
-                 "Example: vesk firmware build image.bin -o vt22.fw --type application --module-id 0x201 "
-                 "--address 0x20000");
+Action AddFirmwareBuild(CLI::App& command) {
     const auto options = std::make_shared<BuildOptions>();
     FirmwareFacts& facts = options->facts;
-    command->add_option("IMAGE", options->imagePath, "Program image")->required();
-    command->add_option("-o,--output", options->outputPath, "File to make")->required();
+    command.add_option("IMAGE", options->imagePath, "Program image")->required();
+    command.add_option("-o,--output", options->outputPath, "File to make")->required();
     command
-        ->add_option_function<std::string>(
+        .add_option_function<std::string>(
             "--type", [&facts](const std::string& text) { ParseType(facts, text); },
             "bootloader, application or configuration")
         ->required()
         ->type_name("TYPE");
-    AddNumber<unsigned short>(*command, "--module-id", facts.moduleId, "Module identification")->required();
-    AddNumber<unsigned int>(*command, "--address", facts.address, "Flash address of the program")->required();
+    AddNumber<unsigned short>(command, "--module-id", facts.moduleId, "Module identification")->required();
+    AddNumber<unsigned int>(command, "--address", facts.address, "Flash address of the program")->required();
     command
-        ->add_option_function<std::string>(
+        .add_option_function<std::string>(
             "--description", [&facts](const std::string& text) { ParseDescription(facts, text); },
             "Text of up to 64 characters")
         ->type_name("TEXT");
-    AddNumber<unsigned short>(*command, "--erase-segments", facts.eraseSegments, "Erase segments");
+    AddNumber<unsigned short>(command, "--erase-segments", facts.eraseSegments, "Erase segments");
     command
-        ->add_option_function<std::vector<std::string>>(
+        .add_option_function<std::vector<std::string>>(
             "--erase-segments-count",
             [&facts](const std::vector<std::string>& texts) { ParseEraseSegmentsCount(facts, texts); },
             "Up to 22 counts, with commas between")
@@ -195,29 +190,20 @@ void AddBuild(CLI::App& firmware, int& status) {
         ->expected(1, static_cast<int>(facts.eraseSegmentsCount.size()))
         ->type_name("NUMBER,...");
     command
-        ->add_option_function<std::string>(
+        .add_option_function<std::string>(
             "--oldest", [&facts](const std::string& text) { ParseOldest(facts, text); },
             "Oldest version that it is compatible with")
         ->type_name("MAJOR.MINOR");
-    AddNumber<unsigned int>(*command, "--crc-start", options->crcStart,
+    AddNumber<unsigned int>(command, "--crc-start", options->crcStart,
                             "Address of the first byte under the checksum (the program's first)");
-    AddNumber<unsigned int>(*command, "--crc-length", options->crcLength,
+    AddNumber<unsigned int>(command, "--crc-length", options->crcLength,
                             "Bytes under the checksum (up to the program's end)");
-    command->add_flag("--seal", options->seal,
-                      "Append the program's own checksum, which the virtual module checks before it runs it");
-    command->callback([options, &status] {
+    command.add_flag("--seal", options->seal,
+                     "Append the program's own checksum, which the virtual module checks before it runs it");
+    return [options] {
         Build(*options);
-        status = DONE;
-    });
-}
-
-} // namespace
-
-void AddFirmware(CLI::App& program, int& status) {
-    CLI::App* const firmware = program.add_subcommand("firmware", "Make and show firmware files.");
-    firmware->require_subcommand(1);
-    AddFirmwareShow(*firmware, status);
-    AddBuild(*firmware, status);
+        return DONE;
+    };
 }
 
 } // namespace VeskTool

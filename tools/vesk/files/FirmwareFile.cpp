@@ -1,8 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "tools/vesk/files/FirmwareFile.h"
 
-#include "tools/vesk/explain/Advice.h"
-#include "tools/vesk/text/Failure.h"
+#include "tools/vesk/files/FileBytes.h"
 #include "tools/vesk/text/Text.h"
 #include "vesk/modules/bootloader/CRC16.h"
 #include "vesk/system/io/FileStream.h"
@@ -73,45 +72,37 @@ void Seal(Program& program) {
     Append(program, Checksum(program.data(), program.size()), 2);
 }
 
-/// Calls `read` with the opened file; every failure becomes one that names the file and ends in `hint`.
-template <class Read>
-static auto ReadFile(const std::string& path, const std::string& hint, const Read& read) {
-    try {
-        return read(
-            System::IO::FileStream::Create(path, System::IO::FileMode::OPEN, System::IO::FileAccess::READ));
-    } catch (const Failure&) {
-        throw;
-    } catch (const std::exception& exception) {
-        const std::string what = OneLine(exception);
-        // The failures of opening a file name it themselves.
-        if (what.find(path) != std::string::npos)
-            throw Failure(what, "", TypeOf(exception));
-        throw Failure(path + ": " + what + hint, "", TypeOf(exception));
-    }
-}
-
 std::shared_ptr<TarnFile> LoadFirmwareFile(const std::string& path) {
     static constexpr auto* HINT = " (a firmware file has a header of 128 bytes, with the number 0xa55a at "
                                   "byte 64, and then its program; this is something else or damaged)";
-    return ReadFile(path, HINT, [&](const auto& file) {
+    try {
+        const auto file =
+            System::IO::FileStream::Create(path, System::IO::FileMode::OPEN, System::IO::FileAccess::READ);
         const auto limit = static_cast<std::int64_t>(HEADER_SIZE + MAX_PROGRAM_SIZE);
         if (file->Length() > limit)
             throw Failure(path + ": " + std::to_string(file->Length()) +
                           " bytes; a firmware file has up to " + std::to_string(limit));
         return TarnFile::FromStream(file);
-    });
+    } catch (const Failure&) {
+        throw;
+    } catch (const std::exception& exception) {
+        throw FileFailure(path, exception, [] { return HINT; });
+    }
 }
 
 Program LoadProgram(const std::string& path) {
-    return ReadFile(path, "", [&](const auto& file) {
-        const std::int64_t length = file->Length();
+    const auto check = [&path](std::int64_t length) {
         if (length < 1 || length > static_cast<std::int64_t>(MAX_PROGRAM_SIZE))
             throw Failure(path + ": " + std::to_string(length) + " bytes; a program has 1 to " +
                           std::to_string(MAX_PROGRAM_SIZE));
-        const auto bytes = Array<Byte>::Create(static_cast<int>(length));
-        const int got = file->Read(bytes, 0, bytes->Count());
-        return Program(bytes->Data(), bytes->Data() + got);
-    });
+    };
+    try {
+        return ReadFile(path, check);
+    } catch (const Failure&) {
+        throw;
+    } catch (const std::exception& exception) {
+        throw FileFailure(path, exception, [] { return ""; });
+    }
 }
 
 std::optional<unsigned short> CoveredChecksum(const TarnFile& file) {

@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: MIT
 #include "tools/vesk/jobs/Flash.h"
 
-#include "tools/vesk/Commands.h"
 #include "tools/vesk/files/FirmwareFile.h"
 #include "tools/vesk/jobs/DownloadPlan.h"
+#include "tools/vesk/jobs/Jobs.h"
 #include "tools/vesk/session/BootloaderSession.h"
 #include "tools/vesk/session/LinkOptions.h"
 #include "tools/vesk/session/Session.h"
@@ -12,8 +12,6 @@
 #include "tools/vesk/text/Text.h"
 #include "vesk/mailbox/MailboxResponseException.h"
 #include "vesk/mailbox/MailboxTimeoutException.h"
-
-#include <chrono>
 
 namespace VeskTool {
 
@@ -79,10 +77,8 @@ void Flash::ShowFile() {
 
 Flash::Versions Flash::RunMaster() {
     Session session(_link, nullptr);
-    Vt22Module& module = session.Module();
-    session.UpdateUntil([&] { return module.Booted(); }, "BOOTED");
-    return {Version({module.SoftwareMajor(), module.SoftwareMinor(), module.SoftwareBuild()}),
-            Version({module.BootloaderMajor(), module.BootloaderMinor()})};
+    session.Reach(Need::BOOTED);
+    return {session.FirmwareVersion(), session.BootloaderVersion()};
 }
 
 /// A module whose last update went wrong does not run as the master; that is no reason to stop here.
@@ -108,10 +104,6 @@ void Flash::Consent() {
         throw Failure("Nothing was written");
 }
 
-static double SecondsSince(std::chrono::steady_clock::time_point start) {
-    return std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
-}
-
 /// What the module did, in a few words.
 static std::string Reason(const System::Exception& exception, bool atLast) {
     const std::string message = exception.Message().IsNull() ? "" : exception.Message().Value();
@@ -130,7 +122,7 @@ static std::string Reason(const System::Exception& exception, bool atLast) {
 void Flash::Download(BootloaderSession& session) {
     const DownloadPlan plan(*_file);
     Progress progress(_console.out, _console.draws, plan.Requests(), _file->ProgramData->Count());
-    const auto start = std::chrono::steady_clock::now();
+    const auto start = System::DateTime::Now();
     int remaining = plan.Requests();
     try {
         session.Download(_file, [&](int stillRemaining) {
@@ -165,24 +157,18 @@ void Flash::Line(const std::string& text) {
     _console.out << text << std::endl;
 }
 
-void AddFlash(CLI::App& program, int& status) {
-    static constexpr auto* DESCRIPTION =
-        "Replace the application of the module, or with --bootloader its bootloader, by the program in the "
-        "file FIRMWARE, and show which version runs then.\n"
-        "The module is reset and its bus stands still. An update that was cut off can always be run again.\n"
-        "Example: vesk flash examples/firmware/vt22-1.5.0.fw --yes";
+Action AddFlash(CLI::App& command) {
     const auto options = std::make_shared<Flash::Options>();
-    CLI::App* const command = program.add_subcommand("flash", DESCRIPTION);
-    command->add_option("FIRMWARE", options->firmwarePath, "Firmware file")->required();
-    command->add_flag("--bootloader", options->bootloader, "Replace the bootloader");
-    command->add_flag("--yes", options->yes, "Do not ask; needed where there is no terminal");
-    command->add_flag("--dry-run", options->dryRun, "Do everything but write");
+    command.add_option("FIRMWARE", options->firmwarePath, "Firmware file")->required();
+    command.add_flag("--bootloader", options->bootloader, "Replace the bootloader");
+    command.add_flag("--yes", options->yes, "Do not ask; needed where there is no terminal");
+    command.add_flag("--dry-run", options->dryRun, "Do everything but write");
     const auto link = std::make_shared<LinkOptions>();
-    link->AddTo(*command);
-    command->callback([options, link, &status] {
+    link->AddTo(command);
+    return [options, link] {
         Flash(*options, link->Open(), Console::Standard()).Execute();
-        status = DONE;
-    });
+        return DONE;
+    };
 }
 
 } // namespace VeskTool

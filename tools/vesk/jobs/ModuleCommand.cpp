@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "tools/vesk/Commands.h"
+#include "tools/vesk/jobs/Jobs.h"
 #include "tools/vesk/jobs/ModuleProcess.h"
 #include "tools/vesk/text/Numbers.h"
 #include "tools/vesk/text/Text.h"
@@ -81,18 +81,10 @@ void PrintFaults() {
 
 } // namespace
 
-void AddModule(CLI::App& program, int& status) {
-    static constexpr auto* DESCRIPTION =
-        "Play a module in software, for a host in another process: any command or application that is given "
-        "the same two files. The files are made where they are missing. Ends at Ctrl-C.\n"
-        "What the host does that a module must never see is reported on standard error.\n"
-        "A host in another terminal, like that of the second example, then works with it.\n"
-        "Example: vesk module --dpram /tmp/dpram --lines /tmp/lines --flash /tmp/flash --log\n"
-        "Example: vesk run examples/plant.ddb --dpram /tmp/dpram --lines /tmp/lines";
+Action AddModule(CLI::App& command) {
     const auto options = std::make_shared<ModuleProcess::Options>();
-    CLI::App* const command = program.add_subcommand("module", DESCRIPTION);
-    const auto addFile = [command](const char* name, std::string& path, const char* text) {
-        return command->add_option(name, path, text)->type_name("FILE");
+    const auto addFile = [&command](const char* name, std::string& path, const char* text) {
+        return command.add_option(name, path, text)->type_name("FILE");
     };
     addFile("--dpram", options->dpRamPath, "DPRAM, 8192 bytes")->required()->envname("VESK_DPRAM");
     addFile("--lines", options->linesPath, "The three lines, 4 bytes")->required()->envname("VESK_LINES");
@@ -100,27 +92,26 @@ void AddModule(CLI::App& program, int& status) {
             "Flash: configuration database and firmware, which last from one module to the next. Without it "
             "the module starts with an empty database and forgets it at the end.");
     command
-        ->add_option_function<std::string>(
+        .add_option_function<std::string>(
             "--period",
             [options](const std::string& text) { options->module.interruptPeriod = ParseDuration(text); },
             "Least time between two interrupts of the master: 0, 100us, 1ms, ... (1ms)")
         ->type_name("DURATION");
     command
-        ->add_option("--speed", options->speed,
-                     "Let the module's time, its period and its delays, run NUMBER times as fast (1)")
+        .add_option("--speed", options->speed,
+                    "Let the module's time, its period and its delays, run NUMBER times as fast (1)")
         ->type_name("NUMBER")
         ->check(CheckSpeed);
     command
-        ->add_option("--absent", options->absentSlaves,
-                     "Take this slave off the bus; may be given more than once")
+        .add_option("--absent", options->absentSlaves,
+                    "Take this slave off the bus; may be given more than once")
         ->allow_extra_args(false)
         ->type_name("ADDRESS")
         ->check(CLI::Range(0u, HIGHEST_ADDRESS).description(""));
-    command->add_flag(
-        "--log", options->log,
-        "Print every indication, message and change of state, with the seconds since the start");
+    command.add_flag("--log", options->log,
+                     "Print every indication, message and change of state, with the seconds since the start");
     command
-        ->add_option_function<std::vector<std::string>>(
+        .add_option_function<std::vector<std::string>>(
             "--fault",
             [options](const std::vector<std::string>& texts) {
                 for (const std::string& text : texts)
@@ -130,17 +121,17 @@ void AddModule(CLI::App& program, int& status) {
             "Example: --fault answer-late@4x1=250")
         ->allow_extra_args(false)
         ->type_name("NAME[@STEP][xCOUNT][=VALUE]");
-    command->add_flag_callback(
+    command.add_flag_callback(
         "--faults",
         [] {
             PrintFaults();
             throw CLI::Success();
         },
         "List the faults: what goes wrong, and what the library then says");
-    command->callback([options, &status] {
+    return [options] {
         ModuleProcess(*options, Console::Standard()).Execute();
-        status = DONE;
-    });
+        return DONE;
+    };
 }
 
 } // namespace VeskTool

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "tools/vesk/jobs/ProcessImage.h"
 
+#include "tools/vesk/text/Elements.h"
+
 #include <functional>
 
 namespace VeskTool {
@@ -29,9 +31,7 @@ static unsigned char Pattern(unsigned char address, int index, unsigned int cycl
 
 ProcessImage::ProcessImage(const Vesk::Modules::DPVM::Config::IBusConfig& config,
                            Vesk::Modules::Slave::ISlaveModule& module) {
-    const auto addresses = config.SlaveAddresses();
-    for (int i = 0; i < addresses->Count(); ++i) {
-        const unsigned char address = addresses->Get(i);
+    for (const unsigned char address : Elements(*config.SlaveAddresses())) {
         const auto table = config.Slave(address)->AddressTable();
         const Slave slave{address, Array<unsigned char>::Create(table->InputOffsetTable()->Count()),
                           Array<unsigned char>::Create(table->OutputOffsetTable()->Count())};

@@ -1,10 +1,12 @@
 // SPDX-License-Identifier: MIT
 #include "tools/vesk/jobs/Run.h"
 
-#include "tools/vesk/Commands.h"
 #include "tools/vesk/files/DatabaseFile.h"
+#include "tools/vesk/jobs/Jobs.h"
 #include "tools/vesk/session/LinkOptions.h"
 #include "tools/vesk/session/PlantFlash.h"
+#include "tools/vesk/session/StationLists.h"
+#include "tools/vesk/text/Elements.h"
 #include "tools/vesk/text/Failure.h"
 #include "tools/vesk/text/Text.h"
 
@@ -23,6 +25,14 @@ static constexpr unsigned char TEST_SLOT = 1;
 static constexpr unsigned char TEST_INDEX = 200;
 
 static constexpr auto EXCHANGE_TIMEOUT = std::chrono::seconds(5);
+
+static nlohmann::json StatesToJson(const Session& session) {
+    nlohmann::json states = nlohmann::json::array();
+    for (const Session::Step& step : session.Steps())
+        states.push_back(
+            {{"state", Vt22Module::StateToString(step.state).Value()}, {"milliseconds", step.milliseconds}});
+    return states;
+}
 
 Run::Run(Options options, std::shared_ptr<Config::IBusConfig> config, Link link, std::ostream& out)
     : _options(std::move(options)), _config(std::move(config)), _link(std::move(link)), _out(out) {}
@@ -44,28 +54,25 @@ void Run::FirstLife() {
     BringUp(session);
     ShowModule(session);
     ProcessImage image(*_config, session.Module());
-    session.Module().BeginInitialization();
-    session.UpdateUntil([&] { return session.Module().Initialized(); }, "INITIALIZED");
-    session.Module().SetOperationMode(OperationMode_e::OPERATE);
-    session.UpdateUntil(
-        [&] { return session.Online() == true && session.Mode() == OperationMode_e::OPERATE; },
-        "the operation mode OPERATE");
+    session.Reach(Need::INITIALISED);
+    session.SetMode(OperationMode_e::OPERATE);
     Line("  online, operation mode OPERATE");
     Exchange(session, image);
     UseServices(session);
     ShowBus(session);
-    _report["firstLife"]["states"] = StatesToJson(session.Steps());
+    _report["firstLife"]["states"] = StatesToJson(session);
 }
 
 void Run::SecondLife() {
     Line("\nSecond life, on the same flash");
     Session session(_link, _config);
     BringUp(session);
-    session.Module().BeginInitialization();
-    session.UpdateUntil([&] { return session.Module().Initialized(); }, "INITIALIZED");
-    CheckDownloads("second", session, 0);
+    session.Reach(Need::INITIALISED);
+    if (session.Downloads() != 0)
+        throw Failure("The second life downloaded the configuration " + std::to_string(session.Downloads()) +
+                      " times instead of 0");
     Line("  nothing was downloaded");
-    _report["secondLife"]["states"] = StatesToJson(session.Steps());
+    _report["secondLife"]["states"] = StatesToJson(session);
 }
 
 void Run::BringUp(Session& session) {
@@ -73,33 +80,18 @@ void Run::BringUp(Session& session) {
         Line("  " + Padded(Vt22Module::StateToString(step.state).Value(), 18) +
              Milliseconds(step.milliseconds));
     });
-    session.UpdateUntil([&] { return session.Module().Configured(); }, "DOWNLOAD_COMPLETE");
-}
-
-/// A download ends in a reset, so each one shows as a second POWER_OFF.
-void Run::CheckDownloads(const char* life, const Session& session, int expected) {
-    const auto powerOffs =
-        std::count_if(session.Steps().begin(), session.Steps().end(),
-                      [](const auto& step) { return step.state == Session::State::POWER_OFF; });
-    if (powerOffs - 1 != expected)
-        throw Failure("The " + std::string(life) + " life downloaded the configuration " +
-                      std::to_string(powerOffs - 1) + " times instead of " + std::to_string(expected));
+    session.Reach(Need::CONFIGURED);
 }
 
 void Run::ShowModule(Session& session) {
     Vt22Module& module = session.Module();
-    const std::string bootloader = Version({module.BootloaderMajor(), module.BootloaderMinor()});
-    const std::string software =
-        Version({module.SoftwareMajor(), module.SoftwareMinor(), module.SoftwareBuild()});
     Line("  module type " + Hex(module.ModuleType()) + ", fieldbus type " + Hex(module.FieldbusType()) +
          ", vendor " + Hex(module.VendorId()) + ", serial " + Hex(module.Serial()) + ", firmware " +
-         software + ", bootloader " + bootloader);
-    _report["module"] = {{"moduleType", module.ModuleType()},
-                         {"fieldbusType", module.FieldbusType()},
-                         {"vendorId", module.VendorId()},
-                         {"serial", module.Serial()},
-                         {"software", software},
-                         {"bootloader", bootloader}};
+         session.FirmwareVersion() + ", bootloader " + session.BootloaderVersion());
+    _report["module"] = {
+        {"moduleType", module.ModuleType()},     {"fieldbusType", module.FieldbusType()},
+        {"vendorId", module.VendorId()},         {"serial", module.Serial()},
+        {"software", session.FirmwareVersion()}, {"bootloader", session.BootloaderVersion()}};
     const auto database = module.GetDatabaseInfo();
     Line("  database " + database->Description.Value() + ": " + std::to_string(database->NoOfSlaves) +
          " slaves, " + std::to_string(database->TotalInputLength) + " bytes in, " +
@@ -196,11 +188,8 @@ void Run::ShowBus(Session& session) {
     Line("  " + Padded("operation mode", 18) + mode);
     _report["bus"]["operationMode"] = mode;
 
-    std::vector<int> configured;
-    const auto addresses = _config->SlaveAddresses();
-    configured.reserve(static_cast<std::size_t>(addresses->Count()));
-    for (int i = 0; i < addresses->Count(); ++i)
-        configured.push_back(addresses->Get(i));
+    const auto addresses = Elements(*_config->SlaveAddresses());
+    std::vector<int> configured(addresses.begin(), addresses.end());
     std::sort(configured.begin(), configured.end());
     if (ListedStations(*module.GetDataTransferList()) != configured)
         throw Failure("Not every configured slave exchanges data: " + Addresses(configured) +
@@ -223,27 +212,19 @@ void Run::Line(const std::string& text) {
         _out << text << std::endl;
 }
 
-void AddRun(CLI::App& program, int& status) {
-    static constexpr auto* DESCRIPTION =
-        "Power the module up, bring its database in line with CONFIG, exchange and check process data with "
-        "every slave, use each kind of service, and do the start once more on the same flash.\n"
-        "The check expects the slaves of the virtual module, which send back what they get, and overwrites a "
-        "record of the first slave: do not run it on a machine.\n"
-        "Example: vesk run examples/plant.ddb --cycles 5000";
+Action AddRun(CLI::App& command) {
     const auto options = std::make_shared<Run::Options>();
-    CLI::App* const command = program.add_subcommand("run", DESCRIPTION);
-    command->add_option("CONFIG", options->configPath,
-                        "Configuration database file (.ddb); without one the plant of the examples");
-    command->add_option("--cycles", options->cycles, "Process data exchanges to check")
-        ->capture_default_str();
-    command->add_flag("--json", options->json, "Print one JSON object instead of text");
+    command.add_option("CONFIG", options->configPath,
+                       "Configuration database file (.ddb); without one the plant of the examples");
+    command.add_option("--cycles", options->cycles, "Process data exchanges to check")->capture_default_str();
+    AddJson(command, options->json);
     const auto link = std::make_shared<LinkOptions>();
-    link->AddTo(*command);
-    command->callback([options, link, &status] {
+    link->AddTo(command);
+    return [options, link] {
         const auto config = options->configPath.empty() ? Plant() : LoadDatabaseFile(options->configPath);
         Run(*options, config, link->Open(), std::cout).Execute();
-        status = DONE;
-    });
+        return DONE;
+    };
 }
 
 } // namespace VeskTool

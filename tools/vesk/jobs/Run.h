@@ -37,7 +37,6 @@ private:
     void ExchangeOnce(Session& session, ProcessImage& image, unsigned int cycle);
     void UseServices(Session& session);
     void ShowBus(Session& session);
-    void CheckDownloads(const char* life, const Session& session, int expected);
     void Summarize();
 
     void Line(const std::string& text);

@@ -2,6 +2,7 @@
 #include "tools/vesk/session/PlantFlash.h"
 
 #include "tools/vesk/session/PlantFile.h"
+#include "tools/vesk/text/Elements.h"
 #include "tools/vesk/text/Text.h"
 #include "vesk/modules/dpvm/config/DdbParser.h"
 #include "vesk/system/Convert.h"
@@ -17,8 +18,7 @@ template <class Record>
 static VirtualModule::Bytes BinaryForm(const Record& record) {
     const auto stream = MemoryStream::Create();
     record.ToStream(stream);
-    const auto bytes = stream->ToArray();
-    return {bytes->Data(), bytes->Data() + bytes->Count()};
+    return Elements(*stream->ToArray());
 }
 
 std::shared_ptr<IBusConfig> Plant() {
@@ -31,9 +31,8 @@ VirtualModule::Flash PlantFlash() {
     VirtualModule::Flash flash;
     VirtualModule::Database& database = flash.database;
     database.master = BinaryForm(*plant->Master());
-    const auto addresses = plant->SlaveAddresses();
-    for (int i = 0; i < addresses->Count(); ++i)
-        database.slaves[addresses->Get(i)] = BinaryForm(*plant->Slave(addresses->Get(i)));
+    for (const unsigned char address : Elements(*plant->SlaveAddresses()))
+        database.slaves[address] = BinaryForm(*plant->Slave(address));
     const std::string description = ChecksumText(plant->Checksum());
     database.description.assign(description.begin(), description.end());
     database.state = VirtualModule::Database::State::COMPLETE;

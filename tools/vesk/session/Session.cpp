@@ -20,8 +20,6 @@ static constexpr double TIMEOUT_SECONDS = 15;
 /// How long slaves may take to be parameterised, configured and taken into the exchange.
 static constexpr double SETTLING_SECONDS = 1;
 
-static constexpr int SERVICE_SECONDS = 3;
-
 // The word of an INVALID_OTHER answer that says why, and its value where there is no database.
 static constexpr int REASON_WORD = 7;
 static constexpr unsigned short NO_DATABASE = 1;
@@ -49,8 +47,22 @@ void Session::OnState(std::function<void(const Step&)> observer) {
         _stateObserver(step);
 }
 
-static double SecondsSince(const DateTime& start) {
+double SecondsSince(const DateTime& start) {
     return static_cast<double>((DateTime::Now() - start).Nanoseconds()) / 1e9;
+}
+
+std::string Session::FirmwareVersion() const {
+    return Version({_module->SoftwareMajor(), _module->SoftwareMinor(), _module->SoftwareBuild()});
+}
+
+std::string Session::BootloaderVersion() const {
+    return Version({_module->BootloaderMajor(), _module->BootloaderMinor()});
+}
+
+int Session::Downloads() const {
+    const auto resets = std::count_if(_steps.begin(), _steps.end(),
+                                      [](const Step& step) { return step.state == State::POWER_OFF; });
+    return static_cast<int>(resets) - 1; // the first one is that of the start
 }
 
 // ---- how far the module is
@@ -128,6 +140,12 @@ void Session::UpdateFor(double seconds, const std::function<bool()>& reached) {
 }
 
 // ---- services
+
+Session::Service Session::About(unsigned int address, SlaveService service) {
+    return [this, address, service](IDPVMModule::ResponseAction action) {
+        (_module.get()->*service)(static_cast<unsigned char>(address), std::move(action));
+    };
+}
 
 Session::Response Session::TryAsk(const Service& service, const std::string& what) {
     const auto answer = std::make_shared<Response>();

@@ -13,6 +13,9 @@
 
 namespace VeskTool {
 
+/// How long a request that the library has no operation for may take.
+inline constexpr int SERVICE_SECONDS = 3;
+
 /// How far a module has to be before it can do what it is asked for.
 enum class Need {
     NOTHING,     // whatever it does
@@ -41,6 +44,9 @@ public:
     using OperationMode = Vesk::Modules::DPVM::OperationMode_e;
     using Service = std::function<void(Vesk::Modules::DPVM::IDPVMModule::ResponseAction)>;
     using Response = std::shared_ptr<Vesk::Mailbox::IResponse>;
+    /// A service of the library that asks for one thing of one slave.
+    using SlaveService = void (Vesk::Modules::DPVM::IDPVMModule::*)(
+        unsigned char, Vesk::Modules::DPVM::IDPVMModule::ResponseAction);
 
     struct Step {
         State state;
@@ -52,6 +58,10 @@ public:
     Session(const Link& link, std::shared_ptr<Vesk::Modules::DPVM::Config::IBusConfig> config);
 
     Vesk::Modules::DPVM::Vt22Module& Module() { return *_module; }
+
+    /// The versions of the module's programs, "1.4.2" and "2.1", once it has booted.
+    std::string FirmwareVersion() const;
+    std::string BootloaderVersion() const;
 
     /// Called with each state that is reached, the first one included.
     void OnState(std::function<void(const Step&)> observer);
@@ -73,6 +83,9 @@ public:
     /// Updates for that long, or until `reached` says so.
     void UpdateFor(double seconds, const std::function<bool()>& reached);
 
+    /// That service for the slave at `address`.
+    Service About(unsigned int address, SlaveService service);
+
     /// Asks for a service and updates until it is answered, whatever the answer.
     Response TryAsk(const Service& service, const std::string& what);
     /// The same; Refusal for an error answer.
@@ -85,6 +98,9 @@ public:
     void SetMode(OperationMode mode);
 
     const std::vector<Step>& Steps() const { return _steps; }
+
+    /// How often the configuration was downloaded; each time ends in a reset.
+    int Downloads() const;
 
     /// What the module last reported; nothing before its first report.
     std::optional<bool> Online() const { return _reports->online; }
@@ -111,6 +127,9 @@ private:
     std::function<void(const Step&)> _stateObserver;
     std::function<void()> _updateObserver;
 };
+
+/// How long ago that was, on the library's clock.
+double SecondsSince(const System::DateTime& start);
 
 /// "OPERATE" and so on; the value in hexadecimal for what is no mode.
 std::string ModeName(Session::OperationMode mode);

@@ -7,9 +7,6 @@
 
 namespace VeskTool {
 
-/// The byte of a live list that says that a station does not answer.
-static constexpr unsigned char NO_STATION = 0x04;
-
 std::string Hex(unsigned int value) {
     return "0x" + System::Convert::ToString(value, 16).Value();
 }
@@ -55,28 +52,18 @@ std::string Addresses(const std::vector<int>& stations) {
     return text.empty() ? "none" : text;
 }
 
-std::vector<int> ListedStations(System::IArray<unsigned char>& list) {
-    std::vector<int> stations;
-    for (int address = 0; address < 8 * list.Count(); ++address)
-        if (list.Get(address / 8) >> address % 8 & 1)
-            stations.push_back(address);
-    return stations;
+std::string Joined(const std::vector<std::string>& parts, const std::string& separator) {
+    std::string text;
+    for (const std::string& part : parts)
+        text += (text.empty() ? "" : separator) + part;
+    return text;
 }
 
-std::vector<int> LiveStations(System::IArray<unsigned char>& liveList) {
-    std::vector<int> stations;
-    for (int address = 0; address < liveList.Count(); ++address)
-        if (liveList.Get(address) != NO_STATION)
-            stations.push_back(address);
-    return stations;
-}
-
-nlohmann::json StatesToJson(const std::vector<Session::Step>& steps) {
-    nlohmann::json states = nlohmann::json::array();
-    for (const Session::Step& step : steps)
-        states.push_back({{"state", Vesk::Modules::DPVM::Vt22Module::StateToString(step.state).Value()},
-                          {"milliseconds", step.milliseconds}});
-    return states;
+std::string Lower(std::string text) {
+    for (char& character : text)
+        if (character >= 'A' && character <= 'Z')
+            character = static_cast<char>(character - 'A' + 'a');
+    return text;
 }
 
 } // namespace VeskTool

@@ -1,15 +1,13 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "tools/vesk/session/Session.h"
 #include "vesk/system/Array.h"
 
 #include <initializer_list>
-#include <nlohmann/json.hpp>
 #include <string>
 #include <vector>
 
-/// How the commands write values for people, and the station lists for both people and machines.
+/// How the commands write values for people.
 namespace VeskTool {
 
 /// "0x" and the value.
@@ -27,11 +25,9 @@ std::string Padded(const std::string& text, std::size_t width);
 
 /// Addresses with runs shortened: "3-5, 9"; "none" for none. `stations` is in ascending order.
 std::string Addresses(const std::vector<int>& stations);
-/// The station addresses that a 16-byte bit list names, ascending.
-std::vector<int> ListedStations(System::IArray<unsigned char>& list);
-/// The station addresses at which a live list shows a device, ascending.
-std::vector<int> LiveStations(System::IArray<unsigned char>& liveList);
-
-nlohmann::json StatesToJson(const std::vector<Session::Step>& steps);
+/// The parts in one text, with `separator` between them.
+std::string Joined(const std::vector<std::string>& parts, const std::string& separator);
+/// `text` with the capital letters of ASCII made small.
+std::string Lower(std::string text);
 
 } // namespace VeskTool

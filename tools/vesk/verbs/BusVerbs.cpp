@@ -1,13 +1,13 @@
 // SPDX-License-Identifier: MIT
 // The verbs that change something on the bus: start, stop, mode and set-address.
-#include "tools/vesk/Commands.h"
+#include "tools/vesk/session/StationLists.h"
 #include "tools/vesk/text/Numbers.h"
 #include "tools/vesk/text/Text.h"
 #include "tools/vesk/verbs/Stations.h"
+#include "tools/vesk/verbs/Verbs.h"
 #include "vesk/modules/dpvm/DPVMMessages.h"
 
 #include <algorithm>
-#include <cctype>
 
 namespace VeskTool {
 
@@ -21,8 +21,6 @@ constexpr unsigned int HIGHEST_SLAVE = 125;
 
 /// How long a change on the bus may take until the lists show it.
 constexpr double CHANGE_SECONDS = 1;
-
-constexpr int SERVICE_SECONDS = 3;
 
 // ---- vesk start, vesk stop
 
@@ -81,12 +79,6 @@ std::string StartedText(const Json& facts, const Paint&) {
 constexpr std::array MODES{OperationMode_e::OFFLINE, OperationMode_e::STOP, OperationMode_e::CLEAR,
                            OperationMode_e::OPERATE};
 
-std::string LowerCase(std::string text) {
-    std::transform(text.begin(), text.end(), text.begin(),
-                   [](unsigned char character) { return static_cast<char>(std::tolower(character)); });
-    return text;
-}
-
 Json AnswerMode(Session& session, const Json& arguments) {
     session.SetMode(arguments["mode"].get<OperationMode_e>());
     return {{"online", session.Online() == true},
@@ -125,72 +117,59 @@ std::string SetAddressText(const Json& facts, const Paint& paint) {
                        : paint.Bad("The request was taken, but nobody answers at " + to) + "\n";
 }
 
-} // namespace
-
-void AddStartStop(CLI::App& program, int& status) {
-    static constexpr Verb START{"start", Need::OPERATING, AnswerStart, StartedText};
-    static constexpr Verb STOP{"stop", Need::OPERATING, AnswerStop, StartedText};
-    const auto add = [&](const Verb& verb, const std::string& description) {
-        const auto command = VerbCommand::Add(
-            program, status, verb,
-            description +
-                "\nResets the module and takes it onto the bus, in OPERATE with all inputs 0; when the "
-                "command "
-                "ends the module goes back into reset, so what it shows is whether it works.\n"
-                "Example: vesk " +
-                verb.name + " 5 8");
-        const auto take = [self = command.get()](const std::vector<std::string>& texts) {
-            for (const std::string& text : texts)
-                self->arguments["addresses"].push_back(ParseNumber("ADDRESS", text, 0, HIGHEST_SLAVE));
-        };
-        command->App()
-            .add_option_function<std::vector<std::string>>("ADDRESS", take,
-                                                           "Station addresses of slaves, 0 to 125")
-            ->required()
-            ->type_name("");
+Action AddStartOrStop(CLI::App& app, const Verb& verb) {
+    const auto command = std::make_shared<VerbCommand>(app, verb);
+    const auto take = [self = command.get()](const std::vector<std::string>& texts) {
+        for (const std::string& text : texts)
+            self->arguments["addresses"].push_back(ParseNumber("ADDRESS", text, 0, HIGHEST_SLAVE));
     };
-    add(START, "Take slaves into the data exchange.");
-    add(STOP, "Take slaves out of the data exchange.");
+    app.add_option_function<std::vector<std::string>>("ADDRESS", take,
+                                                      "Station addresses of slaves, 0 to 125")
+        ->required()
+        ->type_name("");
+    return [command] { return command->Execute(); };
 }
 
-void AddMode(CLI::App& program, int& status) {
-    static constexpr Verb MODE{"mode", Need::INITIALISED, AnswerMode, ModeText};
-    const auto command =
-        VerbCommand::Add(program, status, MODE,
-                         "Take the master into an operation mode, and wait until it reports it.\n"
-                         "Resets the module and takes it onto the bus; when the command ends the module goes "
-                         "back into reset, so "
-                         "what it shows is whether the mode can be reached.\n"
-                         "Example: vesk mode clear");
+} // namespace
+
+Action AddStart(CLI::App& command) {
+    static constexpr Verb START{Need::OPERATING, AnswerStart, StartedText};
+    return AddStartOrStop(command, START);
+}
+
+Action AddStop(CLI::App& command) {
+    static constexpr Verb STOP{Need::OPERATING, AnswerStop, StartedText};
+    return AddStartOrStop(command, STOP);
+}
+
+Action AddMode(CLI::App& app) {
+    static constexpr Verb MODE{Need::INITIALISED, AnswerMode, ModeText};
+    const auto command = std::make_shared<VerbCommand>(app, MODE);
     std::vector<std::string> names(MODES.size());
     std::transform(MODES.begin(), MODES.end(), names.begin(),
-                   [](OperationMode_e mode) { return LowerCase(ModeName(mode)); });
+                   [](OperationMode_e mode) { return Lower(ModeName(mode)); });
     const auto take = [self = command.get(), names](const std::string& text) {
         const auto found = std::find(names.begin(), names.end(), text);
         self->arguments["mode"] = MODES.at(static_cast<std::size_t>(found - names.begin()));
     };
-    command->App()
-        .add_option_function<std::string>("MODE", take, "offline, stop, clear or operate")
+    app.add_option_function<std::string>("MODE", take, "offline, stop, clear or operate")
         ->required()
         ->transform(CLI::IsMember(names, CLI::ignore_case))
         ->type_name("");
+    return [command] { return command->Execute(); };
 }
 
-void AddSetAddress(CLI::App& program, int& status) {
-    static constexpr Verb SET_ADDRESS{"set-address", Need::INITIALISED, AnswerSetAddress, SetAddressText};
-    const auto command = VerbCommand::Add(
-        program, status, SET_ADDRESS,
-        "Give a slave another station address. The slave must be the one with that ident number and must not "
-        "exchange data, so the bus stands in STOP meanwhile.\n"
-        "Resets the module and takes it onto the bus.\n"
-        "Example: vesk set-address 126 12 0x2a10");
+Action AddSetAddress(CLI::App& app) {
+    static constexpr Verb SET_ADDRESS{Need::INITIALISED, AnswerSetAddress, SetAddressText};
+    const auto command = std::make_shared<VerbCommand>(app, SET_ADDRESS);
     command->AddNumber("OLD", "old", 0, HIGHEST_ADDRESS, "Address of the slave, 0 to 126")->required();
     command->AddNumber("NEW", "new", 0, HIGHEST_SLAVE, "Its new address, 0 to 125")->required();
     command->AddNumber("IDENT", "identNumber", 0, 0xFFFF, "Its ident number, 0 to 0xffff")->required();
     command->arguments["lock"] = false;
-    command->App().add_flag_callback(
+    app.add_flag_callback(
         "--lock", [self = command.get()] { self->arguments["lock"] = true; },
         "The slave takes no other address after that, until it is reset to its delivery state");
+    return [command] { return command->Execute(); };
 }
 
 } // namespace VeskTool

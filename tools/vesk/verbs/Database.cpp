@@ -1,13 +1,13 @@
 // SPDX-License-Identifier: MIT
-#include "tools/vesk/Commands.h"
 #include "tools/vesk/files/DatabaseFile.h"
 #include "tools/vesk/text/Console.h"
+#include "tools/vesk/text/Elements.h"
 #include "tools/vesk/text/Progress.h"
 #include "tools/vesk/text/Text.h"
 #include "tools/vesk/verbs/Verb.h"
+#include "tools/vesk/verbs/Verbs.h"
 #include "vesk/modules/dpvm/DPVMMessages.h"
 
-#include <algorithm>
 #include <numeric>
 
 namespace VeskTool {
@@ -26,14 +26,14 @@ Json DatabaseToJson(const DatabaseInfo& info) {
 Json ConfigToJson(const Config::IBusConfig& config) {
     int input = 0;
     int output = 0;
-    const auto addresses = config.SlaveAddresses();
-    for (int i = 0; i < addresses->Count(); ++i) {
-        const auto table = config.Slave(addresses->Get(i))->AddressTable();
+    const auto addresses = Elements(*config.SlaveAddresses());
+    for (const unsigned char address : addresses) {
+        const auto table = config.Slave(address)->AddressTable();
         input += table->InputOffsetTable()->Count();
         output += table->OutputOffsetTable()->Count();
     }
     return {{"description", ChecksumText(config.Checksum())},
-            {"slaves", addresses->Count()},
+            {"slaves", addresses.size()},
             {"inputLength", input},
             {"outputLength", output}};
 }
@@ -96,11 +96,8 @@ std::string VerifyText(const Json& facts, const Paint& paint) {
 // ---- vesk download
 
 Json AnswerDownload(Session& session, const Json&) {
-    const auto powerOffs =
-        std::count_if(session.Steps().begin(), session.Steps().end(),
-                      [](const auto& step) { return step.state == Session::State::POWER_OFF; });
-    // A download ends in a reset.
-    return {{"downloaded", powerOffs > 1}, {"database", DatabaseToJson(*session.Module().GetDatabaseInfo())}};
+    return {{"downloaded", session.Downloads() > 0},
+            {"database", DatabaseToJson(*session.Module().GetDatabaseInfo())}};
 }
 
 std::string DownloadText(const Json& facts, const Paint&) {
@@ -112,9 +109,7 @@ std::string DownloadText(const Json& facts, const Paint&) {
 /// What a download is made of: bytes that each of its records has, in the order in which they are sent.
 std::vector<int> RecordSizes(const Config::IBusConfig& config) {
     std::vector<int> sizes{DPVMMessages::MasterRecordDownload(config.Master())->Data()->Count()};
-    const auto addresses = config.SlaveAddresses();
-    for (int i = 0; i < addresses->Count(); ++i) {
-        const unsigned char address = addresses->Get(i);
+    for (const unsigned char address : Elements(*config.SlaveAddresses())) {
         const auto fragments = DPVMMessages::SlaveRecordDownload(address, config.Slave(address));
         for (int fragment = 0; fragment < fragments->Count(); ++fragment)
             sizes.push_back(fragments->Get(fragment)->Data()->Count());
@@ -138,9 +133,8 @@ public:
         bool moved = false;
         for (; _sent < _sizes.size() - left; moved = true)
             _bytes += _sizes[_sent++];
-        const auto passed = static_cast<double>((System::DateTime::Now() - _start).Nanoseconds());
         if (moved)
-            _progress.Show(static_cast<int>(_sent), _bytes, passed / 1e9);
+            _progress.Show(static_cast<int>(_sent), _bytes, SecondsSince(_start));
     }
 
 private:
@@ -153,35 +147,24 @@ private:
 
 } // namespace
 
-void AddDatabase(CLI::App& program, int& status) {
-    static constexpr Verb DATABASE{"database", Need::BOOTED, AnswerDatabase, DatabaseText};
-    VerbCommand::Add(
-        program, status, DATABASE,
-        "Show what the module holds: the checksum that describes its database, slaves, lengths.\n"
-        "Resets the module.\n"
-        "Example: vesk database");
+Action AddDatabase(CLI::App& app) {
+    static constexpr Verb DATABASE{Need::BOOTED, AnswerDatabase, DatabaseText};
+    const auto command = std::make_shared<VerbCommand>(app, DATABASE);
+    return [command] { return command->Execute(); };
 }
 
-void AddVerify(CLI::App& program, int& status) {
-    static constexpr Verb VERIFY{"verify", Need::BOOTED, AnswerVerify, VerifyText};
-    const auto command = VerbCommand::Add(
-        program, status, VERIFY,
-        "Compare the module's database with a configuration and change nothing; exit status 1 where they "
-        "differ.\n"
-        "Resets the module.\n"
-        "Example: vesk verify examples/plant.ddb");
+Action AddVerify(CLI::App& app) {
+    static constexpr Verb VERIFY{Need::BOOTED, AnswerVerify, VerifyText};
+    const auto command = std::make_shared<VerbCommand>(app, VERIFY);
     command->AddFile([self = command.get()](const std::string& path) {
         self->arguments["database"] = ConfigToJson(*LoadDatabaseFile(path));
     });
+    return [command] { return command->Execute(); };
 }
 
-void AddDownload(CLI::App& program, int& status) {
-    static constexpr Verb DOWNLOAD{"download", Need::CONFIGURED, AnswerDownload, DownloadText};
-    const auto command = VerbCommand::Add(
-        program, status, DOWNLOAD,
-        "Bring the module's database in line with a configuration; nothing is sent where it is already.\n"
-        "Resets the module, once more after a download.\n"
-        "Example: vesk download examples/plant.ddb");
+Action AddDownload(CLI::App& app) {
+    static constexpr Verb DOWNLOAD{Need::CONFIGURED, AnswerDownload, DownloadText};
+    const auto command = std::make_shared<VerbCommand>(app, DOWNLOAD);
     VerbCommand* const self = command.get();
     self->AddFile([self](const std::string& path) { self->config = LoadDatabaseFile(path); });
     self->run = [self, run = self->run](Session& session) {
@@ -193,6 +176,7 @@ void AddDownload(CLI::App& program, int& status) {
         });
         return run(session);
     };
+    return [command] { return command->Execute(); };
 }
 
 } // namespace VeskTool

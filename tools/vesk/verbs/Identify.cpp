@@ -1,18 +1,15 @@
 // SPDX-License-Identifier: MIT
-#include "tools/vesk/Commands.h"
 #include "tools/vesk/text/Text.h"
 #include "tools/vesk/verbs/Verb.h"
+#include "tools/vesk/verbs/Verbs.h"
 
 namespace VeskTool {
 
 static Json AnswerIdentify(Session& session, const Json&) {
     auto& module = session.Module();
-    return {{"moduleType", module.ModuleType()},
-            {"fieldbusType", module.FieldbusType()},
-            {"vendorId", module.VendorId()},
-            {"serial", module.Serial()},
-            {"software", Version({module.SoftwareMajor(), module.SoftwareMinor(), module.SoftwareBuild()})},
-            {"bootloader", Version({module.BootloaderMajor(), module.BootloaderMinor()})}};
+    return {{"moduleType", module.ModuleType()},     {"fieldbusType", module.FieldbusType()},
+            {"vendorId", module.VendorId()},         {"serial", module.Serial()},
+            {"software", session.FirmwareVersion()}, {"bootloader", session.BootloaderVersion()}};
 }
 
 static std::string IdentifyText(const Json& facts, const Paint&) {
@@ -26,12 +23,10 @@ static std::string IdentifyText(const Json& facts, const Paint&) {
            "Bootloader  " + facts["bootloader"].get<std::string>() + "\n";
 }
 
-void AddIdentify(CLI::App& program, int& status) {
-    static constexpr Verb IDENTIFY{"identify", Need::BOOTED, AnswerIdentify, IdentifyText};
-    VerbCommand::Add(program, status, IDENTIFY,
-                     "Show what the module is: type, fieldbus, vendor, serial number, versions.\n"
-                     "Resets the module.\n"
-                     "Example: vesk identify --json");
+Action AddIdentify(CLI::App& app) {
+    static constexpr Verb IDENTIFY{Need::BOOTED, AnswerIdentify, IdentifyText};
+    const auto command = std::make_shared<VerbCommand>(app, IDENTIFY);
+    return [command] { return command->Execute(); };
 }
 
 } // namespace VeskTool

@@ -1,12 +1,12 @@
 // SPDX-License-Identifier: MIT
 // The verbs for acyclic records of slaves: read and write.
-#include "tools/vesk/Commands.h"
+#include "tools/vesk/files/FileBytes.h"
 #include "tools/vesk/text/ByteText.h"
-#include "tools/vesk/text/Failure.h"
+#include "tools/vesk/text/Elements.h"
 #include "tools/vesk/text/Numbers.h"
 #include "tools/vesk/text/Text.h"
 #include "tools/vesk/verbs/Verb.h"
-#include "vesk/system/io/FileStream.h"
+#include "tools/vesk/verbs/Verbs.h"
 
 namespace VeskTool {
 
@@ -75,14 +75,12 @@ Json AnswerRead(Session& session, const Json& arguments) {
     const Place place(arguments);
     const auto length = arguments["length"].get<unsigned char>();
     auto& module = session.Module();
-    const auto data =
-        Transfer(
-            session, arguments,
-            [&](ResponseAction a) { module.Class1Read(place.address, place.slot, place.index, length, a); },
-            [&](ResponseAction a) { module.Class2Read(place.address, place.slot, place.index, length, a); },
-            "the read of ")
-            ->Data();
-    return RecordToJson(arguments, Bytes(data->Data(), data->Data() + data->Count()));
+    const auto answer = Transfer(
+        session, arguments,
+        [&](ResponseAction a) { module.Class1Read(place.address, place.slot, place.index, length, a); },
+        [&](ResponseAction a) { module.Class2Read(place.address, place.slot, place.index, length, a); },
+        "the read of ");
+    return RecordToJson(arguments, Elements(*answer->Data()));
 }
 
 std::string ReadText(const Json& facts, const Paint&) {
@@ -124,41 +122,28 @@ void CheckLength(const std::string& name, std::int64_t length) {
 }
 
 Bytes Content(const std::string& path) {
-    const auto file =
-        System::IO::FileStream::Create(path, System::IO::FileMode::OPEN, System::IO::FileAccess::READ);
-    CheckLength("--file", file->Length());
-    const auto content = System::Array<unsigned char>::Create(static_cast<int>(file->Length()));
-    const int count = file->Read(content, 0, content->Count());
-    return {content->Data(), content->Data() + count};
+    return ReadFile(path, [](std::int64_t length) { CheckLength("--file", length); });
 }
 
 } // namespace
 
-void AddRead(CLI::App& program, int& status) {
-    static constexpr Verb READ{"read", Need::OPERATING, AnswerRead, ReadText};
-    const auto command =
-        VerbCommand::Add(program, status, READ,
-                         "Read a record of a slave.\n"
-                         "Resets the module and takes it onto the bus, in OPERATE with all inputs 0.\n"
-                         "Example: vesk read 5 0 1 64");
+Action AddRead(CLI::App& app) {
+    static constexpr Verb READ{Need::OPERATING, AnswerRead, ReadText};
+    const auto command = std::make_shared<VerbCommand>(app, READ);
     AddPlace(*command);
     command->arguments["length"] = MAX_RECORD_SIZE;
     command->AddNumber("LENGTH", "length", 1, MAX_RECORD_SIZE, "Most bytes to read, 1 to 240 (240)");
+    return [command] { return command->Execute(); };
 }
 
-void AddWrite(CLI::App& program, int& status) {
-    static constexpr Verb WRITE{"write", Need::OPERATING, AnswerWrite, WriteText};
-    const auto command =
-        VerbCommand::Add(program, status, WRITE,
-                         "Write a record of a slave.\n"
-                         "Resets the module and takes it onto the bus, in OPERATE with all inputs 0.\n"
-                         "Example: vesk write 5 1 200 \"0a 0b 0c\"");
-    VerbCommand* const self = command.get();
-    AddPlace(*self);
-    CLI::Option_group* const data = self->App().add_option_group("data", "What to write, 1 to 240 bytes");
+Action AddWrite(CLI::App& app) {
+    static constexpr Verb WRITE{Need::OPERATING, AnswerWrite, WriteText};
+    const auto command = std::make_shared<VerbCommand>(app, WRITE);
+    AddPlace(*command);
+    CLI::Option_group* const data = app.add_option_group("data", "What to write, 1 to 240 bytes");
     data->require_option(1);
     const auto add = [&](const std::string& name, const char* type, auto bytesOf, const char* text) {
-        const auto take = [self, name, bytesOf](const std::string& value) {
+        const auto take = [self = command.get(), name, bytesOf](const std::string& value) {
             const Bytes bytes = bytesOf(value);
             CheckLength(name, static_cast<std::int64_t>(bytes.size()));
             self->arguments["data"] = HexDigits(bytes);
@@ -172,6 +157,7 @@ void AddWrite(CLI::App& program, int& status) {
         "--text", "TEXT", [](const std::string& text) { return Bytes(text.begin(), text.end()); },
         "The text's own bytes");
     add("--file", "FILE", Content, "The file's bytes");
+    return [command] { return command->Execute(); };
 }
 
 } // namespace VeskTool

@@ -1,11 +1,12 @@
 // SPDX-License-Identifier: MIT
 // The verbs that ask for one thing of one slave: diag, slave-config, input and output.
-#include "tools/vesk/Commands.h"
 #include "tools/vesk/text/ByteText.h"
+#include "tools/vesk/text/Elements.h"
 #include "tools/vesk/text/Numbers.h"
 #include "tools/vesk/text/Text.h"
 #include "tools/vesk/verbs/Diagnosis.h"
 #include "tools/vesk/verbs/Verb.h"
+#include "tools/vesk/verbs/Verbs.h"
 
 namespace VeskTool {
 
@@ -13,20 +14,12 @@ using Vesk::Modules::DPVM::IDPVMModule;
 
 namespace {
 
-using Service = void (IDPVMModule::*)(unsigned char, IDPVMModule::ResponseAction);
-
 /// What the module answers about the slave that the arguments name.
-std::vector<unsigned char> AskAbout(Session& session, const Json& arguments, Service service,
+std::vector<unsigned char> AskAbout(Session& session, const Json& arguments, Session::SlaveService service,
                                     const std::string& what) {
-    const auto address = arguments["address"].get<unsigned char>();
-    const auto data = session
-                          .Ask(
-                              [&](IDPVMModule::ResponseAction action) {
-                                  (session.Module().*service)(address, std::move(action));
-                              },
-                              what + " of slave " + std::to_string(address))
-                          ->Data();
-    return {data->Data(), data->Data() + data->Count()};
+    const auto address = arguments["address"].get<unsigned int>();
+    return Elements(
+        *session.Ask(session.About(address, service), what + " of slave " + std::to_string(address))->Data());
 }
 
 // ---- vesk diag
@@ -98,24 +91,32 @@ std::string DataText(const Json& facts, const Paint&) {
     return std::to_string(bytes.size()) + " bytes\n" + HexDump(bytes);
 }
 
-constexpr auto* ON_THE_BUS = "Resets the module and takes it onto the bus, in OPERATE with all inputs 0.\n";
+Action AddSlaveVerb(CLI::App& app, const Verb& verb) {
+    const auto command = std::make_shared<VerbCommand>(app, verb);
+    command->AddAddress();
+    return [command] { return command->Execute(); };
+}
 
 } // namespace
 
-void AddSlaveVerbs(CLI::App& program, int& status) {
-    static constexpr Verb DIAG{"diag", Need::OPERATING, AnswerDiag, DiagText};
-    static constexpr Verb SLAVE_CONFIG{"slave-config", Need::OPERATING, AnswerSlaveConfig, SlaveConfigText};
-    static constexpr Verb INPUT{"input", Need::OPERATING, AnswerInput, DataText};
-    static constexpr Verb OUTPUT{"output", Need::OPERATING, AnswerOutput, DataText};
-    const auto add = [&](const Verb& verb, const std::string& description, const std::string& example) {
-        VerbCommand::Add(program, status, verb, description + "\n" + ON_THE_BUS + "Example: " + example)
-            ->AddAddress();
-    };
-    add(DIAG, "Show a slave's diagnosis, the standard bytes bit by bit and what follows block by block.",
-        "vesk diag 5");
-    add(SLAVE_CONFIG, "Show the modules that a slave is made of, as it says itself.", "vesk slave-config 33");
-    add(INPUT, "Show the input data that the master sends to a slave.", "vesk input 5");
-    add(OUTPUT, "Show the output data that the master gets from a slave.", "vesk output 5 --json");
+Action AddDiag(CLI::App& command) {
+    static constexpr Verb DIAG{Need::OPERATING, AnswerDiag, DiagText};
+    return AddSlaveVerb(command, DIAG);
+}
+
+Action AddSlaveConfig(CLI::App& command) {
+    static constexpr Verb SLAVE_CONFIG{Need::OPERATING, AnswerSlaveConfig, SlaveConfigText};
+    return AddSlaveVerb(command, SLAVE_CONFIG);
+}
+
+Action AddInput(CLI::App& command) {
+    static constexpr Verb INPUT{Need::OPERATING, AnswerInput, DataText};
+    return AddSlaveVerb(command, INPUT);
+}
+
+Action AddOutput(CLI::App& command) {
+    static constexpr Verb OUTPUT{Need::OPERATING, AnswerOutput, DataText};
+    return AddSlaveVerb(command, OUTPUT);
 }
 
 } // namespace VeskTool

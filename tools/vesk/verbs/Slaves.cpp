@@ -1,33 +1,26 @@
 // SPDX-License-Identifier: MIT
-#include "tools/vesk/Commands.h"
 #include "tools/vesk/files/ConfigJson.h"
 #include "tools/vesk/files/DatabaseFile.h"
 #include "tools/vesk/text/ByteText.h"
+#include "tools/vesk/text/Elements.h"
 #include "tools/vesk/text/Numbers.h"
 #include "tools/vesk/text/Text.h"
 #include "tools/vesk/verbs/Diagnosis.h"
 #include "tools/vesk/verbs/Stations.h"
+#include "tools/vesk/verbs/Verbs.h"
 
 namespace VeskTool {
 
-using ResponseAction = Vesk::Modules::DPVM::IDPVMModule::ResponseAction;
-
 namespace {
 
-using SlaveService = void (Vesk::Modules::DPVM::Vt22Module::*)(unsigned char, ResponseAction);
-
 /// The bytes that the module answers about a slave; nothing where it answers with an error.
-std::optional<std::vector<unsigned char>> AskAbout(Session& session, SlaveService service,
+std::optional<std::vector<unsigned char>> AskAbout(Session& session, Session::SlaveService service,
                                                    unsigned int address) {
-    const auto answer = session.TryAsk(
-        [&](ResponseAction action) {
-            (session.Module().*service)(static_cast<unsigned char>(address), std::move(action));
-        },
-        "a question about slave " + std::to_string(address));
+    const auto answer =
+        session.TryAsk(session.About(address, service), "a question about slave " + std::to_string(address));
     if (answer->Error() != Vesk::Mailbox::ErrorCode::NO_ERROR)
         return std::nullopt;
-    const auto data = answer->Data();
-    return std::vector<unsigned char>(data->Data(), data->Data() + data->Count());
+    return Elements(*answer->Data());
 }
 
 Json LengthOf(const std::optional<std::vector<unsigned char>>& bytes) {
@@ -44,7 +37,7 @@ Json RecordOf(const Json& config, unsigned int address) {
 }
 
 Json SlaveToJson(Session& session, unsigned int address, const Json& lists, const Json& config) {
-    using Module = Vesk::Modules::DPVM::Vt22Module;
+    using Module = Vesk::Modules::DPVM::IDPVMModule;
     const auto input = AskAbout(session, &Module::ReadSlaveInput, address);
     const auto output = AskAbout(session, &Module::ReadSlaveOutput, address);
     const auto identifiers = AskAbout(session, &Module::GetSlaveConfig, address);
@@ -163,34 +156,24 @@ std::string LiveListText(const Json& facts, const Paint& paint) {
 
 } // namespace
 
-void AddSlaves(CLI::App& program, int& status) {
-    static constexpr Verb SLAVES{"slaves", Need::OPERATING, AnswerSlaves, BriefText};
-    static constexpr Verb VERBOSE{"slaves", Need::OPERATING, AnswerSlaves, VerboseText};
-    const auto command =
-        VerbCommand::Add(program, status, SLAVES,
-                         "Show each slave in a line, with the lengths of its input (to the bus) and output "
-                         "(from the bus), and "
-                         "all 128 stations in a grid.\n"
-                         "Resets the module and takes it onto the bus, in OPERATE with all inputs 0.\n"
-                         "Example: vesk slaves -v --config examples/plant.ddb");
+Action AddSlaves(CLI::App& app) {
+    static constexpr Verb SLAVES{Need::OPERATING, AnswerSlaves, BriefText};
+    static constexpr Verb VERBOSE{Need::OPERATING, AnswerSlaves, VerboseText};
+    const auto command = std::make_shared<VerbCommand>(app, SLAVES);
     VerbCommand* const self = command.get();
-    self->App().add_flag_callback(
+    app.add_flag_callback(
         "-v,--verbose", [self] { self->verb = &VERBOSE; },
         "What each slave says of itself, and its record where --config has it");
-    self->App()
-        .add_option_function<std::string>(
-            "--config",
-            [self](const std::string& path) { self->arguments["config"] = ToJson(*LoadDatabaseFile(path)); },
-            "Configuration database file (.ddb) that the module was given")
-        ->type_name("FILE");
+    command->AddConfig(
+        "Configuration database file (.ddb) that the module was given",
+        [self](const std::string& path) { self->arguments["config"] = ToJson(*LoadDatabaseFile(path)); });
+    return [command] { return command->Execute(); };
 }
 
-void AddLiveList(CLI::App& program, int& status) {
-    static constexpr Verb LIVE_LIST{"livelist", Need::OPERATING, AnswerLiveList, LiveListText};
-    VerbCommand::Add(program, status, LIVE_LIST,
-                     "Show every station that answers on the bus, configured or not.\n"
-                     "Resets the module and takes it onto the bus, in OPERATE with all inputs 0.\n"
-                     "Example: vesk livelist");
+Action AddLiveList(CLI::App& app) {
+    static constexpr Verb LIVE_LIST{Need::OPERATING, AnswerLiveList, LiveListText};
+    const auto command = std::make_shared<VerbCommand>(app, LIVE_LIST);
+    return [command] { return command->Execute(); };
 }
 
 } // namespace VeskTool

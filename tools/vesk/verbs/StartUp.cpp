@@ -2,6 +2,7 @@
 #include "tools/vesk/verbs/StartUp.h"
 
 #include "tools/vesk/explain/Advice.h"
+#include "tools/vesk/text/Elements.h"
 #include "tools/vesk/text/Text.h"
 #include "tools/vesk/verbs/Diagnosis.h"
 #include "tools/vesk/verbs/Stations.h"
@@ -129,9 +130,7 @@ void Examination::Fail(const Step& step, const Problem& problem) {
 
 std::string Examination::ModuleReady() {
     _session.Reach(Need::BOOTED);
-    auto& module = _session.Module();
-    return "VT22, serial " + Hex(module.Serial()) + ", firmware " +
-           Version({module.SoftwareMajor(), module.SoftwareMinor(), module.SoftwareBuild()});
+    return "VT22, serial " + Hex(_session.Module().Serial()) + ", firmware " + _session.FirmwareVersion();
 }
 
 std::string Examination::DatabaseMatches() {
@@ -197,13 +196,9 @@ Json Examination::SlaveToJson(unsigned int address, const Json& lists, const Jso
                {"cause", nullptr}};
     if (exchanges && !diagnostic)
         return slave;
-    const auto answer = _session.TryAsk(
-        [&](IDPVMModule::ResponseAction action) {
-            _session.Module().GetSlaveDiag(static_cast<unsigned char>(address), std::move(action));
-        },
-        "the diagnosis of slave " + std::to_string(address));
-    const auto bytes = answer->Data();
-    const Diagnosis diagnosis({bytes->Data(), static_cast<std::size_t>(bytes->Count())});
+    const auto answer = _session.TryAsk(_session.About(address, &IDPVMModule::GetSlaveDiag),
+                                        "the diagnosis of slave " + std::to_string(address));
+    const Diagnosis diagnosis(Elements(*answer->Data()));
     slave["cause"] = CauseOf(Lives(liveList, address), exchanges, diagnosis);
     return slave;
 }

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "tools/vesk/verbs/Stations.h"
 
+#include "tools/vesk/session/StationLists.h"
 #include "tools/vesk/text/Text.h"
 
 #include <algorithm>

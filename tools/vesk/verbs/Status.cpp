@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: MIT
-#include "tools/vesk/Commands.h"
 #include "tools/vesk/files/DatabaseFile.h"
 #include "tools/vesk/text/Console.h"
 #include "tools/vesk/text/Text.h"
 #include "tools/vesk/verbs/StartUp.h"
+#include "tools/vesk/verbs/Verbs.h"
 
 #include <csignal>
 #include <iostream>
@@ -23,7 +23,7 @@ static Json AnswerStatus(Session& session, const Json& arguments) {
 }
 
 // Examining takes the session as far as the module lets it; it needs nothing.
-static constexpr Verb STATUS{"status", Need::NOTHING, AnswerStatus, StartUpText};
+static constexpr Verb STATUS{Need::NOTHING, AnswerStatus, StartUpText};
 
 /// Shows the status each second: on a terminal over and over in the same place, otherwise one after the
 /// other, as JSON a line each.
@@ -41,25 +41,17 @@ static int Watch(Session& session, const VerbCommand& command) {
         WatchStartUp(session, command.arguments, WATCH_SECONDS, show, [] { return interrupted != 0; }));
 }
 
-void AddStatus(CLI::App& program, int& status) {
-    const auto command = VerbCommand::Add(
-        program, status, STATUS,
-        "Show where the module stands on its way onto the bus, step by step, and the first thing that is not "
-        "right, with its cause and the next step; exit status 1 if there is one.\n"
-        "Resets the module and takes it onto the bus, in OPERATE with all inputs 0. --watch does that once.\n"
-        "Example: vesk status --config examples/plant.ddb --watch");
+Action AddStatus(CLI::App& app) {
+    const auto command = std::make_shared<VerbCommand>(app, STATUS);
     VerbCommand* const self = command.get();
-    self->App().add_flag_callback(
+    app.add_flag_callback(
         "--watch", [self] { self->run = [self](Session& session) { return Watch(session, *self); }; },
         "Look again each second, until the program is interrupted");
-    self->App()
-        .add_option_function<std::string>(
-            "--config",
-            [self](const std::string& path) {
-                self->arguments["checksum"] = ChecksumText(LoadDatabaseFile(path)->Checksum());
-            },
-            "Configuration database file (.ddb) that the module should hold")
-        ->type_name("FILE");
+    command->AddConfig("Configuration database file (.ddb) that the module should hold",
+                       [self](const std::string& path) {
+                           self->arguments["checksum"] = ChecksumText(LoadDatabaseFile(path)->Checksum());
+                       });
+    return [command] { return command->Execute(); };
 }
 
 } // namespace VeskTool

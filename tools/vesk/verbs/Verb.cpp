@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "tools/vesk/verbs/Verb.h"
 
-#include "tools/vesk/Commands.h"
 #include "tools/vesk/session/PlantFlash.h"
 #include "tools/vesk/text/ByteText.h"
 #include "tools/vesk/text/Console.h"
@@ -30,21 +29,15 @@ void Print(const Verb& verb, const Json& facts, bool json) {
     std::cout << (json ? JsonText(facts) : verb.text(facts, Paint::Standard())) << std::flush;
 }
 
-VerbCommand::VerbCommand(CLI::App& app, const Verb& asked) : verb(&asked), _app(&app) {
+VerbCommand::VerbCommand(CLI::App& command, const Verb& asked) : verb(&asked), _app(command) {
     run = [this](Session& session) { return Run(session); };
+    _link.AddTo(command);
+    AddJson(command, _json);
 }
 
-std::shared_ptr<VerbCommand> VerbCommand::Add(CLI::App& program, int& status, const Verb& verb,
-                                              const std::string& description) {
-    CLI::App& app = *program.add_subcommand(verb.name, description);
-    const std::shared_ptr<VerbCommand> command(new VerbCommand(app, verb));
-    command->_link.AddTo(app);
-    app.add_flag("--json", command->_json, "Print one JSON object instead of text");
-    app.callback([command, &status] {
-        Session session(command->_link.Open(PlantFlash()), command->config);
-        status = command->run(session);
-    });
-    return command;
+int VerbCommand::Execute() {
+    Session session(_link.Open(PlantFlash()), config);
+    return run(session);
 }
 
 int VerbCommand::Run(Session& session) const {
@@ -58,7 +51,7 @@ CLI::Option* VerbCommand::AddNumber(const std::string& name, const char* key, un
     const auto take = [this, name, key, least, most](const std::string& text) {
         arguments[key] = ParseNumber(name, text, least, most);
     };
-    return _app->add_option_function<std::string>(name, take, description)->type_name("");
+    return _app.add_option_function<std::string>(name, take, description)->type_name("");
 }
 
 CLI::Option* VerbCommand::AddAddress() {
@@ -67,9 +60,14 @@ CLI::Option* VerbCommand::AddAddress() {
 }
 
 void VerbCommand::AddFile(const std::function<void(const std::string& path)>& take) {
-    _app->add_option_function<std::string>("CONFIG", take, "Configuration database file (.ddb)")
+    _app.add_option_function<std::string>("CONFIG", take, "Configuration database file (.ddb)")
         ->required()
         ->type_name("");
+}
+
+void VerbCommand::AddConfig(const std::string& description,
+                            const std::function<void(const std::string& path)>& take) {
+    _app.add_option_function<std::string>("--config", take, description)->type_name("FILE");
 }
 
 } // namespace VeskTool

@@ -3,8 +3,8 @@
 
 #include "tools/vesk/session/LinkOptions.h"
 #include "tools/vesk/session/Session.h"
+#include "tools/vesk/text/Command.h"
 
-#include <CLI/CLI.hpp>
 #include <nlohmann/json.hpp>
 
 namespace VeskTool {
@@ -34,7 +34,6 @@ private:
 /// One question to a module or one order. Whoever owns a session can answer it: arguments and facts are JSON
 /// objects, and nothing in between knows where they come from and go to.
 struct Verb {
-    const char* name;
     /// How far Answer lets the session go first.
     Need need;
     /// Does it; the facts that --json prints. A fact "ok" that is false says that the module said no.
@@ -52,11 +51,12 @@ int StatusOf(const Json& facts);
 /// `vesk VERB`: what every verb has on the command line, and the running of one in a session of its own.
 class VerbCommand {
 public:
-    /// Adds the verb to the program. The description ends with an example.
-    static std::shared_ptr<VerbCommand> Add(CLI::App& program, int& status, const Verb& verb,
-                                            const std::string& description);
+    /// Gives `command` the options that every verb has.
+    VerbCommand(CLI::App& command, const Verb& verb);
+    VerbCommand(const VerbCommand&) = delete;
+    VerbCommand& operator=(const VerbCommand&) = delete;
 
-    CLI::App& App() { return *_app; }
+    CLI::App& App() { return _app; }
 
     bool PrintsJson() const { return _json; }
 
@@ -84,12 +84,16 @@ public:
     /// the module is touched.
     void AddFile(const std::function<void(const std::string& path)>& take);
 
-private:
-    VerbCommand(CLI::App& app, const Verb& verb);
+    /// The option --config, the path of such a file, likewise.
+    void AddConfig(const std::string& description, const std::function<void(const std::string& path)>& take);
 
+    /// Opens the session and runs; the exit status.
+    int Execute();
+
+private:
     int Run(Session& session) const;
 
-    CLI::App* _app;
+    CLI::App& _app;
     LinkOptions _link;
     bool _json = false;
 };

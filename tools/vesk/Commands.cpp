@@ -1,0 +1,173 @@
+// SPDX-License-Identifier: MIT
+#include "tools/vesk/Commands.h"
+
+#include "tools/vesk/documents/Generate.h"
+#include "tools/vesk/explain/Explain.h"
+#include "tools/vesk/files/FileCommands.h"
+#include "tools/vesk/jobs/Jobs.h"
+#include "tools/vesk/verbs/Verbs.h"
+
+namespace VeskTool {
+
+const std::vector<Command>& Commands() {
+    static const std::string MODULE = "The module";
+    static const std::string BUS = "The bus";
+    static const std::string SLAVE = "One slave";
+    static const std::string TRIAL = "Trying it out";
+    static const std::string FILES = "Files and words";
+    static const std::string HIDDEN;
+    static const std::string ON_THE_BUS =
+        "\nResets the module and takes it onto the bus, in OPERATE with all inputs 0.";
+    static const std::string WHETHER_IT_WORKS =
+        ON_THE_BUS.substr(0, ON_THE_BUS.size() - 1) +
+        "; when the command ends the module goes back into reset, so what it shows is whether it works.";
+
+    static const std::vector<Command> COMMANDS{
+        {"identify", MODULE,
+         "Show what the module is: type, fieldbus, vendor, serial number, versions.\n"
+         "Resets the module.\n"
+         "Example: vesk identify --json",
+         AddIdentify},
+        {"status", MODULE,
+         "Show where the module stands on its way onto the bus, step by step, and the first thing that is "
+         "not right, with its cause and the next step; exit status 1 if there is one." +
+             ON_THE_BUS +
+             " --watch does that once.\n"
+             "Example: vesk status --config examples/plant.ddb --watch",
+         AddStatus},
+        {"database", MODULE,
+         "Show what the module holds: the checksum that describes its database, slaves, lengths.\n"
+         "Resets the module.\n"
+         "Example: vesk database",
+         AddDatabase},
+        {"download", MODULE,
+         "Bring the module's database in line with a configuration; nothing is sent where it is already.\n"
+         "Resets the module, once more after a download.\n"
+         "Example: vesk download examples/plant.ddb",
+         AddDownload},
+        {"verify", MODULE,
+         "Compare the module's database with a configuration and change nothing; exit status 1 where they "
+         "differ.\n"
+         "Resets the module.\n"
+         "Example: vesk verify examples/plant.ddb",
+         AddVerify},
+        {"flash", MODULE,
+         "Replace the application of the module, or with --bootloader its bootloader, by the program in the "
+         "file FIRMWARE, and show which version runs then.\n"
+         "The module is reset and its bus stands still. An update that was cut off can always be run again.\n"
+         "Example: vesk flash examples/firmware/vt22-1.5.0.fw --yes",
+         AddFlash},
+
+        {"slaves", BUS,
+         "Show each slave in a line, with the lengths of its input (to the bus) and output (from the bus), "
+         "and all 128 stations in a grid." +
+             ON_THE_BUS + "\nExample: vesk slaves -v --config examples/plant.ddb",
+         AddSlaves},
+        {"livelist", BUS,
+         "Show every station that answers on the bus, configured or not." + ON_THE_BUS +
+             "\nExample: vesk livelist",
+         AddLiveList},
+        {"start", BUS, "Take slaves into the data exchange." + WHETHER_IT_WORKS + "\nExample: vesk start 5 8",
+         AddStart},
+        {"stop", BUS, "Take slaves out of the data exchange." + WHETHER_IT_WORKS + "\nExample: vesk stop 5 8",
+         AddStop},
+        {"mode", BUS,
+         "Take the master into an operation mode, and wait until it reports it.\n"
+         "Resets the module and takes it onto the bus; when the command ends the module goes back into "
+         "reset, so what it shows is whether the mode can be reached.\n"
+         "Example: vesk mode clear",
+         AddMode},
+        {"set-address", BUS,
+         "Give a slave another station address. The slave must be the one with that ident number and must "
+         "not exchange data, so the bus stands in STOP meanwhile.\n"
+         "Resets the module and takes it onto the bus.\n"
+         "Example: vesk set-address 126 12 0x2a10",
+         AddSetAddress},
+
+        {"diag", SLAVE,
+         "Show a slave's diagnosis, the standard bytes bit by bit and what follows block by block." +
+             ON_THE_BUS + "\nExample: vesk diag 5",
+         AddDiag},
+        {"slave-config", SLAVE,
+         "Show the modules that a slave is made of, as it says itself." + ON_THE_BUS +
+             "\nExample: vesk slave-config 33",
+         AddSlaveConfig},
+        {"input", SLAVE,
+         "Show the input data that the master sends to a slave." + ON_THE_BUS + "\nExample: vesk input 5",
+         AddInput},
+        {"output", SLAVE,
+         "Show the output data that the master gets from a slave." + ON_THE_BUS +
+             "\nExample: vesk output 5 --json",
+         AddOutput},
+        {"read", SLAVE, "Read a record of a slave." + ON_THE_BUS + "\nExample: vesk read 5 0 1 64", AddRead},
+        {"write", SLAVE,
+         "Write a record of a slave." + ON_THE_BUS + "\nExample: vesk write 5 1 200 \"0a 0b 0c\"", AddWrite},
+
+        {"run", TRIAL,
+         "Power the module up, bring its database in line with CONFIG, exchange and check process data with "
+         "every slave, use each kind of service, and do the start once more on the same flash.\n"
+         "The check expects the slaves of the virtual module, which send back what they get, and overwrites "
+         "a record of the first slave: do not run it on a machine.\n"
+         "Example: vesk run examples/plant.ddb --cycles 5000",
+         AddRun},
+        {"module", TRIAL,
+         "Play a module in software, for a host in another process: any command or application that is "
+         "given the same two files. The files are made where they are missing. Ends at Ctrl-C.\n"
+         "What the host does that a module must never see is reported on standard error.\n"
+         "A host in another terminal, like that of the second example, then works with it.\n"
+         "Example: vesk module --dpram /tmp/dpram --lines /tmp/lines --flash /tmp/flash --log\n"
+         "Example: vesk run examples/plant.ddb --dpram /tmp/dpram --lines /tmp/lines",
+         AddModule},
+
+        {"config", FILES, "Show and compare configuration database files.", nullptr},
+        {"config show", FILES,
+         "Show every field of a configuration database file.\n"
+         "Example: vesk config show examples/plant.ddb",
+         AddConfigShow},
+        {"config diff", FILES,
+         "Show the fields in which two configuration database files differ, a line each; the exit status is "
+         "1 when there are any.\n"
+         "Example: vesk config diff old.ddb new.ddb",
+         AddConfigDiff},
+        {"firmware", FILES, "Make and show firmware files.", nullptr},
+        {"firmware show", FILES,
+         "Show what a firmware file says about its program, and whether its checksum fits.\n"
+         "Example: vesk firmware show examples/firmware/vt22-1.5.0.fw",
+         AddFirmwareShow},
+        {"firmware build", FILES,
+         "Make a firmware file of a program image. Numbers are decimal, or hexadecimal after 0x.\n"
+         "Example: vesk firmware build image.bin -o vt22.fw --type application --module-id 0x201 --address "
+         "0x20000",
+         AddFirmwareBuild},
+        {"dump", FILES,
+         "Show a dump of the dual-port RAM, such as an application leaves behind, as a readable map: every "
+         "block and register with its bits, both mailbox messages, the process data.\n"
+         "Example: vesk dump /tmp/hostinterface.bin",
+         AddDump},
+        {"explain", FILES,
+         "Say what a word means and what to check: an exception type, a message or its beginning, an error "
+         "code, an operation mode, a state, a register or one of its bits, a command.\n"
+         "Example: vesk explain 0x87\n"
+         "Example: vesk explain Timeout waiting for initial IRQ",
+         AddExplain},
+        {"generate", HIDDEN,
+         "Print a document that is made by the program, for the installation or for docs/.", AddGenerate},
+    };
+    return COMMANDS;
+}
+
+void AddCommands(CLI::App& program, int& status) {
+    for (const Command& row : Commands()) {
+        const auto blank = row.name.find(' ');
+        const bool top = blank == std::string::npos;
+        CLI::App& above = top ? program : *program.get_subcommand(row.name.substr(0, blank));
+        CLI::App& command = *above.add_subcommand(row.name.substr(top ? 0 : blank + 1), row.help);
+        command.group(top ? row.group : "Subcommands");
+        if (row.add)
+            command.callback([act = row.add(command), &status] { status = act(); });
+        else
+            command.require_subcommand(1);
+    }
+}
+
+} // namespace VeskTool

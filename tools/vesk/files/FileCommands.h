@@ -1,0 +1,15 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "tools/vesk/text/Command.h"
+
+/// The commands for files, which need no module.
+namespace VeskTool {
+
+Action AddConfigShow(CLI::App& command);
+Action AddConfigDiff(CLI::App& command);
+Action AddFirmwareShow(CLI::App& command);
+Action AddFirmwareBuild(CLI::App& command);
+Action AddDump(CLI::App& command);
+
+} // namespace VeskTool

@@ -1,0 +1,32 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <CLI/CLI.hpp>
+
+#include <functional>
+#include <string>
+
+/// What the commands have in common on the command line.
+namespace VeskTool {
+
+/// The exit statuses of every command.
+inline constexpr int DONE = 0;
+inline constexpr int FAILED = 1; // the module or a file said no
+inline constexpr int USAGE = 2;
+
+/// What a command does once it was chosen; its exit status. A function `Add…` gives a command its arguments
+/// and options, and returns what it does with them.
+using Action = std::function<int()>;
+
+/// Adds the flag --json.
+inline void AddJson(CLI::App& command, bool& json) {
+    command.add_flag("--json", json, "Print one JSON object instead of text");
+}
+
+/// Adds a positional argument that must be there; help shows its name alone.
+inline CLI::Option* AddArgument(CLI::App& command, const std::string& name, std::string& value,
+                                const std::string& description) {
+    return command.add_option(name, value, description)->required()->type_name("");
+}
+
+} // namespace VeskTool
