@@ -73,6 +73,9 @@ private:
         if (_bytes[RESET_N] == 0 || irq == 0 || irq != _bytes[GENERATION])
             return true;
         _bytes[IRQ] = 0;
+        // The module must see the release before whatever the host then writes to the DPRAM: in answer to
+        // that it may raise the next interrupt, which a release that is seen later would take away.
+        std::atomic_thread_fence(std::memory_order_seq_cst);
         return false;
     }
 
