@@ -23,7 +23,7 @@ static std::int64_t NextMillisecond() {
     return now += 1'000'000;
 }
 
-RunningMaster::RunningMaster(int bytes, int segments)
+RunningMaster::RunningMaster(int bytes, int segments, std::function<void(bool)> reset_n)
     : in(System::Array<unsigned char>::Create(AREA_SIZE)),
       out(System::Array<unsigned char>::Create(AREA_SIZE)),
       _file(::memfd_create("dpram", MFD_CLOEXEC)) {
@@ -33,7 +33,7 @@ RunningMaster::RunningMaster(int bytes, int segments)
     if (memory == MAP_FAILED)
         throw std::system_error(errno, std::generic_category(), "dpram");
     _dpRam = static_cast<volatile unsigned char*>(memory);
-    ComeUp(bytes, segments);
+    ComeUp(bytes, segments, std::move(reset_n));
 }
 
 RunningMaster::~RunningMaster() {
@@ -42,15 +42,15 @@ RunningMaster::~RunningMaster() {
     ::close(_file);
 }
 
-void RunningMaster::ComeUp(int bytes, int segments) {
+void RunningMaster::ComeUp(int bytes, int segments, std::function<void(bool)> reset_n) {
     Vesk::RuntimeConfig::_hostInterfaceDumpPath = nullptr;
     System::DateTime::SetSource(NextMillisecond);
     const auto call = System::Func<void>::Create([this] { ++calls; });
-    const auto level = System::ArgFunc<bool, void>::Create([](bool) {});
     _velmoIrq_n = System::Func<bool>::Create([this] { return !std::exchange(_irq, false); });
     _master = Vt22Module::Create(
         Vesk::Modules::DPVM::CreateHostInterface("/proc/self/fd/" + std::to_string(_file), 0, _velmoIrq_n,
-                                                 level, level),
+                                                 System::ArgFunc<bool, void>::Create(std::move(reset_n)),
+                                                 System::ArgFunc<bool, void>::Create([](bool) {})),
         call, call, System::ArgFunc<OperationMode_e, void>::Create([this](OperationMode_e) { ++calls; }),
         nullptr);
     while (_master->State() != State::POWER_ON)

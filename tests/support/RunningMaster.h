@@ -3,6 +3,7 @@
 
 #include "vesk/modules/dpvm/Vt22Module.h"
 
+#include <functional>
 #include <memory>
 
 /// An initialised master module object on a DPRAM in shared memory. The module's side is played with bare
@@ -14,7 +15,9 @@ public:
 
     /// Maps `bytes` bytes of `in` and of `out`, cut into `segments` segments of one size each way, and runs
     /// the module up to INITIALIZED; that takes no time, but the process's clock is the system's afterwards.
-    explicit RunningMaster(int bytes, int segments = 1);
+    /// `reset_n` hears the level of the reset line.
+    explicit RunningMaster(
+        int bytes, int segments = 1, std::function<void(bool)> reset_n = [](bool) {});
     RunningMaster(const RunningMaster&) = delete;
     RunningMaster& operator=(const RunningMaster&) = delete;
     ~RunningMaster();
@@ -42,7 +45,7 @@ public:
     int calls = 0;
 
 private:
-    void ComeUp(int bytes, int segments);
+    void ComeUp(int bytes, int segments, std::function<void(bool)> reset_n);
     void Put(int offset, std::initializer_list<int> bytes);
 
     int _file;
