@@ -28,20 +28,6 @@ protected:
 
     static bool Installed(const std::string& program) { return Shell("command -v " + program).status == 0; }
 
-    /// What bash offers for the line, whose last word is being typed.
-    std::vector<std::string> BashOffers(const std::string& line) {
-        const auto result = RunTool::Run({"-c", "source " + Generate("bash") + "; COMP_WORDS=(" + line +
-                                                    "); COMP_CWORD=$((${#COMP_WORDS[@]} - 1)); " +
-                                                    "_vesk; printf '%s\\n' \"${COMPREPLY[@]}\""},
-                                         "/bin/bash");
-        EXPECT_EQ(result.err, "");
-        std::vector<std::string> words;
-        std::istringstream lines(result.out);
-        for (std::string word; std::getline(lines, word);)
-            words.push_back(word);
-        return words;
-    }
-
     TemporaryFolder _folder;
 };
 
@@ -56,7 +42,6 @@ TEST_F(DocumentsTest, ManPageHasEveryCommandAndNoFault) {
         EXPECT_THAT(text,
                     AnyOf(HasSubstr("\n.SS vesk " + name + " "), HasSubstr("\n.SS vesk " + name + "\n")));
     }
-    EXPECT_THAT(text, HasSubstr("Example:\n.PP\n.RS\n\\fBvesk explain 0x87\\fR\n"));
     EXPECT_THAT(text, Not(HasSubstr("generate")));
     if (Installed("groff")) {
         const auto groff = Shell("groff -man -ww -Tascii " + page);
@@ -68,23 +53,11 @@ TEST_F(DocumentsTest, ManPageHasEveryCommandAndNoFault) {
         EXPECT_EQ(Shell("mandoc -T lint -W error " + page).status, 0);
 }
 
-TEST_F(DocumentsTest, BashOffersCommandsAndOptions) {
-    EXPECT_THAT(BashOffers("vesk ''"), AllOf(testing::IsSupersetOf({"config", "dump", "explain", "run"}),
-                                             Not(testing::Contains("generate"))));
-    EXPECT_THAT(BashOffers("vesk exp"), ElementsAre("explain"));
-    EXPECT_THAT(BashOffers("vesk config ''"), ElementsAre("show", "diff"));
-    EXPECT_THAT(BashOffers("vesk config diff a.ddb --j"), ElementsAre("--json"));
-    for (const char* line : {"vesk dump --", "vesk dump config --"}) // a file may be named like a command
-        EXPECT_THAT(BashOffers(line), ElementsAre("--help", "--bootloader", "--json"));
-}
-
 TEST_F(DocumentsTest, OtherShellsAcceptTheirs) {
     const std::string zsh = Generate("zsh");
-    EXPECT_THAT(_folder.Content("vesk.zsh"), HasSubstr("#compdef vesk\n"));
     if (Installed("zsh"))
         EXPECT_EQ(Shell("zsh -n " + zsh).err, "");
     const std::string fish = Generate("fish");
-    EXPECT_THAT(_folder.Content("vesk.fish"), HasSubstr("complete -c vesk -n '__vesk_is' -f -a explain -d "));
     if (Installed("fish")) {
         const std::string home = "HOME=" + _folder.Path("") + " ";
         const auto offered = Shell(home + "fish -c 'source " + fish + "; complete -C \"vesk config d\"'");
@@ -104,12 +77,6 @@ TEST_F(DocumentsTest, FaultsPageIsUpToDate) {
     EXPECT_THAT(page, HasSubstr("`boot-silent`, `boot-late=2500`; at times `dead` |\n"));
     for (const VirtualModule::FaultKind& kind : VirtualModule::Faults())
         EXPECT_THAT(page, HasSubstr("`" + std::string(kind.name)));
-}
-
-TEST_F(DocumentsTest, GenerateIsHiddenAndTakesKnownDocumentsOnly) {
-    EXPECT_THAT(RunTool::Text({"--help"}), Not(HasSubstr("generate")));
-    EXPECT_EQ(RunTool::Run({"generate", "html"}).status, 2);
-    EXPECT_EQ(RunTool::Run({"generate"}).status, 2);
 }
 
 TEST_F(DocumentsTest, VersionIsThatOfTheLibrary) {

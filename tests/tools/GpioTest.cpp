@@ -143,20 +143,3 @@ TEST_F(GpioTest, ALineThatFailsIsNamed) {
 
 } // namespace
 #endif
-
-TEST(LinkOptionsTest, WrongUseIsNamed) {
-    const auto expectUsage = [](const RunTool::Arguments& options, const std::string& message) {
-        RunTool::ExpectFailure(RunTool::Join({"identify"}, options), 2, testing::HasSubstr(message));
-    };
-    const std::string form = " is not CHIP:irq=N,reset=N,boot=N";
-    for (const std::string gpio :
-         {"chip", ":irq=1,reset=2,boot=3", "chip:irq=1,reset=2", "chip:irq=1,irq=2,boot=3",
-          "chip:irq=1,reset=2,boat=3", "chip:irq=1,reset=2,boot"})
-        expectUsage({"--dpram", "d", "--gpio", gpio}, gpio + form);
-    expectUsage({"--dpram", "d", "--gpio", "chip:irq=x,reset=2,boot=3"}, "--gpio irq");
-    expectUsage({"--dpram", "d"}, "--dpram requires --lines or --gpio");
-    expectUsage({"--lines", "l"}, "--lines requires --dpram");
-    expectUsage({"--gpio", "chip:irq=1,reset=2,boot=3"}, "--gpio requires --dpram");
-    expectUsage({"--dpram", "d", "--lines", "l", "--gpio", "chip:irq=1,reset=2,boot=3"},
-                "--lines excludes --gpio");
-}

@@ -7,20 +7,15 @@
 #include "virtualmodule/faults/Faults.h"
 #include "virtualmodule/flash/Flash.h"
 
-#include <deque>
-#include <sys/stat.h>
+#include <array>
 
 namespace {
 
 namespace DPVM = Vesk::Modules::DPVM;
-namespace Outcomes = VirtualModule::Outcomes;
 
 using testing::EndsWith;
 using testing::HasSubstr;
-using VirtualModule::FaultId;
-using VirtualModule::FaultKind;
 using VirtualModule::Flash;
-using VirtualModule::Outcome;
 
 const RunTool::Arguments ALONE{"run", ModuleFiles::PLANT, "--cycles", "20", "--json"};
 const RunTool::Arguments UPDATE{"flash", ModuleFiles::FIRMWARE, "--yes"};
@@ -205,87 +200,15 @@ TEST_F(TwoProcessesTest, WhatTheHostBreaksIsReportedAtOnceAndCountedAtTheEnd) {
 
 TEST_F(TwoProcessesTest, FaultsStrikeOnRequest) {
     // The second boot follows the download, the third is that of the second host.
-    const auto module =
-        files.StartModule({"--fault", "boot-empty@2x1", "--fault", "wrong-vendor-id@3=0x1234"});
-    for (const char* error : {"Empty indication at bootup!", "Unexpected vendor id!"}) {
-        const auto host = files.StartHost();
+    const auto module = files.StartModule({"--fault", "boot-empty@2x1", "--fault",
+                                           "wrong-vendor-id@3x1=0x1234", "--fault", "firmware-error@10"});
+    const std::pair<RunTool::Arguments, const char*> cases[]{
+        {ALONE, "Empty indication at bootup!"}, {ALONE, "Unexpected vendor id!"}, {UPDATE, " was refused"}};
+    for (const auto& [command, error] : cases) {
+        const auto host = files.Start(command);
         EXPECT_EQ(host->Wait(), 1);
         EXPECT_THAT(host->Err(), HasSubstr(error));
     }
-}
-
-/// One row of the table of faults, on a module of its own, and how the host's command ends on it.
-class FaultyPair {
-public:
-    explicit FaultyPair(const FaultKind& row) : _row(row) {
-        _files.speed = "1"; // the delays among the faults are meant for it
-        _module = _files.StartModule({"--fault", row.Usual().Text()});
-        _host = _files.Start(row.life == FaultKind::Life::MASTER ? ALONE : UPDATE);
-    }
-
-    void ExpectEndAsPromised(const nlohmann::json& goodFacts) {
-        SCOPED_TRACE(_row.Usual().Text());
-        const int status = _host->Wait();
-        // What comes of these two depends on the moment at which the other process looks.
-        const bool luck = _row.id == FaultId::ANSWER_UNASKED || _row.id == FaultId::DPRAM_FLICKER;
-        bool expected = false;
-        for (const Outcome* outcome : _row.outcomes) {
-            expected = expected || EndsLike(*outcome, status, goodFacts);
-            if (!luck)
-                break;
-        }
-        EXPECT_TRUE(expected) << status << "\n" << _host->Out() << _host->Err();
-    }
-
-private:
-    bool EndsLike(const Outcome& outcome, int status, const nlohmann::json& goodFacts) const {
-        if (&outcome == &Outcomes::SAME_DATA)
-            return status == 0 && TwoProcessesTest::Facts(_host->Out()) == goodFacts;
-        if (status != 1)
-            return false;
-        if (_row.life == FaultKind::Life::FIRMWARE)
-            return _host->Err().find(FlashError(outcome)) != std::string::npos;
-        const auto error = nlohmann::json::parse(_host->Out()).at("error");
-        const std::string type = error.at("type");
-        const std::string message = error.at("message") == type ? "" : error.at("message");
-        if (!outcome.IsException())
-            return type == "Failure"; // `vesk run` itself finds that nothing comes, or something else
-        return outcome.Is(type, message) ||
-               outcome.Is(type, message + "\n"); // whose last line ends are cut off
-    }
-
-    /// `vesk flash` says in its own words how far a download has come.
-    static std::string FlashError(const Outcome& outcome) {
-        if (&outcome == &Outcomes::TIMEOUT)
-            return " was not answered: Timeout after ";
-        if (&outcome == &Outcomes::REFUSED)
-            return " was refused";
-        return "vesk: " + std::string(outcome.type) + ": " +
-               std::string(outcome.message.substr(0, outcome.message.find('*')));
-    }
-
-    const FaultKind& _row;
-    ModuleFiles _files;
-    std::unique_ptr<Process> _module, _host;
-};
-
-TEST_F(TwoProcessesTest, EachFaultEndsAsTheListPromises) {
-    const auto goodFacts = Facts(RunTool::Text(ALONE));
-    // Some at a time, because many of them wait for seconds until a time is out.
-    constexpr std::size_t PAIRS = 8;
-    std::deque<FaultyPair> pairs;
-    const auto finishFirst = [&] {
-        pairs.front().ExpectEndAsPromised(goodFacts);
-        pairs.pop_front();
-    };
-    for (const FaultKind& row : VirtualModule::Faults()) {
-        pairs.emplace_back(row);
-        if (pairs.size() > PAIRS)
-            finishFirst();
-    }
-    while (!pairs.empty())
-        finishFirst();
-
     const std::string list = RunTool::Text({"module", "--faults"});
     for (const auto& kind : VirtualModule::Faults())
         EXPECT_THAT(list, testing::ContainsRegex("\n" + std::string(kind.name) + "[ [].*" +
@@ -299,49 +222,15 @@ TEST_F(TwoProcessesTest, ASlaveThatIsOffTheBusIsNamed) {
                 HasFacts(R"({"step": "slaves", "what": "Slave 9 does not exchange data"})"));
 }
 
-TEST_F(TwoProcessesTest, RefusesWhatCannotWork) {
+TEST_F(TwoProcessesTest, FilesThatAreInUseServeOneModule) {
     const auto running = files.StartModule();
     const TemporaryFolder other;
-    const std::string folder = other.Path("folder");
-    const std::string pipe = other.Path("pipe");
-    const std::string text = other.Put("text", "some text\n");
-    const std::string dpRam = other.Path("dpram");
-    const std::string lines = other.Path("lines");
-    std::filesystem::create_directory(folder);
-    ASSERT_EQ(::mkfifo(pipe.c_str(), 0600), 0);
-    const std::string plant = ModuleFiles::PLANT;
-
-    const struct {
-        RunTool::Arguments arguments;
-        int status;
-        std::string error;
-    } cases[]{
-        {{"module", "--dpram", files.dpRam, "--lines", lines}, 1, files.dpRam + " is in use by another"},
-        {{"module", "--dpram", dpRam, "--lines", files.lines}, 1, files.lines + " is in use by another"},
-        {{"module", "--dpram", folder, "--lines", lines}, 1, folder + ": Is a directory"},
-        {{"module", "--dpram", pipe, "--lines", lines}, 1, pipe + " is not a regular file"},
-        {{"module", "--dpram", text, "--lines", lines}, 1, text + " has 10 bytes instead of 8192"},
-        {{"module", "--dpram", dpRam, "--lines", dpRam}, 1, dpRam + " has 8192 bytes instead of 4"},
-        {{"module", "--dpram", folder + "/no/dpram", "--lines", lines}, 1, "No such file or directory"},
-        {{"module", "--dpram", dpRam, "--lines", lines, "--flash", text}, 1, text + ": not a flash file"},
-        {{"module", "--dpram", dpRam, "--lines", lines, "--flash", pipe}, 1, pipe + " is not a regular file"},
-        {{"module", "--dpram", dpRam, "--lines", lines, "--flash", folder + "/no/flash"}, 1, "No such file"},
-        {{"module", "--dpram", dpRam}, 2, "--lines is required"},
-        {{"module", "--dpram", dpRam, "--lines", lines, "--period", "5"}, 2, "5 is not a duration"},
-        {{"module", "--dpram", dpRam, "--lines", lines, "--period", "-1ms"}, 2, "-1ms is not a duration"},
-        {{"module", "--dpram", dpRam, "--lines", lines, "--period", "2h"}, 2, "2h is not a duration"},
-        {{"module", "--dpram", dpRam, "--lines", lines, "--speed", "0"}, 2, "0 is not from 0.001 to 1000"},
-        {{"module", "--dpram", dpRam, "--lines", lines, "--speed", "nan"}, 2, "nan is not from"},
-        {{"module", "--dpram", dpRam, "--lines", lines, "--fault", "dad"}, 2, "but there is dead"},
-        {{"run", plant, "--offset", "4096"}, 2, "--offset requires --dpram"},
-        {{"run", plant, "--dpram", other.Path("none"), "--lines", files.lines}, 1, "none does not exist"},
-        {{"run", plant, "--dpram", files.dpRam, "--lines", other.Path("none")}, 1, "none does not exist"},
-    };
-
-    for (const auto& [arguments, status, error] : cases)
-        RunTool::ExpectFailure(arguments, status, HasSubstr(error));
-    EXPECT_THAT(RunTool::Run(files.With({"run", plant, "--offset", "1"})).err, HasSubstr("8193"));
-    EXPECT_EQ(other.Content("text"), "some text\n");
+    for (const auto& [dpRam, lines, taken] : {std::array{files.dpRam, other.Path("lines"), files.dpRam},
+                                              {other.Path("dpram"), files.lines, files.lines}})
+        RunTool::ExpectFailure({"module", "--dpram", dpRam, "--lines", lines}, 1,
+                               HasSubstr(taken + " is in use by another"));
+    EXPECT_THAT(RunTool::Run(files.With({"run", ModuleFiles::PLANT, "--offset", "1"})).err,
+                HasSubstr("8193"));
     ExpectRecovery();
     EXPECT_EQ(running->Err(), "");
 }

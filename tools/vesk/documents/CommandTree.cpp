@@ -29,7 +29,7 @@ static CommandTree::Parameter ParameterOf(const CLI::Option& option) {
     if (option.get_positional())
         parameter.names.push_back(option.get_name(true));
     else if (option.get_items_expected_max() > 0)
-        parameter.value = option.get_type_name().substr(0, option.get_type_name().find(':'));
+        parameter.value = option.get_type_name().substr(0, option.get_type_name().find(":{"));
     return parameter;
 }
 

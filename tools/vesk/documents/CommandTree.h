@@ -37,9 +37,13 @@ private:
     void AddParts(const CLI::App& app);
 };
 
-/// The man page vesk(1).
+/// The man page vesk(1). Not help2man's: it reads the --help of one program, so it makes a page without the
+/// options of the commands, or one for each of them, says nothing of the environment and the exit statuses,
+/// and takes the examples for text; where the table of options is wide it runs an option into its
+/// description.
 std::string ManPage(const CommandTree& program);
-/// The completion files.
+/// The completion files. What the shells bring along for a --help knows the options of one program, but no
+/// commands.
 std::string BashCompletion(const CommandTree& program);
 std::string ZshCompletion(const CommandTree& program);
 std::string FishCompletion(const CommandTree& program);
