@@ -1,11 +1,11 @@
 // SPDX-License-Identifier: MIT
-// Every code block of README.md and docs/ is compared or executed. ```cpp is an excerpt of a file in
-// examples/. Of any other block each line is a command, or what the command with "$ " above it prints.
+// The code blocks of README.md and docs/ are compared or executed. ```cpp is an excerpt of a file in
+// examples/. Of a block without a language each line is a command, or what the command with "$ " above it
+// prints.
 #include "tests/support/ModuleFiles.h"
 #include "tests/support/RunTool.h"
 
 #include <regex>
-#include <set>
 #include <sstream>
 
 using testing::HasSubstr;
@@ -23,42 +23,29 @@ Lines Split(const std::string& text) {
 }
 
 struct Block {
-    std::string place; // of the fence
     std::string language;
     Lines lines;
 };
 
 std::vector<Block> BlocksOf(const std::string& page) {
+    const std::string text = TemporaryFolder::Read(page);
+    const std::string fence = "\n```";
     std::vector<Block> blocks;
-    bool open = false;
-    int number = 0;
-    for (const std::string& line : Split(TemporaryFolder::Read(page))) {
-        ++number;
-        if (line.starts_with("```")) {
-            open = !open;
-            if (open)
-                blocks.push_back({page + ":" + std::to_string(number), line.substr(3), {}});
-        } else if (open) {
-            blocks.back().lines.push_back(line);
-        }
+    for (auto at = text.find(fence); at != text.npos; at = text.find(fence, at + 1)) {
+        const auto start = text.find('\n', at + 1);
+        const auto end = text.find(fence, start);
+        blocks.push_back({text.substr(at + 4, start - at - 4), Split(text.substr(start + 1, end - start))});
+        at = end;
     }
-    EXPECT_FALSE(open) << page << ": a block without an end";
     return blocks;
 }
 
-/// Whether the lines of the block stand in the file one behind the other, all indented alike.
-bool IsExcerpt(const Lines& block, const Lines& file) {
-    for (std::size_t start = 0; start + block.size() <= file.size(); ++start) {
-        if (!file[start].ends_with(block[0]))
-            continue;
-        const std::string indent(file[start].size() - block[0].size(), ' ');
-        const auto alike = [&indent](const std::string& shown, const std::string& line) {
-            return line == (shown.empty() ? shown : indent + shown);
-        };
-        if (std::equal(block.begin(), block.end(), file.begin() + static_cast<std::ptrdiff_t>(start), alike))
-            return true;
-    }
-    return false;
+/// The lines without their indentation, each between line feeds.
+std::string Flush(const Lines& lines) {
+    std::string text = "\n";
+    for (const std::string& line : lines)
+        text += line.substr(std::min(line.find_first_not_of(' '), line.size())) + "\n";
+    return text;
 }
 
 /// Runs the commands of one page in their order, in the source tree. A folder of their own takes the place of
@@ -88,10 +75,10 @@ public:
 private:
     /// It builds this tree, so it cannot run in its test.
     static void ExpectScript(const std::string& script, const std::string& arguments) {
-        EXPECT_EQ(::access(script.c_str(), X_OK), 0);
+        EXPECT_EQ(::access((SOURCE_DIR "/" + script).c_str(), X_OK), 0);
         std::istringstream words(arguments);
         for (std::string word; words >> word;)
-            EXPECT_THAT(TemporaryFolder::Read(script), HasSubstr(word));
+            EXPECT_THAT(TemporaryFolder::Read(SOURCE_DIR "/" + script), HasSubstr(word));
     }
 
     /// With the programs of this build, and with files for those of the reader and for /tmp.
@@ -110,12 +97,12 @@ private:
     void Run(const std::string& command, bool isModule) {
         if (isModule) {
             EndModule();
-            const RunTool::Arguments arguments{"-c", "exec " + command + " --speed 10"};
-            _module = std::make_unique<Process>("/bin/sh", arguments);
+            const std::string script = "cd " SOURCE_DIR "; exec " + command + " --speed 10";
+            _module = std::make_unique<Process>("/bin/sh", RunTool::Arguments{"-c", script});
             EXPECT_TRUE(_module->WaitForOut("module ready on ")) << _module->Err();
             return;
         }
-        const ToolResult result = RunTool::Run({"-c", command}, "/bin/sh");
+        const ToolResult result = RunTool::Run({"-c", "cd " SOURCE_DIR "; " + command}, "/bin/sh");
         EXPECT_EQ(result.status, 0) << result.out << result.err;
         _out = result.out;
     }
@@ -133,85 +120,58 @@ private:
     std::string _out;
 };
 
-class ListingsTest : public testing::Test {
-protected:
-    ListingsTest() { std::filesystem::current_path(SOURCE_DIR); }
+void ExpectExcerpt(const Block& block) {
+    std::string examples;
+    for (const auto& file : std::filesystem::directory_iterator(SOURCE_DIR "/examples"))
+        if (file.path().extension() == ".cpp" || file.path().extension() == ".h")
+            examples += Flush(Split(TemporaryFolder::Read(file.path())));
+    EXPECT_THAT(examples, HasSubstr(Flush(block.lines)));
+}
 
-    ~ListingsTest() override { std::filesystem::current_path(_folder); }
-
-    static Lines Pages() {
-        Lines pages{"README.md"};
-        for (const auto& file : std::filesystem::directory_iterator("docs"))
-            if (file.path().extension() == ".md")
-                pages.push_back(file.path().string());
-        return pages;
-    }
-
-    static void ExpectExcerpt(const Block& block) {
-        for (const auto& file : std::filesystem::directory_iterator("examples"))
-            if (file.is_regular_file() && IsExcerpt(block.lines, Split(TemporaryFolder::Read(file.path()))))
-                return;
-        ADD_FAILURE() << "no file of examples/ has these lines";
-    }
-
-    /// A block with "$ " before its commands has what they print below them.
-    static void ExpectRuns(const Block& block, Commands& commands) {
+/// A block with "$ " before its commands has what they print below them.
+void ExpectRuns(const Block& block, Commands& commands) {
+    const bool withOutput = block.lines[0].starts_with("$ ");
+    for (std::size_t i = 0; i < block.lines.size();) {
+        const std::string& line = block.lines[i++];
+        SCOPED_TRACE(line);
+        commands.RunLine(withOutput ? line.substr(2) : line);
         std::string printed;
-        const bool withOutput = block.lines[0].starts_with("$ ");
-        for (const std::string& line : block.lines) {
-            if (withOutput && !line.starts_with("$ ")) {
-                printed += line + "\n";
-                continue;
-            }
-            SCOPED_TRACE(line);
-            EXPECT_TRUE(printed.empty() || printed == commands.Out()) << printed;
-            printed.clear();
-            commands.RunLine(withOutput ? line.substr(2) : line);
-        }
-        EXPECT_TRUE(printed.empty() || printed == commands.Out()) << printed << "instead of\n"
-                                                                  << commands.Out();
+        while (withOutput && i < block.lines.size() && !block.lines[i].starts_with("$ "))
+            printed += block.lines[i++] + "\n";
+        if (!printed.empty())
+            EXPECT_EQ(commands.Out(), printed);
     }
+}
 
-private:
-    std::filesystem::path _folder = std::filesystem::current_path();
-};
-
-TEST_F(ListingsTest, AreComparedOrExecuted) {
-    // What is neither listing nor command, by its first line.
-    std::set<std::string> others{
-        "First life", // see below
-        "system ← core ← hostinterface ← handshake, io, mailbox ← modules ← modules/bootloader, "
-        "modules/dpvm/config",
-        "POWER_OFF → POWER_ON → BOOTED → DOWNLOADING → DOWNLOAD_COMPLETE → INITIALIZING → INITIALIZED",
-        "&external_bus {",
+/// The demonstration, without the times in it.
+void ExpectDemo(const Block& block) {
+    const auto withoutTimes = [](const std::string& text) {
+        return std::regex_replace(text, std::regex("[0-9]+\\.[0-9] ms"), "ms");
     };
-    for (const std::string& page : Pages()) {
+    const std::string printed = withoutTimes(RunTool::Text({"run", ModuleFiles::PLANT}));
+    for (const std::string& line : block.lines)
+        if (line != "  ...")
+            EXPECT_THAT(printed, HasSubstr("\n" + withoutTimes(line) + "\n"));
+}
+
+TEST(ListingsTest, AreComparedOrExecuted) {
+    Lines pages{SOURCE_DIR "/README.md"};
+    for (const auto& file : std::filesystem::directory_iterator(SOURCE_DIR "/docs"))
+        if (file.path().extension() == ".md")
+            pages.push_back(file.path().string());
+    for (const std::string& page : pages) {
         Commands commands;
         for (const Block& block : BlocksOf(page)) {
-            SCOPED_TRACE(block.place);
-            ASSERT_FALSE(block.lines.empty());
+            ASSERT_FALSE(block.lines.empty()) << page;
+            SCOPED_TRACE(page + ": " + block.lines[0]);
             if (block.language == "cpp")
                 ExpectExcerpt(block);
-            else if (others.erase(block.lines[0]) == 0)
+            else if (block.lines[0] == "First life")
+                ExpectDemo(block);
+            else if (block.language.empty())
                 ExpectRuns(block, commands);
         }
     }
-    EXPECT_THAT(others, testing::IsEmpty());
-}
-
-TEST_F(ListingsTest, TheDemoPrintsWhatTheReadmeShows) {
-    const auto number = std::regex("[0-9]+\\.[0-9] ms");
-    const Lines printed = Split(RunTool::Run({"run", "examples/plant.ddb"}).out);
-    std::set<std::string> without; // their numbers
-    for (const std::string& line : printed)
-        without.insert(std::regex_replace(line, number, "ms"));
-    const auto blocks = BlocksOf("README.md");
-    const auto shown = std::find_if(blocks.begin(), blocks.end(),
-                                    [](const Block& block) { return block.lines[0] == "First life"; });
-    ASSERT_NE(shown, blocks.end());
-    for (const std::string& line : shown->lines)
-        if (line != "  ...")
-            EXPECT_THAT(without, testing::Contains(std::regex_replace(line, number, "ms")));
 }
 
 } // namespace

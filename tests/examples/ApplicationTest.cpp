@@ -2,7 +2,6 @@
 #include "tests/support/ModuleFiles.h"
 #include "tests/support/RunTool.h"
 
-using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::MatchesRegex;
 using testing::StartsWith;
@@ -27,17 +26,9 @@ struct ApplicationTest : testing::Test {
     ModuleFiles files;
 };
 
-TEST_F(ApplicationTest, TheReadmeShowsOneWhole) {
-    const std::string application = TemporaryFolder::Read(SOURCE_DIR "/examples/application.cpp");
-    ASSERT_NE(application, "");
-    EXPECT_THAT(TemporaryFolder::Read(SOURCE_DIR "/README.md"),
-                HasSubstr("```cpp\n" + application + "```\n"));
-}
-
 TEST_F(ApplicationTest, EachDoesItsTask) {
     const std::string update =
         "downloading VT22 demo firmware 1.5.0, 31 requests\nthe module runs version 1.5.0\n";
-    const std::string notFound = "System.IO.FileNotFoundException: ";
     const std::string record = // "Virtual slave, ident 0x2a10, record 1"
         "56 69 72 74 75 61 6c 20 73 6c 61 76 65 2c 20 69 64 65 6e 74 20 30 78 32 61 31 30 2c 20 72 65 63 6f "
         "72 64 20 31\n";
@@ -50,7 +41,10 @@ TEST_F(ApplicationTest, EachDoesItsTask) {
         {"bus_up_and_down", {PLANT}, "online\nOPERATE\n12 slaves exchange data\nCLEAR\nSTOP\noffline\n", ""},
         {"cyclic_control", {PLANT}, "running at 1000 rpm\nstanding still\n", ""},
         {"cyclic_control", {PLANT, "1000"}, "", "priority 1000: Invalid argument\n"},
-        {"cyclic_control", {"none.ddb"}, "", notFound + "none.ddb: No such file or directory\n"},
+        {"cyclic_control",
+         {"none.ddb"},
+         "",
+         "System.IO.FileNotFoundException: none.ddb: No such file or directory\n"},
         {"read_record", {"3", "0", "1"}, record + record, ""},
         {"read_record", {"3", "9", "1"}, "", "refused: Invalid Address\n"},
         {"read_record", {"256", "0", "1"}, "", "256 is not 0 to 255\n"},
@@ -85,22 +79,17 @@ TEST_F(ApplicationTest, EachSaysHowItIsUsed) {
 
 TEST_F(ApplicationTest, AModuleThatFailsDoesNotStopTheOthers) {
     const ModuleFiles failing;
-    const ModuleFiles third;
     const auto module = files.StartModule();
     const auto failingModule = failing.StartModule({"--fault", "fatal@20"});
-    const auto thirdModule = third.StartModule();
-    const ToolResult result = RunTool::Run(
-        {PLANT, files.dpRam, files.lines, failing.dpRam, failing.lines, third.dpRam, third.lines},
-        Path("several_modules"));
+    const ToolResult result = RunTool::Run({PLANT, failing.dpRam, failing.lines, files.dpRam, files.lines},
+                                           Path("several_modules"));
     EXPECT_EQ(result.status, 1);
-    for (const std::string& dpRam : {files.dpRam, third.dpRam})
-        EXPECT_THAT(result.out, HasSubstr(dpRam + ": 42 went to the bus and came back\n"));
+    EXPECT_THAT(result.out, HasSubstr(files.dpRam + ": 42 went to the bus and came back\n"));
     EXPECT_EQ(result.err,
               failing.dpRam +
                   ": Vesk.Modules.DPVM.Vt22FatalEventException: Fatal event reported by VT22 module\n");
     ExpectRightHost(*module);
     ExpectRightHost(*failingModule);
-    ExpectRightHost(*thirdModule);
 }
 
 TEST_F(ApplicationTest, TheFaultLogSurvivesTheModule) {
@@ -112,16 +101,11 @@ TEST_F(ApplicationTest, TheFaultLogSurvivesTheModule) {
     EXPECT_EQ(example.End(SIGTERM), 0);
     EXPECT_EQ(example.Err(), "");
 
-    std::istringstream content(TemporaryFolder::Read(log));
-    std::vector<std::string> lines;
-    for (std::string line; std::getline(content, line);)
-        lines.push_back(line);
-    const std::string time = "20[0-9-]+T[0-9:]+Z ";
-    EXPECT_THAT(lines,
-                ElementsAre(MatchesRegex(time + "Vesk\\.ModuleStateException: Unexpected poweron indication "
-                                                "from module! PowerOn +"),
-                            MatchesRegex(time + "Vesk\\.Modules\\.DPVM\\.Vt22FatalEventException ErrorCode: "
-                                                "0x102 .* SourceFile: dpmaster\\.c +")));
+    const std::string at = "20[0-9-]+T[0-9:]+Z Vesk\\.";
+    const std::string reboot = "ModuleStateException: Unexpected poweron indication from module! PowerOn +\n";
+    const std::string fatal =
+        "Modules.DPVM.Vt22FatalEventException ErrorCode: 0x102 .* SourceFile: dpmaster.c +\n";
+    EXPECT_THAT(TemporaryFolder::Read(log), MatchesRegex(at + reboot + at + fatal));
     ExpectRightHost(*module);
 }
 
