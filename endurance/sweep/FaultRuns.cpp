@@ -157,7 +157,7 @@ std::string FaultRuns::Broken(const FaultRun& run) const {
 
 std::string FaultRuns::Live(const FaultRun& run) const {
     const Good& good = _good.at(run.life);
-    FaultLife life({}, run.moduleFaults);
+    FaultLife life(run.moduleFaults);
     HostSteps host(life, good.bound);
     try {
         host.Arm(run.hostFault, run.step);

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "tests/support/FaultLife.h"
+#include "endurance/sweep/FaultLife.h"
 
 #include <array>
 #include <bitset>

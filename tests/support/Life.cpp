@@ -4,74 +4,88 @@
 #include "tests/support/ModuleLines.h"
 
 #include "vesk/hostinterface/RuntimeConfig.h"
-
-#include <gtest/gtest.h>
-
-#include <algorithm>
+#include "vesk/modules/dpvm/CreateHostInterface.h"
 
 using namespace Vesk::Modules::DPVM;
+using VirtualModule::Counts;
 
-Life::Life(VirtualModule::Options options) : module(flash, TestClock::Nanoseconds, options) {
+static constexpr std::int64_t MILLISECOND = 1'000'000;
+/// Nothing in a life takes longer than this without a request in between.
+static constexpr std::int64_t PATIENCE = 15'000 * MILLISECOND;
+/// And no life is longer; a good one takes a tenth.
+static constexpr int MOST_UPDATES = 8'000;
+
+Life::Life(VirtualModule::Flash start, VirtualModule::Options options)
+    : flash(std::move(start)), module(flash, TestClock::Nanoseconds, std::move(options)) {
     Vesk::RuntimeConfig::_hostInterfaceDumpPath = nullptr;
-    module.GetModule().SetLog([this](const std::string& line) { log.push_back(line); });
 }
 
-Life::~Life() {
-    master.reset();
-    EXPECT_EQ(module.GetModule().Violations(), std::vector<std::string>{});
+void Life::BeginMaster(Config config) {
+    DropObject();
+    master = Vt22Module::Create(
+        OpenDpRam(), System::Func<void>::Create([this] { online = false; }),
+        System::Func<void>::Create([this] { online = true; }),
+        System::ArgFunc<OperationMode, void>::Create([this](OperationMode reached) { mode = reached; }),
+        std::move(config));
+    _object = master.get();
 }
 
-void Life::Begin(std::shared_ptr<Config::IBusConfig> config) {
-    master.reset();
-    states.clear();
-    const auto note = [this](const char* name) {
-        return System::Func<void>::Create([this, name] { calls.push_back(name); });
-    };
-    const auto mode = System::ArgFunc<OperationMode_e, void>::Create([this](OperationMode_e reached) {
-        calls.push_back("mode " + std::to_string(static_cast<int>(reached)));
-    });
+void Life::BeginBootloader() {
+    DropObject();
+    bootloader = Vt22Bootloader::Create(OpenDpRam());
+    _object = bootloader.get();
+}
+
+void Life::DropObject() {
+    _object = nullptr;
+    master = nullptr;
+    bootloader = nullptr;
+    online = false;
+    mode = OperationMode::OFFLINE;
+    updates = 0;
+}
+
+Life::HostInterface Life::OpenDpRam() {
     const auto [irq, reset, boot] = ModuleLines(module);
-    master = config ? Vt22::CreateConfigured(module.DpRamPath(), 0, irq, reset, boot, note("offline"),
-                                             note("online"), mode, config)
-                    : Vt22::CreateUnconfigured(module.DpRamPath(), 0, irq, reset, boot);
-    states.push_back(master->State());
+    HostInterface dpRam = CreateHostInterface(module.DpRamPath(), 0, irq, reset, boot);
+    return between ? between(dpRam) : dpRam;
 }
 
 void Life::Update(int times) {
     for (int i = 0; i < times; ++i) {
-        clock.Advance(100'000);
-        master->Update();
-        if (master->State() != states.back())
-            states.push_back(master->State());
+        clock.Advance(MILLISECOND / 4);
+        _object->Update();
+        ++updates;
     }
 }
 
-void Life::UpdateUntil(const std::function<bool()>& reached, int most) {
-    for (int i = 0; i < most; ++i) {
-        if (reached())
-            return;
+void Life::UpdateUntil(const std::function<bool()>& reached) {
+    const auto events = [this] {
+        return module.GetModule().Counted(Counts::REQUESTS) + module.GetModule().Counted(Counts::BOOTS);
+    };
+    unsigned seen = events();
+    std::int64_t since = TestClock::Nanoseconds();
+    while (!reached()) {
+        const std::int64_t waited = TestClock::Nanoseconds() - since;
+        if (waited > PATIENCE || updates > MOST_UPDATES)
+            throw WaitsInVain();
+        if (waited > 50 * MILLISECOND)
+            clock.Advance(8 * MILLISECOND);
         Update();
+        if (std::exchange(seen, events()) != events())
+            since = TestClock::Nanoseconds();
     }
-    FAIL() << "not reached after " << most << " updates, in state "
-           << Vt22Module::StateToString(master->State()).Value();
 }
 
-void Life::BringUp(std::shared_ptr<Config::IBusConfig> config) {
-    Begin(std::move(config));
+void Life::BringUp(Config config) {
+    BeginMaster(std::move(config));
     UpdateUntil([this] { return master->Configured(); });
 }
 
-void Life::GoOnline() {
-    master->BeginInitialization();
-    UpdateUntil([this] { return master->Initialized(); });
-    UpdateUntil([this] { return std::find(calls.begin(), calls.end(), "mode 192") != calls.end(); });
-}
-
-std::shared_ptr<Vesk::Mailbox::IResponse> Life::Ask(const Service& service) {
-    using Answer = std::shared_ptr<Vesk::Mailbox::IResponse>;
-    const auto answer = std::make_shared<Answer>();
-    service(
-        System::ArgFunc<Answer, void>::Create([answer](Answer response) { *answer = std::move(response); }));
+Life::Response Life::Ask(const Service& service) {
+    const auto answer = std::make_shared<Response>();
+    service(System::ArgFunc<Response, void>::Create(
+        [answer](Response response) { *answer = std::move(response); }));
     UpdateUntil([&] { return *answer != nullptr; });
     return *answer;
 }
