@@ -8,7 +8,8 @@
 #include <memory>
 
 /// Calls `callable` and expects it to throw an ExceptionType, not a class derived from it, with exactly
-/// `message`. Returns what was thrown, for a closer look, or null.
+/// `message`, or for one that ends with "..." with any that starts so. Returns what was thrown, for a closer
+/// look, or null.
 template <class ExceptionType, class Callable>
 std::shared_ptr<ExceptionType> ExpectFailure(const System::String& message, Callable&& callable,
                                              const char* file = __builtin_FILE(),
@@ -20,9 +21,13 @@ std::shared_ptr<ExceptionType> ExpectFailure(const System::String& message, Call
         const auto failure = std::dynamic_pointer_cast<ExceptionType>(thrown);
         if (!failure || !(failure->ExceptionType::TypeName() == failure->TypeName()))
             ADD_FAILURE() << "another type: " << thrown->ToString().Value();
-        EXPECT_TRUE(thrown->Message() == message)
-            << "thrown:   " << thrown->ToString().Value()
-            << "\nexpected: " << (message.IsNull() ? std::string("no message") : message.Value());
+        const std::string expected = message.IsNull() ? "" : message.Value();
+        const bool matches =
+            expected.ends_with("...")
+                ? thrown->Message().Value().starts_with(expected.substr(0, expected.size() - 3))
+                : thrown->Message() == message;
+        EXPECT_TRUE(matches) << "thrown:   " << thrown->ToString().Value() << "\nexpected: "
+                             << (message.IsNull() ? std::string("no message") : message.Value());
         return failure;
     }
     ADD_FAILURE() << "nothing was thrown";

@@ -4,14 +4,11 @@
 #include <algorithm>
 #include <cstdio>
 
-static std::string Hex(unsigned int value, int digits) {
-    char text[16];
-    std::snprintf(text, sizeof text, "%0*x", digits, value);
+template <class... Numbers>
+static std::string Text(const char* form, Numbers... numbers) {
+    char text[32];
+    std::snprintf(text, sizeof text, form, numbers...);
     return text;
-}
-
-static std::string At(const std::string& kind, int offset) {
-    return kind + " " + Hex(static_cast<unsigned int>(offset), 4);
 }
 
 void RecordingHostInterface::Put(int offset, std::initializer_list<int> values) {
@@ -30,7 +27,7 @@ void RecordingHostInterface::Note(const std::string& access) {
 }
 
 unsigned int RecordingHostInterface::Load(int offset, int width) {
-    Note(At("R" + std::to_string(8 * width), offset));
+    Note(Text("R%d %04x", 8 * width, offset));
     unsigned int value = 0;
     for (int i = 0; i < width; ++i)
         value = value << 8 | bytes.at(static_cast<std::size_t>(offset + i));
@@ -38,7 +35,7 @@ unsigned int RecordingHostInterface::Load(int offset, int width) {
 }
 
 void RecordingHostInterface::Store(int offset, int width, unsigned int value) {
-    Note(At("W" + std::to_string(8 * width), offset) + "=" + Hex(value, 2 * width));
+    Note(Text("W%d %04x=%0*x", 8 * width, offset, 2 * width, value));
     for (int i = 0; i < width; ++i)
         bytes.at(static_cast<std::size_t>(offset + i)) =
             static_cast<unsigned char>(value >> 8 * (width - 1 - i) & 0xFF);
@@ -46,7 +43,7 @@ void RecordingHostInterface::Store(int offset, int width, unsigned int value) {
 
 void RecordingHostInterface::Read(int offset, const std::shared_ptr<System::IArray<unsigned char>>& array,
                                   int arrayOffset, int count) {
-    Note(At("R", offset) + "+" + std::to_string(count));
+    Note(Text("R %04x+%d", offset, count));
     if (arrayOffset + count > array->Count())
         System::_throw_range_exception(arrayOffset, count, array->Count(), "arrayoffset", "arraycount",
                                        "array");
@@ -55,6 +52,6 @@ void RecordingHostInterface::Read(int offset, const std::shared_ptr<System::IArr
 
 void RecordingHostInterface::Write(int offset, const std::shared_ptr<System::IArray<unsigned char>>& array,
                                    int arrayOffset, int count) {
-    Note(At("W", offset) + "+" + std::to_string(count));
+    Note(Text("W %04x+%d", offset, count));
     std::copy_n(array->Data() + arrayOffset, count, &bytes.at(static_cast<std::size_t>(offset)));
 }

@@ -3,9 +3,11 @@
 #include "tests/support/ExpectFailure.h"
 #include "tests/support/FirmwareFileBuilder.h"
 #include "tests/support/Life.h"
+#include "tests/support/TemporaryFolder.h"
 #include "tests/support/Values.h"
 
 #include "vesk/core/VeskException.h"
+#include "vesk/hostinterface/RuntimeConfig.h"
 
 using namespace Vesk::Modules::DPVM;
 using System::Array;
@@ -163,4 +165,44 @@ TEST_F(Vt22LifeTest, BringsANewFirmwareToRunAndNoDamagedOne) {
     firmware->ProgramData->Set(1000, static_cast<unsigned char>(firmware->ProgramData->Get(1000) ^ 1));
     EXPECT_THROW(Flash(firmware), std::shared_ptr<System::Exception>);
     EXPECT_THROW(RunMaster(), std::shared_ptr<System::Exception>);
+}
+
+// ---- the factories
+
+static std::string dumpPath;
+
+/// Before any test has changed it.
+struct NoteDumpPath : testing::Environment {
+    void SetUp() override { dumpPath = Vesk::RuntimeConfig::_hostInterfaceDumpPath.Value(); }
+};
+
+[[maybe_unused]] static const auto* const NOTE_DUMP_PATH =
+    testing::AddGlobalTestEnvironment(new NoteDumpPath);
+
+TEST(Vt22Test, OpensTheDpRamAtItsPlaceAndDumpsItBeforeTheLastReset) {
+    EXPECT_EQ(dumpPath, "/tmp/hostinterface.bin");
+    const TemporaryFolder folder;
+    const std::string path = folder.Put("dpram", std::string(0x3000, 'x'));
+    const auto put = [&path](char byte) { // where the DPRAM begins
+        std::fstream(path, std::ios::in | std::ios::out | std::ios::binary).seekp(0x1000).put(byte);
+    };
+    Vesk::RuntimeConfig::_hostInterfaceDumpPath = folder.Path("dump");
+    const auto irq = System::Func<bool>::Create([] { return true; });
+    const auto reset = System::ArgFunc<bool, void>::Create([&](bool) { put('r'); });
+    const auto boot = System::ArgFunc<bool, void>::Create([](bool) {});
+    const auto config = DatabaseFileBuilder().Master().Read();
+    const std::function<std::shared_ptr<Vesk::Modules::IModule>()> factories[] = {
+        [&] { return Vt22::CreateUnconfigured(path, 0x1000, irq, reset, boot); },
+        [&] { return Vt22::CreateConfigured(path, 0x1000, irq, reset, boot, {}, {}, {}, config); },
+        [&] { return Vt22::CreateBootloaderModule(path, 0x1000, irq, reset, boot); },
+    };
+    for (const auto& create : factories) {
+        auto module = create();
+        EXPECT_EQ(folder.Content("dpram")[0x1000], 'r');
+        put('a');
+        module = nullptr;
+        EXPECT_EQ(folder.Content("dump"), "a" + std::string(0x1FFF, 'x'));
+        EXPECT_EQ(folder.Content("dpram")[0x1000], 'r');
+    }
+    Vesk::RuntimeConfig::_hostInterfaceDumpPath = dumpPath;
 }
