@@ -27,30 +27,22 @@ protected:
 };
 
 TEST_F(ApplicationIndicationTest, ActionsToggleTheirBitsAndAreaCommandsAlternateWithTheModulesAnswers) {
-    EXPECT_EQ(Update(), Log{});
-    _indication->AckMailboxOut();
-    _indication->AckMailboxOut();
-    EXPECT_EQ(Update(), Write("40"));
-    _indication->RequestIn();
-    _indication->ReleaseOut();
-    _indication->NotifyMailboxIn();
-    EXPECT_EQ(Update(), Write("ca"));
-    _indication->AckEvent(); // goes out at once; the area command stays
-    EXPECT_EQ(Update(), Write("e0"));
-    _indication->VelmoIndicationReceived();
-    EXPECT_EQ(Update(), Write("fc"));
-    _indication->VelmoIndicationReceived();
-    EXPECT_EQ(Update(), Log{});
-    _indication->ReleaseFbCtrl();
-    _indication->ReleaseIn();
-    EXPECT_EQ(Update(), Write("ed"));
-    _indication->VelmoIndicationReceived();
-    _indication->RequestFbCtrl();
-    _indication->RequestOut();
-    for (const auto& toggle : {&ApplicationIndication::AckEvent, &ApplicationIndication::AckMailboxOut,
-                               &ApplicationIndication::NotifyMailboxIn})
-        (*_indication.*toggle)();
-    EXPECT_EQ(Update(), Write("1b"));
+    using A = ApplicationIndication;
+    const auto after = [this](std::initializer_list<void (A::*)()> actions) {
+        for (const auto action : actions)
+            (*_indication.*action)();
+        return Update();
+    };
+    EXPECT_EQ(after({}), Log{});
+    EXPECT_EQ(after({&A::AckMailboxOut, &A::AckMailboxOut}), Write("40"));
+    EXPECT_EQ(after({&A::RequestIn, &A::ReleaseOut, &A::NotifyMailboxIn}), Write("ca"));
+    EXPECT_EQ(after({&A::AckEvent}), Write("e0")) << "at once; the area command stays";
+    EXPECT_EQ(after({&A::VelmoIndicationReceived}), Write("fc"));
+    EXPECT_EQ(after({&A::VelmoIndicationReceived}), Log{});
+    EXPECT_EQ(after({&A::ReleaseFbCtrl, &A::ReleaseIn}), Write("ed"));
+    EXPECT_EQ(after({&A::VelmoIndicationReceived, &A::RequestFbCtrl, &A::RequestOut, &A::AckEvent,
+                     &A::AckMailboxOut, &A::NotifyMailboxIn}),
+              Write("1b"));
 }
 
 TEST_F(ApplicationIndicationTest, WritesAreHalfAMillisecondApartFromTheEndOfEach) {

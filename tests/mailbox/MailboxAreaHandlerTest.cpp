@@ -128,7 +128,6 @@ TEST_F(MailboxAreaHandlerTest, TimesOutAtTheNanosecondCountedFromAfterTheWrite) 
                                                    " seconds.\nMailbox request:\n" + REQUEST_TEXT + "\n",
                                                [this] { return _handler->Update(); });
         Respond(seconds == 2 ? 1 : 2); // after all
-        EXPECT_FALSE(_handler->Update());
     }
     EXPECT_EQ(_answers.size(), 2u);
 }
@@ -174,8 +173,6 @@ TEST_F(MailboxAreaHandlerTest, RefusesAResponseThatNobodyAskedForOrThatCannotBeR
     ExpectFailure<ArgumentOutOfRangeException>(
         "offset (32) + count (257) must not be greater than the length of array (288)",
         [this] { Respond(1, 0x0002, 0x16, 257); });
-    EXPECT_THAT(_answers, IsEmpty());
-
     Respond(1, 0x4002, 0x16, 256); // the request flag is not looked at
     ASSERT_EQ(_answers.size(), 1u);
     EXPECT_EQ(std::count(_answers[0].begin(), _answers[0].end(), ','), 7 + 255);

@@ -48,14 +48,15 @@ TEST(InterruptsTest, NoneIsLostThatFollowsAnAnswer) {
     });
     int lost = 0;
     for (int round = 1; round <= ROUNDS; ++round) {
+        const auto answered = [&] { return dpRam.ReadRegister(ANSWER) == static_cast<std::uint8_t>(round); };
         module.AssertIrq(module.Generation());
         // A host that looks twice at a line that is high, and has not answered, knows of no interrupt.
-        for (long seen = -1; dpRam.ReadRegister(ANSWER) != static_cast<std::uint8_t>(round); Spin())
+        for (long seen = -1; !answered(); Spin())
             if (module.IrqAsserted(module.Generation())) {
                 seen = -1;
             } else if (seen < 0) {
                 seen = looks;
-            } else if (looks >= seen + 2 && dpRam.ReadRegister(ANSWER) != static_cast<std::uint8_t>(round)) {
+            } else if (looks >= seen + 2 && !answered()) {
                 ++lost;
                 module.AssertIrq(module.Generation());
             }
