@@ -58,12 +58,10 @@ extern "C" void* mmap(void* at, std::size_t size, int rights, int flags, int fil
 
 /// Whether the instruction moves or compares a single byte of memory.
 static bool AccessesOneByte(const unsigned char* code) {
-    while ((*code & 0xF0) == 0x40) // REX
-        ++code;
-    if (*code == 0x0F)
-        return code[1] == 0xB6 || code[1] == 0xBE;
+    code += (*code & 0xF0) == 0x40; // REX
     const std::string_view opcodes = "\x38\x3A\x80\x84\x88\x8A\xC6\xF6";
-    return opcodes.find(static_cast<char>(*code)) != std::string_view::npos;
+    return code[0] == 0x0F ? code[1] == 0xB6 || code[1] == 0xBE
+                           : opcodes.find(static_cast<char>(code[0])) != std::string_view::npos;
 }
 
 /// An access to the mapping is noted and may then happen. It never comes out of the middle of an allocation.

@@ -8,7 +8,7 @@
 #include "vesk/modules/dpvm/CreateHostInterface.h"
 #include "vesk/system/io/IOException.h"
 
-#include <filesystem>
+#include <numeric>
 
 using Vesk::RuntimeConfig;
 using Vesk::HostInterface::Parallel16Bit;
@@ -21,9 +21,8 @@ class Parallel16BitTest : public testing::Test {
 protected:
     Parallel16BitTest() {
         RuntimeConfig::_hostInterfaceDumpPath = _folder.Path("dump");
-        std::string content;
-        for (int i = 0; i < SIZE; ++i)
-            content += static_cast<char>(i);
+        std::string content(SIZE, 0);
+        std::iota(content.begin(), content.end(), char{0});
         _folder.Put("dpram", content);
     }
 

@@ -14,7 +14,7 @@
 using VirtualModule::DpRam;
 using VirtualModule::Lines;
 
-static constexpr int ROUNDS = 50'000;
+static constexpr int ROUNDS = 20'000;
 static constexpr std::size_t ANSWER = 0x1FFA;
 
 /// Lets the other thread run now and then: there may be one processor for both.
