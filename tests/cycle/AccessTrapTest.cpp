@@ -109,8 +109,9 @@ static Log Answered(Log accesses) {
 
 TEST_F(AccessTrapTest, ALifeMakesTheseAccessesAndNoOther) {
     mappingsToPass = 1;
-    std::optional<RunningMaster> master(
-        std::in_place, 22, 2, [](bool level) { runs.push_back({level ? "reset high" : "reset low"}); });
+    std::optional<RunningMaster> master(std::in_place, 22, 2, RunningMaster::Arrays::ONE, [](bool level) {
+        runs.push_back({level ? "reset high" : "reset low"});
+    });
     Log start = {"reset low", "R 0000+8192", "reset high", "R 1ffb", "R 1ffe", "R 0000+19"}; // no opening
     for (const char* request : {"W 0056+32", "W 0056+32", "W 0056+44", "W 0056+32"})
         start.insert(start.end(), {request, "W 1ffa", "W 1ffc", "R 1ffb", "R 1ffe", "R 0176+288"});

@@ -6,6 +6,7 @@
 #include "vesk/io/InArea.h"
 #include "vesk/io/OutArea.h"
 
+#include <random>
 #include <tuple>
 
 using System::ArgumentNullException;
@@ -135,4 +136,74 @@ TEST(OutAreaTest, ReadsEverySegmentInTheOrderOfItsMapping) {
     area->Update();
     EXPECT_EQ(dpRam->TakeLog(), (Log{"R 1098+2", "R 1096+1"}));
     EXPECT_EQ(Values(dst), (std::vector<int>{11, 0, 0, 0, 13, 14}));
+}
+
+/// The places in the log of blocks, byte by byte.
+static std::vector<int> BytesOf(const Log& log) {
+    std::vector<int> bytes;
+    for (const std::string& block : log)
+        for (int i = 0; i < std::stoi(block.substr(7)); ++i)
+            bytes.push_back(std::stoi(block.substr(2, 4), nullptr, 16) + i);
+    return bytes;
+}
+
+/// However segments lie in the area and in their arrays, the bus sees each of their bytes once, in the order
+/// of their mapping, and each byte arrives.
+TEST(ProcessAreasTest, MoveEveryByteInTheOrderOfTheMapping) {
+    std::mt19937 random(1);
+    const auto below = [&](int end) { return static_cast<int>(random() % static_cast<unsigned int>(end)); };
+    for (int world = 0; world < 100; ++world) {
+        const auto dpRam = std::make_shared<RecordingHostInterface>();
+        const auto in = InArea::Create(0x296, 3500, dpRam);
+        const auto out = OutArea::Create(0x1096, 3500, dpRam);
+        const Bytes arrays[] = {Array<unsigned char>::Create(2000), Array<unsigned char>::Create(2000)};
+        const Bytes images[] = {Array<unsigned char>::Create(2000), Array<unsigned char>::Create(2000)};
+        std::vector<int> places;
+        std::vector<unsigned char*> mapped;
+        int offset = 0;
+        int index = 0;
+        for (int i = 0; i < 12; ++i) {
+            offset += below(2) * below(9); // every other one is a neighbour in the area, or in its array
+            index = below(2) == 0 ? index : below(1900);
+            const int count = 1 + below(69);
+            const int array = below(4) / 3;
+            in->MapInputData(static_cast<unsigned short>(offset), arrays[array], index, count);
+            out->MapOutputData(static_cast<unsigned short>(offset), images[array], index, count);
+            for (int byte = 0; byte < count; ++byte) {
+                places.push_back(offset++);
+                mapped.push_back(arrays[array]->Data() + index++);
+            }
+        }
+        in->Acquired();
+        ASSERT_TRUE(in->Update());
+        in->Acquired();
+        for (unsigned char* const byte : mapped) {
+            dpRam->TakeLog();
+            ASSERT_FALSE(in->Update());
+            *byte = static_cast<unsigned char>(*byte + 1 + below(255));
+            ASSERT_TRUE(in->Update());
+            in->Acquired();
+        }
+        std::vector<int> written = BytesOf(dpRam->TakeLog());
+        std::copy_n(dpRam->bytes.begin() + 0x296, 3500, dpRam->bytes.begin() + 0x1096);
+        out->Update();
+        std::vector<int> read = BytesOf(dpRam->TakeLog());
+        for (std::size_t i = 0; i < places.size(); ++i) {
+            written.at(i) -= 0x296;
+            read.at(i) -= 0x1096;
+        }
+        EXPECT_EQ(written, places);
+        EXPECT_EQ(read, places);
+        for (int array = 0; array < 2; ++array)
+            EXPECT_EQ(Values(arrays[array]), Values(images[array]));
+    }
+}
+
+TEST(SegmentTextTest, NamesPlaceIndexAndCount) {
+    const auto dpRam = std::make_shared<RecordingHostInterface>();
+    const Bytes bytes = Array<unsigned char>::Create(12);
+    EXPECT_EQ(Vesk::IO::OutputSegment::Create(dpRam, 0x1096, bytes, 4, 8)->ToString().Value(),
+              "OutputSegment dpRamOffset: 4246, dst: 4, count: 8");
+    EXPECT_EQ(Vesk::IO::InputSegment::Create(dpRam, 0x296, bytes, 3, 9)->ToString().Value(),
+              "InputSegment dpRamOffset: 662, src: 3, count: 9");
 }

@@ -23,7 +23,7 @@ static std::int64_t NextMillisecond() {
     return now += 1'000'000;
 }
 
-RunningMaster::RunningMaster(int bytes, int segments, std::function<void(bool)> reset_n)
+RunningMaster::RunningMaster(int bytes, int segments, Arrays arrays, std::function<void(bool)> reset_n)
     : in(System::Array<unsigned char>::Create(AREA_SIZE)),
       out(System::Array<unsigned char>::Create(AREA_SIZE)),
       _file(::memfd_create("dpram", MFD_CLOEXEC)) {
@@ -33,7 +33,7 @@ RunningMaster::RunningMaster(int bytes, int segments, std::function<void(bool)> 
     if (memory == MAP_FAILED)
         throw std::system_error(errno, std::generic_category(), "dpram");
     _dpRam = static_cast<volatile unsigned char*>(memory);
-    ComeUp(bytes, segments, std::move(reset_n));
+    ComeUp(bytes, segments, arrays, std::move(reset_n));
 }
 
 RunningMaster::~RunningMaster() {
@@ -42,7 +42,7 @@ RunningMaster::~RunningMaster() {
     ::close(_file);
 }
 
-void RunningMaster::ComeUp(int bytes, int segments, std::function<void(bool)> reset_n) {
+void RunningMaster::ComeUp(int bytes, int segments, Arrays arrays, std::function<void(bool)> reset_n) {
     Vesk::RuntimeConfig::_hostInterfaceDumpPath = nullptr;
     System::DateTime::SetSource(NextMillisecond);
     const auto call = System::Func<void>::Create([this] { ++calls; });
@@ -55,11 +55,7 @@ void RunningMaster::ComeUp(int bytes, int segments, std::function<void(bool)> re
         nullptr);
     while (_master->State() != State::POWER_ON)
         Update();
-    for (int i = 0; i < segments; ++i) {
-        const int offset = i * (bytes / segments);
-        _master->MapInputData(static_cast<unsigned short>(offset), in, offset, bytes / segments);
-        _master->MapOutputData(static_cast<unsigned short>(offset), out, offset, bytes / segments);
-    }
+    Map(bytes, segments, arrays);
     Put(0x0A, {0x02, 0x01, 0x00, 0x01, 0x00, 0x05});
     Raise(0x10);
     Update();
@@ -71,6 +67,20 @@ void RunningMaster::ComeUp(int bytes, int segments, std::function<void(bool)> re
     }
     Update();
     System::DateTime::SetSource(nullptr);
+}
+
+void RunningMaster::Map(int bytes, int segments, Arrays arrays) {
+    using System::Array;
+    const int size = bytes / segments;
+    for (int i = 0; i < segments; ++i) {
+        const bool one = arrays == Arrays::ONE;
+        const auto input = one ? in : Array<unsigned char>::Create(size);
+        const auto output = one ? out : Array<unsigned char>::Create(size);
+        const int place = one ? i * size : 0;
+        _master->MapInputData(static_cast<unsigned short>(i * size), input, place, size);
+        _master->MapOutputData(static_cast<unsigned short>(i * size), output, place, size);
+        _lastInput = input->Data() + place + size - 1;
+    }
 }
 
 void RunningMaster::Raise(unsigned char indication) {

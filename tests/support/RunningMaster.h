@@ -13,11 +13,18 @@ class RunningMaster {
 public:
     using Vt22Module = Vesk::Modules::DPVM::Vt22Module;
 
-    /// Maps `bytes` bytes of `in` and of `out`, cut into `segments` segments of one size each way, and runs
-    /// the module up to INITIALIZED; that takes no time, but the process's clock is the system's afterwards.
+    /// Where the segments lie.
+    enum class Arrays {
+        ONE,  // one behind the other in `in` and in `out`
+        EACH, // in an array for each of them
+    };
+
+    /// Maps `bytes` bytes each way, cut into `segments` segments of one size, and runs the module up to
+    /// INITIALIZED; that takes no time, but the process's clock is the system's afterwards.
     /// `reset_n` hears the level of the reset line.
     explicit RunningMaster(
-        int bytes, int segments = 1, std::function<void(bool)> reset_n = [](bool) {});
+        int bytes, int segments = 1, Arrays arrays = Arrays::ONE,
+        std::function<void(bool)> reset_n = [](bool) {});
     RunningMaster(const RunningMaster&) = delete;
     RunningMaster& operator=(const RunningMaster&) = delete;
     ~RunningMaster();
@@ -38,6 +45,9 @@ public:
 
     volatile unsigned char* DpRam() const { return _dpRam; }
 
+    /// The last input byte that is mapped.
+    unsigned char& LastInput() { return *_lastInput; }
+
     /// The application's arrays, 3500 bytes each.
     const std::shared_ptr<System::Array<unsigned char>> in;
     const std::shared_ptr<System::Array<unsigned char>> out;
@@ -45,11 +55,13 @@ public:
     int calls = 0;
 
 private:
-    void ComeUp(int bytes, int segments, std::function<void(bool)> reset_n);
+    void ComeUp(int bytes, int segments, Arrays arrays, std::function<void(bool)> reset_n);
+    void Map(int bytes, int segments, Arrays arrays);
     void Put(int offset, std::initializer_list<int> bytes);
 
     int _file;
     volatile unsigned char* _dpRam;
+    unsigned char* _lastInput = nullptr;
     bool _irq = false;
     std::shared_ptr<System::IFunc<bool>> _velmoIrq_n;
     std::shared_ptr<Vt22Module> _master;

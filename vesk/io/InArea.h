@@ -3,6 +3,7 @@
 
 #include "vesk/io/InputSegment.h"
 #include "vesk/io/Placement.h"
+#include "vesk/io/Runs.h"
 
 namespace Vesk::IO {
 
@@ -38,9 +39,16 @@ protected:
            std::shared_ptr<HostInterface::IHostInterface> hostInterface);
 
 private:
+    void WriteRuns();
+    void WriteSegments();
+
     bool _acquired = false;
     std::shared_ptr<HostInterface::IHostInterface> _hostInterface;
     Placement<InputSegment> _placement;
+    Runs _runs;
+    bool _mapped = false;                                   // since the last write
+    std::shared_ptr<System::IArray<unsigned char>> _shadow; // the bytes last written, of the whole area
+    unsigned char* _shadowBytes;                            // the first of them
 };
 
 } // namespace Vesk::IO

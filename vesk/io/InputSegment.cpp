@@ -29,6 +29,13 @@ InputSegment::InputSegment(std::shared_ptr<HostInterface::IHostInterface> hostIn
       _srcOffset(srcOffset),
       _count(count) {}
 
+void InputSegment::KeepShadowIn(std::shared_ptr<System::IArray<unsigned char>> shadow, int shadowOffset) {
+    System::CheckRange(shadow.get(), shadowOffset, _count);
+    _shadow = std::move(shadow);
+    _shadowOffset = shadowOffset;
+    _shadowBytes = _shadow->Data() + shadowOffset;
+}
+
 bool InputSegment::Updated() {
     if (!_updated && _count > 0)
         _updated = std::memcmp(_shadowBytes, Source(), static_cast<std::size_t>(_count)) != 0;
@@ -38,7 +45,7 @@ bool InputSegment::Updated() {
 void InputSegment::Copy() {
     if (_count > 0)
         std::memcpy(_shadowBytes, Source(), static_cast<std::size_t>(_count));
-    _hostInterface->Write(_dpRamOffset, _shadow, 0, _count);
+    _hostInterface->Write(_dpRamOffset, _shadow, _shadowOffset, _count);
     _updated = false;
 }
 

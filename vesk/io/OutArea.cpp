@@ -12,18 +12,27 @@ std::shared_ptr<OutArea> OutArea::Create(unsigned short offset, unsigned short s
 
 OutArea::OutArea(unsigned short offset, unsigned short size,
                  std::shared_ptr<HostInterface::IHostInterface> hostInterface)
-    : _hostInterface(std::move(hostInterface)), _placement(offset, size) {}
+    : _hostInterface(std::move(hostInterface)),
+      _placement(offset, size),
+      _image(System::Array<unsigned char>::Create(size)) {}
 
 void OutArea::MapOutputData(unsigned short offset, std::shared_ptr<System::IArray<unsigned char>> dst,
                             int dstOffset, int count) {
     _placement.Check(offset, count);
-    _placement.Add(OutputSegment::Create(_hostInterface, _placement.DpRamOffset(offset), std::move(dst),
-                                         dstOffset, count));
+    _placement.Add(
+        OutputSegment::Create(_hostInterface, _placement.DpRamOffset(offset), dst, dstOffset, count));
+    _runs.Add(offset, *dst, dstOffset, count);
 }
 
 void OutArea::Update() {
-    for (const auto& segment : _placement.Segments())
-        segment->Copy();
+    const auto& segments = _placement.Segments();
+    for (const Runs::Run& run : _runs) {
+        if (run.segmentCount > 1 && _runs.Read(run, *_hostInterface, _placement.DpRamOffset(0), _image))
+            continue;
+        // A segment of its own, or all up to the one that has left its array and says so.
+        for (std::size_t i = 0; i < run.segmentCount; ++i)
+            segments[run.firstSegment + i]->Copy();
+    }
 }
 
 } // namespace Vesk::IO

@@ -3,6 +3,7 @@
 
 #include "vesk/io/OutputSegment.h"
 #include "vesk/io/Placement.h"
+#include "vesk/io/Runs.h"
 
 namespace Vesk::IO {
 
@@ -36,6 +37,8 @@ protected:
 private:
     std::shared_ptr<HostInterface::IHostInterface> _hostInterface;
     Placement<OutputSegment> _placement;
+    Runs _runs;
+    std::shared_ptr<System::IArray<unsigned char>> _image; // of the whole area, for runs of several pieces
 };
 
 } // namespace Vesk::IO

@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "vesk/core/CrcRegister.h"
 #include "vesk/system/Array.h"
 
-#include <array>
 #include <memory>
 
 namespace Vesk::Modules::Bootloader {
@@ -12,10 +12,15 @@ namespace Vesk::Modules::Bootloader {
 /// XOR). It takes bytes in their order and can be read at any time.
 class CRC16 : public System::Object {
 public:
+    using Register = CrcRegister<unsigned short, 0xA001, true>;
+
+    /// What each value of a byte contributes.
+    static constexpr std::array<unsigned short, 256> TABLE = Register::SLICES[0];
+
     static std::shared_ptr<CRC16> Create();
 
     /// Takes the low eight bits of `b`.
-    void Digest(int b) { _register = static_cast<unsigned short>(_register >> 8 ^ TABLE[Index(b)]); }
+    void Digest(int b) { _register = Register::Shift(_register, static_cast<unsigned char>(b)); }
 
     /// Takes `count` bytes of `array` from `offset` on; nothing when `count` is not above 0.
     /// ArgumentOutOfRangeException, with nothing taken, for a range outside the array.
@@ -26,25 +31,10 @@ public:
     /// The checksum of the bytes so far.
     unsigned short Value() const { return _register; }
 
-    /// What each value of a byte contributes.
-    static constexpr std::array<unsigned short, 256> TABLE = []() {
-        constexpr unsigned int REFLECTED_POLYNOMIAL = 0xA001;
-        std::array<unsigned short, 256> table{};
-        for (unsigned int i = 0; i < table.size(); ++i) {
-            unsigned int entry = i;
-            for (int bit = 0; bit < 8; ++bit)
-                entry = entry & 1 ? entry >> 1 ^ REFLECTED_POLYNOMIAL : entry >> 1;
-            table[i] = static_cast<unsigned short>(entry);
-        }
-        return table;
-    }();
-
 protected:
     CRC16() = default;
 
 private:
-    std::size_t Index(int b) const { return (static_cast<unsigned int>(b) ^ _register) & 0xFF; }
-
     unsigned short _register = 0xFFFF;
 };
 

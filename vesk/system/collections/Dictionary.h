@@ -33,6 +33,9 @@ public:
 
     std::shared_ptr<List<K>> Keys() const { return _keys; }
 
+    /// In the order of the keys.
+    std::shared_ptr<List<V>> Values() const { return _values; }
+
 protected:
     Dictionary() = default;
 

@@ -75,8 +75,9 @@ std::shared_ptr<IBusConfig> BusConfig::Builder::Build() {
 
     digestRecord(_master);
     const auto slaves = SlaveTable::Create();
-    for (const unsigned char address : *_slaves->Keys()) {
-        const auto slave = _slaves->Get(address);
+    for (int i = 0; i < _slaves->Keys()->Count(); ++i) {
+        const unsigned char address = _slaves->Keys()->Get(i);
+        const auto slave = _slaves->Values()->Get(i);
         digestRecord(slave);
         crc->Digest(address);
         crc->Value = ~crc->Value;
