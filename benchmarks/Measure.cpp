@@ -25,11 +25,3 @@ void Samples::Report(benchmark::State& state, const Target& target) const {
     state.counters["over"] =
         median([&target](const Pair& pair) { return pair.ours - target.factor * pair.limit - target.extra; });
 }
-
-__attribute__((noinline)) void Instructions::Begin() {
-    benchmark::ClobberMemory();
-}
-
-__attribute__((noinline)) void Instructions::End() {
-    benchmark::ClobberMemory();
-}

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "benchmarks/Instructions.h"
+
 #include <benchmark/benchmark.h>
 
 #include <alloca.h>
@@ -35,28 +37,6 @@ private:
     };
 
     std::vector<Pair> _pairs;
-};
-
-/// Counting of instructions in place of time: callgrind begins at zero in each call of Begin and writes down
-/// what it has counted in each call of End. Both are empty, and there to be found by their names.
-class Instructions {
-public:
-    /// Whether they are counted in this run.
-    static inline bool counted = false;
-
-    static void Begin();
-    static void End();
-
-    /// Counts `calls` calls, after as many that nobody counts.
-    template <class Callable>
-    static void Count(int calls, Callable& callable) {
-        for (int i = 0; i < calls; ++i)
-            callable();
-        Begin();
-        for (int i = 0; i < calls; ++i)
-            callable();
-        End();
-    }
 };
 
 template <class Callable>

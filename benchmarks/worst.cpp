@@ -3,7 +3,7 @@
 // against a module in the same process, and prints of each counted Update what it did and the bytes of its
 // stack, a line each, in the order in which callgrind writes its counts. The module takes its turns between
 // the Updates, so the counts are the library's alone.
-#include "benchmarks/Measure.h"
+#include "benchmarks/Instructions.h"
 
 #include "vesk/hostinterface/RuntimeConfig.h"
 #include "vesk/modules/dpvm/Vt22.h"
@@ -13,8 +13,7 @@
 #include <alloca.h>
 #include <cstdio>
 #include <cstring>
-#include <fcntl.h>
-#include <optional>
+#include <span>
 #include <sys/mman.h>
 #include <system_error>
 #include <unistd.h>
@@ -33,8 +32,7 @@ constexpr unsigned char UNUSED = 0xA5;
 __attribute__((noinline)) void PaintStack() {
     void* const stack = ::alloca(STACK);
     std::memset(stack, UNUSED, STACK);
-    benchmark::DoNotOptimize(stack);
-    benchmark::ClobberMemory();
+    asm volatile("" : : "r"(stack) : "memory");
 }
 
 /// How much of it has been used since.
