@@ -198,12 +198,3 @@ TEST(ProcessAreasTest, MoveEveryByteInTheOrderOfTheMapping) {
             EXPECT_EQ(Values(arrays[array]), Values(images[array]));
     }
 }
-
-TEST(SegmentTextTest, NamesPlaceIndexAndCount) {
-    const auto dpRam = std::make_shared<RecordingHostInterface>();
-    const Bytes bytes = Array<unsigned char>::Create(12);
-    EXPECT_EQ(Vesk::IO::OutputSegment::Create(dpRam, 0x1096, bytes, 4, 8)->ToString().Value(),
-              "OutputSegment dpRamOffset: 4246, dst: 4, count: 8");
-    EXPECT_EQ(Vesk::IO::InputSegment::Create(dpRam, 0x296, bytes, 3, 9)->ToString().Value(),
-              "InputSegment dpRamOffset: 662, src: 3, count: 9");
-}
