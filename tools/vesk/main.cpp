@@ -59,9 +59,10 @@ int main(int argc, char** argv) {
     try {
         return Execute(argc, argv);
     } catch (const std::exception& exception) {
-        const std::string hint = VeskTool::AdviceFor(exception).next;
-        std::cerr << "vesk: " << VeskTool::OneLine(exception) << "\n"
-                  << (hint.empty() ? "" : "      " + hint + "\n");
+        const VeskTool::Advice advice = VeskTool::AdviceFor(exception);
+        std::cerr << "vesk: " << VeskTool::OneLine(exception) << "\n";
+        for (const std::string& line : {advice.cause, advice.next})
+            std::cerr << (line.empty() ? "" : "      " + line + "\n");
         if (WantsJson(argc, argv))
             std::cout << VeskTool::JsonText(VeskTool::ErrorToJson(exception));
     }

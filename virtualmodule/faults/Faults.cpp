@@ -174,7 +174,7 @@ const std::vector<FaultKind>& Faults() {
         {HEADER_BIT, "header-bit", REQUESTS, 2, once, {"BIT", 64, 64, 127}, "the same: frames and offset",
             {&SAME_DATA}},
         {HEADER_BIT, "header-bit", REQUESTS, 2, once, {"BIT", 128, 128, 255}, "the same: extended words",
-            {&SAME_DATA, &OTHER_DATA, &REFUSED, &MAPPING}},
+            {&SAME_DATA, &OTHER_DATA, &REFUSED, &MORE_INPUT, &MORE_OUTPUT, &INPUT_OUTSIDE, &OUTPUT_OUTSIDE}},
 
         // ---- database
         {DATABASE_NONE, "database-none", DATABASE_INFOS, 1, once, none,

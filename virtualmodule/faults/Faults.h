@@ -1,10 +1,14 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "failures/Outcome.h"
 #include "virtualmodule/faults/Fault.h"
-#include "virtualmodule/faults/Outcome.h"
 
 namespace VirtualModule {
+
+using Failures::AllOutcomes;
+using Failures::Outcome;
+namespace Outcomes = Failures::Outcomes;
 
 /// What a fault's STEP counts, since the module was made.
 enum class Counts : std::uint8_t {

@@ -22,7 +22,7 @@ This page is made by `vesk generate faults`, from the table of faults that the t
 
 What goes wrong shows as an exception out of `Update`: a type and a text. Find it in the table below. Afterwards
 `Reset`, or a new module object, starts from the beginning; both begin with a reset of the module. `vesk explain "TEXT"`
-says more about a text, and `vesk status` tries a start and names the first thing that is not right.
+says the same about a text, and `vesk status` tries a start and names the first thing that is not right.
 
 ## What the application must watch itself
 
@@ -64,7 +64,17 @@ usually end:
 )";
 
 constexpr const char* TABLE_HEAD = R"(
-| What you see | What it means | What to check first | Faults |
+| What you see | What it means | What to check first | What to do then | Faults |
+|---|---|---|---|---|
+)";
+
+constexpr const char* OTHERS_HEAD = R"(
+## What else it says
+
+No fault of the module leads to these: they are about files, and about the application's own calls. The last ones stand
+for whatever else an exception of that type says.
+
+| What you see | What it means | What to check first | What to do then |
 |---|---|---|---|
 )";
 
@@ -84,13 +94,21 @@ std::string Seen(const Outcome& outcome) {
     std::vector<std::string> lines{Code(outcome.type)};
     std::string line;
     for (const char character : std::string(outcome.message) + "\n")
-        if (character == '*')
+        if (character == '*' || character == '#')
             line += "…";
         else if (character != '\n')
             line += character;
         else if (!line.empty())
             lines.push_back(Code(std::exchange(line, "")));
     return Joined(lines, "<br>");
+}
+
+/// What the table says of it, up to the bar behind its last column but the faults.
+std::string Row(const Outcome& outcome) {
+    std::string row = "| " + Seen(outcome) + " |";
+    for (const std::string_view cell : {outcome.means, outcome.check, outcome.next})
+        row += (cell.empty() ? "" : " ") + std::string(cell) + " |";
+    return row;
 }
 
 /// What to give to --fault; the first row of a name does without a value.
@@ -126,9 +144,13 @@ std::string FaultsPage() {
         if (EndsAnyhow(kind))
             anyhow.push_back(Code(kind.name));
     std::string page = INTRODUCTION + Joined(anyhow, ", ") + ".\n" + TABLE_HEAD;
-    for (const Outcome* outcome : VirtualModule::AllOutcomes())
-        page += "| " + Seen(*outcome) + " | " + std::string(outcome->means) + " | " +
-                std::string(outcome->check) + " | " + Provokers(*outcome) + " |\n";
+    const auto& outcomes = Failures::AllOutcomes();
+    for (const Outcome* outcome : outcomes)
+        page += Row(*outcome) + " " + Provokers(*outcome) + " |\n";
+    page += OTHERS_HEAD;
+    for (const Outcome* failure : Failures::AllFailures())
+        if (std::count(outcomes.begin(), outcomes.end(), failure) == 0)
+            page += Row(*failure) + "\n";
     return page;
 }
 

@@ -7,16 +7,16 @@
 
 namespace VeskTool {
 
-/// What lies behind a failure, for people. Either may be empty.
+/// What lies behind a failure, for people, in sentences. Either may be empty.
 struct Advice {
     std::string cause;
-    std::string next; // what to do about it
+    std::string next; // what to check, and what to do then
 };
 
 /// The dotted name of a library exception; "Failure" or "Refusal" for the commands' own.
 std::string TypeOf(const std::exception& exception);
 
-/// The advice that the exception itself carries, or that its type and message allow.
+/// The advice that the exception itself carries; otherwise what `vesk explain` says of the failure.
 Advice AdviceFor(const std::exception& exception);
 
 /// {"error": {"type", "message", "hint"}}, what --json prints for a failure.

@@ -3,6 +3,7 @@
 
 #include "tools/vesk/explain/Explanations.h"
 #include "tools/vesk/text/ByteText.h"
+#include "tools/vesk/text/Failure.h"
 #include "tools/vesk/text/Text.h"
 
 #include <algorithm>
@@ -16,23 +17,6 @@ namespace {
 
 constexpr std::size_t SHORTEST_BEGINNING = 3;
 constexpr std::size_t NEAREST = 5;
-
-/// Whether one of the two begins with the other; "#" in the pattern stands for any number.
-bool Fits(std::string_view pattern, std::string_view text) {
-    constexpr std::string_view number = "0123456789abcdef-";
-    while (!pattern.empty() && !text.empty()) {
-        if (pattern.front() == '#') {
-            const auto end = text.find_first_not_of(number);
-            text.remove_prefix(std::min(end, text.size()));
-        } else if (pattern.front() != text.front()) {
-            return false;
-        } else {
-            text.remove_prefix(1);
-        }
-        pattern.remove_prefix(1);
-    }
-    return true;
-}
 
 template <class Predicate>
 bool AnyName(const Explanation& explanation, Predicate predicate) {
@@ -60,10 +44,30 @@ std::vector<Explanation> FindBeginning(const std::string& word) {
     if (word.size() < SHORTEST_BEGINNING)
         return {};
     return Find([&](const Explanation& one) {
-        if (one.kind == "message")
-            return Fits(Lower(one.name), word);
-        return AnyName(one, [&](const std::string& name) { return name.starts_with(word); });
+        return one.kind != "message" &&
+               AnyName(one, [&](const std::string& name) { return name.starts_with(word); });
     });
+}
+
+/// Whether the text is that failure's message, or begins like it.
+bool Says(const Failures::Outcome& failure, const std::string& text) {
+    const auto match = Failures::Compare(Lower(OneLine(failure.message)), text);
+    return match == Failures::Match::WHOLE ||
+           (match == Failures::Match::BEGINNING && !failure.message.starts_with("*"));
+}
+
+/// A message behind the type of its exception is one failure; alone it may be several.
+std::vector<Explanation> FindMessage(const std::string& text) {
+    std::vector<Explanation> found;
+    for (const Failures::Outcome* const failure : Failures::AllFailures()) {
+        const std::string type = Lower(std::string(failure->type)) + ": ";
+        if (text.starts_with(type) && Says(*failure, text.substr(type.size())))
+            return {ExplanationOf(*failure)};
+        const bool speaks = failure->message.find_first_not_of("*#") != std::string_view::npos;
+        if (speaks && text.size() >= SHORTEST_BEGINNING && Says(*failure, text))
+            found.push_back(ExplanationOf(*failure));
+    }
+    return found;
 }
 
 /// How many characters have to be added, removed or replaced to make one of the other.
@@ -96,15 +100,18 @@ bool ShowExplanations(const ExplainOptions& options) {
     if (options.json) {
         nlohmann::ordered_json matches = nlohmann::ordered_json::array();
         for (const Explanation& one : found)
-            matches.push_back(
-                {{"kind", one.kind}, {"name", one.name}, {"meaning", one.meaning}, {"check", one.check}});
+            matches.push_back({{"kind", one.kind},
+                               {"name", one.name},
+                               {"meaning", one.meaning},
+                               {"check", one.check},
+                               {"next", one.next}});
         std::cout << JsonText({{"word", options.Word()}, {"matches", matches}, {"nearest", nearest}});
         return !found.empty();
     }
     for (const Explanation& one : found) {
-        std::cout << one.name << " (" << one.kind << ")\n  " << one.meaning << "\n";
-        if (!one.check.empty())
-            std::cout << "  Check: " << one.check << "\n";
+        std::cout << one.name << " (" << one.kind << ")\n";
+        for (const std::string& sentence : {one.meaning, one.check, one.next})
+            std::cout << (sentence.empty() ? "" : "  " + sentence + "\n");
     }
     if (found.empty()) {
         std::cerr << "vesk: nothing is known of \"" << Printable(options.Word()) << "\"; nearest:\n";
@@ -117,18 +124,16 @@ bool ShowExplanations(const ExplainOptions& options) {
 } // namespace
 
 std::vector<Explanation> Explain(const std::string& word) {
-    std::string text = Lower(word);
-    if (text.starts_with("vesk: "))
-        text.erase(0, 6);
-    auto found = FindExactly(text);
-    if (!found.empty())
-        return found;
-    // A line as it is printed: the type of the exception, and its message.
-    const auto colon = text.find(": ");
-    const auto type = colon == text.npos ? found : FindExactly(text.substr(0, colon));
-    found = FindBeginning(type.empty() ? text : text.substr(colon + 2));
-    found.insert(found.end(), type.begin(), type.end());
-    return found;
+    const std::string text = Lower(OneLine(word));
+    std::vector<Explanation> found;
+    for (std::size_t start = 0; found.empty() && start < text.size();) {
+        found = FindExactly(text.substr(start));
+        if (found.empty())
+            found = FindMessage(text.substr(start));
+        const auto colon = text.find(": ", start);
+        start = colon == text.npos ? text.size() : colon + 2;
+    }
+    return found.empty() ? FindBeginning(text) : found;
 }
 
 std::vector<std::string> NearestNames(const std::string& word) {

@@ -3,6 +3,7 @@
 
 #include "tools/vesk/explain/Requests.h"
 #include "tools/vesk/session/Session.h"
+#include "tools/vesk/text/Failure.h"
 #include "tools/vesk/text/Text.h"
 #include "vesk/hostinterface/BootloaderDpRam.h"
 #include "vesk/hostinterface/MasterDpRam.h"
@@ -17,6 +18,22 @@ using Vesk::Mailbox::MessageType;
 using Vesk::Modules::DPVM::OperationMode_e;
 using All = std::vector<Explanation>;
 
+Explanation ExplanationOf(const Failures::Outcome& failure) {
+    const std::string type(failure.type);
+    Explanation explanation{
+        "message", "", {}, std::string(failure.means), std::string(failure.check), std::string(failure.next)};
+    for (const char character : OneLine(failure.message))
+        explanation.name += character == '*' ? "…" : std::string(1, character);
+    if (failure.message == "#")
+        explanation.name = type + ": #";
+    if (failure.message == "*" || failure.message.empty()) {
+        explanation.kind = "exception";
+        explanation.name = type + (failure.message.empty() ? ", without a message" : "");
+        explanation.otherNames = {type, type.substr(type.rfind('.') + 1)};
+    }
+    return explanation;
+}
+
 static void AddErrorCodes(All& all) {
     struct Row {
         const ErrorCode& code;
@@ -28,35 +45,42 @@ static void AddErrorCodes(All& all) {
     const std::array rows{
         Row{*ErrorCode::NO_ERROR, "NO_ERROR", "The module did what it was asked to.", ""},
         Row{*ErrorCode::MESSAGE_ID, "MESSAGE_ID", "The module does not accept the message's id.",
-            "Whether another program drives the same module."},
+            "Check whether another program drives the same module."},
         Row{*ErrorCode::MESSAGE_TYPE, "MESSAGE_TYPE", "The module has no part that handles such messages.",
-            "Whether the module runs what the request is for: the master or its bootloader (vesk identify)."},
+            "Check that the module runs what the request is for, the master or its bootloader: vesk "
+            "identify."},
         Row{*ErrorCode::COMMAND, "COMMAND", "The module does not know the command, or not in this state.",
-            "The module's firmware version (vesk identify) and where it stands (vesk status)."},
+            "Compare the module's firmware version, vesk identify, and see where it stands: vesk status."},
         Row{*ErrorCode::DATA_SIZE, "DATA_SIZE", "The request has more or less data than the command takes.",
-            "The length of the data that was written."},
+            "Check the length of the data, and try fewer bytes."},
         Row{*ErrorCode::TOTAL_FRAME_COUNT, "TOTAL_FRAME_COUNT",
             "The number of frames is not the one of the transfer that runs.",
             "Begin the download again from its start."},
         Row{*ErrorCode::FRAME_NUMBER, "FRAME_NUMBER", "A frame is missing, or came twice.",
             "Begin the download again from its start."},
         Row{*ErrorCode::OFFSET, "OFFSET", "The frame's place is outside the flash or not the next one.",
-            "The addresses of the firmware file (vesk firmware show)."},
-        Row{*ErrorCode::ADDRESS, "ADDRESS", "There is no such station, or it is not configured.",
-            "The station address; vesk livelist for who is there, vesk slaves for who is configured."},
-        Row{*ErrorCode::RESPONSE, "RESPONSE",
-            "The slave did not answer, or refused: the request came as far as the bus.",
-            "Whether the slave exchanges data (vesk slaves) and has such a record (slot and index)."},
+            "Check the addresses of the firmware file: vesk firmware show."},
+        Row{*ErrorCode::ADDRESS, "ADDRESS",
+            "Nothing has that address, or nothing is there under that slot and index.",
+            "See who is there, vesk livelist, and who is configured: vesk slaves."},
+        Row{*ErrorCode::RESPONSE, "RESPONSE", "The slave did not answer on the bus, or it refused.",
+            "Check its supply, its address and the cable, and that it has such a record: vesk livelist, vesk "
+            "slaves."},
         Row{*ErrorCode::FLASH_CONFIG_ERROR, "FLASH_CONFIG_ERROR",
             "The module's flash holds no configuration database, or a damaged one.",
-            "Download the configuration again (vesk download CONFIG.ddb)."},
+            "Download the configuration again: vesk download CONFIG.ddb."},
         Row{*ErrorCode::INVALID_OTHER, "INVALID_OTHER",
-            "The module refused for a reason without a code of its own.",
-            "The request's parameters, and where the module stands (vesk status)."},
+            "The module or the slave cannot do that in the state that it is in.",
+            "Check the request's parameters, and see what is not right: vesk status."},
     };
     for (const Row& row : rows)
         all.push_back(
-            {"error code", row.code.Name.Value(), {row.constant, Hex(row.code.Id)}, row.meaning, row.check});
+            {"error code",
+             row.code.Name.Value(),
+             {row.constant, Hex(row.code.Id), row.code.Name.Value() + " (" + Hex(row.code.Id) + ")"},
+             row.meaning,
+             row.check,
+             ""});
 }
 
 static void AddOperationModes(All& all) {
@@ -68,11 +92,11 @@ static void AddOperationModes(All& all) {
 
     for (const Row& row : {
              Row{OperationMode_e::OFFLINE, "The master takes no part in the bus.",
-                 "After an initialisation it never stays here: ask for another mode (vesk mode)."},
+                 "Ask for another mode: vesk mode operate."},
              Row{OperationMode_e::STOP, "The master holds its token but talks to no slave.",
-                 "Ask for OPERATE (vesk mode operate)."},
+                 "Ask for OPERATE: vesk mode operate."},
              Row{OperationMode_e::CLEAR, "The master exchanges with its slaves, and sends them zero.",
-                 "Ask for OPERATE (vesk mode operate); a master goes to CLEAR by itself when a slave fails "
+                 "Ask for OPERATE: vesk mode operate. A master goes to CLEAR by itself when a slave fails "
                  "and the "
                  "bus parameters say so."},
              Row{OperationMode_e::OPERATE, "The master exchanges process data with its slaves: normal use.",
@@ -82,7 +106,8 @@ static void AddOperationModes(All& all) {
                        ModeName(row.mode),
                        {Hex(static_cast<unsigned int>(row.mode))},
                        row.meaning,
-                       row.check});
+                       row.check,
+                       ""});
 }
 
 /// The bits of a register, each with its meaning, in the order of the labels.
@@ -96,7 +121,8 @@ static void AddRegister(All& all, const std::string& layout, const std::string& 
                        prefix + label,
                        {label},
                        "Bit " + std::to_string(bit) + " of the " + layout + ": " + meanings[bit],
-                       "Its value in a dump of the DPRAM (vesk dump)."});
+                       "See its value in a dump of the DPRAM: vesk dump.",
+                       ""});
     }
 }
 
@@ -141,12 +167,14 @@ static void AddRegisterBits(All& all) {
 
 static const char* CheckOf(const MessageType& type) {
     if (&type == MessageType::FIELDBUS.get())
-        return "If it is refused: the error in the answer, and whether the slave that it names is there and "
-               "exchanges data (vesk slaves).";
+        return "If it is refused, look at the error in the answer, and whether the slave that it names is "
+               "there and "
+               "exchanges data: vesk slaves.";
     if (&type == MessageType::APPLICATION.get())
-        return "If it is refused: whether the module holds a database (vesk database).";
-    return "If it is refused: whether the module runs its bootloader, and what the firmware file says (vesk "
-           "firmware show).";
+        return "If it is refused, check that the module holds a database: vesk database.";
+    return "If it is refused, check that the module runs its bootloader, and what the firmware file says: "
+           "vesk "
+           "firmware show.";
 }
 
 static void AddCommands(All& all) {
@@ -156,7 +184,8 @@ static void AddCommands(All& all) {
                        {kind.type.Name.Value() + " " + Hex(kind.command)},
                        std::string(kind.meaning) + " Command " + Hex(kind.command) + " of type " +
                            kind.type.Name.Value() + ".",
-                       CheckOf(kind.type)});
+                       CheckOf(kind.type),
+                       ""});
 }
 
 static void AddStates(All& all) {
@@ -166,12 +195,12 @@ static void AddStates(All& all) {
         const char* check;
     };
 
-    constexpr auto* UPDATE = "If it stays there: whether Update is called, and what vesk status says.";
+    constexpr auto* UPDATE = "If it stays there, check that Update is called, and what vesk status says.";
     for (const Row& row : {
              Row{Session::State::POWER_OFF, "The module is held in reset, for 0.5 ms.", UPDATE},
              Row{Session::State::POWER_ON,
                  "The module is out of reset; its first interrupt is due within 2 s.",
-                 "If it stays there: the module's supply and the interrupt line."},
+                 "If it stays there, check the module's supply and the interrupt line."},
              Row{Session::State::BOOTED, "The module runs and is the expected one.", UPDATE},
              Row{Session::State::DOWNLOADING,
                  "The module's database is compared with the configuration and, where it differs, written.",
@@ -180,18 +209,21 @@ static void AddStates(All& all) {
                  "The next step is the application's: BeginInitialization."},
              Row{Session::State::INITIALIZING, "The initialisation runs; it has 10 s.", UPDATE},
              Row{Session::State::INITIALIZED, "Process data and services are in normal use.",
-                 "The operation mode and the slaves (vesk status)."},
+                 "See the operation mode and the slaves: vesk status."},
          })
         all.push_back({"state",
                        Vesk::Modules::DPVM::Vt22Module::StateToString(row.state).Value(),
                        {},
                        row.meaning,
-                       row.check});
+                       row.check,
+                       ""});
 }
 
 const All& Explanations() {
     static const All all = [] {
-        All made = FailureExplanations();
+        All made;
+        for (const Failures::Outcome* failure : Failures::AllFailures())
+            made.push_back(ExplanationOf(*failure));
         AddErrorCodes(made);
         AddOperationModes(made);
         AddRegisterBits(made);

@@ -21,7 +21,7 @@ Failure FileFailure(const std::string& path, const std::exception& exception,
                     const std::function<std::string()>& hint) {
     const std::string what = OneLine(exception);
     const bool named = what.find(path) != std::string::npos;
-    return Failure(named ? what : path + ": " + what + hint(), "", TypeOf(exception));
+    return Failure(named ? what : path + ": " + what + hint(), AdviceFor(exception).next, TypeOf(exception));
 }
 
 } // namespace VeskTool

@@ -4,8 +4,12 @@
 namespace VeskTool {
 
 std::string OneLine(const std::exception& exception) {
+    return OneLine(std::string_view(exception.what()));
+}
+
+std::string OneLine(std::string_view text) {
     std::string line;
-    for (const char character : std::string(exception.what()))
+    for (const char character : text)
         if (character != '\n')
             line += character;
         else if (!line.empty() && line.back() != ' ')

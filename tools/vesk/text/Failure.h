@@ -4,6 +4,7 @@
 #include <exception>
 #include <stdexcept>
 #include <string>
+#include <string_view>
 
 namespace VeskTool {
 
@@ -26,5 +27,7 @@ private:
 
 /// The exception's type and message in one line: line breaks become "; ".
 std::string OneLine(const std::exception& exception);
+/// The same of any text.
+std::string OneLine(std::string_view text);
 
 } // namespace VeskTool

@@ -257,7 +257,7 @@ std::string StartUpText(const Json& facts, const Paint& paint) {
     text += paint.Bad(what.back() == '.' ? what : what + ".") + "\n";
     const std::string cause = problem["cause"];
     const std::string next = problem["next"];
-    text += cause.empty() ? "" : "Cause: " + Sentence(cause) + ".\n";
+    text += cause.empty() ? "" : "Cause: " + Sentence(cause) + (cause.back() == '.' ? "\n" : ".\n");
     text += next.empty() ? "" : "Next:  " + next + "\n";
     return text;
 }
