@@ -47,6 +47,7 @@ constexpr std::string_view AGAIN =
 constexpr std::string_view TRACE =
     "Start again; if it comes back, --trace mailbox,handshake shows the way there.";
 constexpr std::string_view EXPORT = "Export it again from the configuration tool.";
+constexpr std::string_view FETCH = "Get the file again from where it came.";
 constexpr std::string_view SHOW_FIRMWARE = "See what it says: vesk firmware show.";
 
 } // namespace
@@ -55,8 +56,8 @@ constexpr std::string_view SHOW_FIRMWARE = "See what it says: vesk firmware show
 
 namespace Outcomes {
 
-constinit const Outcome SAME_DATA{"", "", "Nothing the host would notice: same data as ever.",
-                                  "Nothing.", ""};
+constinit const Outcome SAME_DATA{"", "", "Nothing the host would notice: same data as ever.", "Nothing.",
+                                  ""};
 constinit const Outcome NO_ANSWER{
     "", "", "The library waits for the module, and the application in vain for its data or for an answer.",
     "Check the time in the application, with a clock of its own.", "Power the module off and on."};
@@ -316,11 +317,11 @@ static constexpr std::array OTHERS{
             COMPLETE, EXPORT},
     Outcome{END_OF_STREAM, "Stream ends at byte #", "The file or message ends too early.", COMPLETE, ""},
     Outcome{END_OF_STREAM, "Stream holds # of # program bytes", "The firmware file is shorter than it says.",
-            COMPLETE, SHOW_FIRMWARE},
+            COMPLETE, FETCH},
     Outcome{END_OF_STREAM, "Stream ends after # of # program bytes",
-            "The firmware file became shorter while it was read.", COMPLETE, SHOW_FIRMWARE},
+            "The firmware file became shorter while it was read.", COMPLETE, FETCH},
     Outcome{OUT_OF_RANGE, "size (#) must not be less than zero (0)",
-            "The firmware file says that its program has 2 GiB or more.", COMPLETE, ""},
+            "A length is below zero; that of a firmware file's program is then 2 GiB or more.", COMPLETE, ""},
     Outcome{FORMAT, "#",
             "The file does not begin as it should: the number, in hexadecimal, stands where the number of a "
             "firmware file or a line end of a database file should.",

@@ -15,7 +15,7 @@ struct Outcome {
     std::string_view message; // a pattern, see Compare
     std::string_view means;   // what has happened, a sentence
     std::string_view check;   // what to check first, a sentence; so is the next
-    std::string_view next;    // what to do then; may be empty
+    std::string_view next{};  // what to do then; may be empty
 
     bool IsException() const { return !type.empty(); }
 

@@ -6,14 +6,13 @@
 #include "tools/vesk/explain/Advice.h"
 #include "tools/vesk/explain/Explanations.h"
 #include "tools/vesk/session/Session.h"
-#include "vesk/mailbox/ErrorCode.h"
 #include "vesk/modules/dpvm/config/DdbParser.h"
 
 #include <regex>
 #include <set>
 
-using Failures::Outcome;
 using testing::HasSubstr;
+using Vesk::Modules::DPVM::Config::DdbParser;
 using VeskTool::Explain;
 
 namespace {
@@ -23,7 +22,9 @@ std::set<std::string> FindInLibrary(const char* pattern) {
     std::set<std::string> found;
     const std::regex regex(pattern);
     for (const auto& entry : std::filesystem::recursive_directory_iterator(SOURCE_DIR "/vesk")) {
-        const std::string text = entry.is_regular_file() ? TemporaryFolder::Read(entry.path()) : "";
+        const auto extension = entry.path().extension();
+        const std::string text =
+            extension == ".h" || extension == ".cpp" ? TemporaryFolder::Read(entry.path()) : "";
         found.insert(std::sregex_token_iterator(text.begin(), text.end(), regex, 1), {});
     }
     return found;
@@ -32,9 +33,9 @@ std::set<std::string> FindInLibrary(const char* pattern) {
 TEST(ExplainCommandTest, KnowsWhatTheLibrarySaysAndNothingElse) {
     std::set<std::string> types;
     std::string literals;
-    for (const std::string& literal : FindInLibrary("\"((?:[^\"\\\\\\n]|\\\\.)+)\""))
+    for (const std::string& literal : FindInLibrary("\"([^\"\\n]+)\""))
         literals += literal + "\n";
-    for (const Outcome* const failure : Failures::AllFailures()) {
+    for (const auto* const failure : Failures::AllFailures()) {
         types.insert(std::string(failure->type));
         EXPECT_FALSE(failure->means.empty() || failure->check.empty()) << failure->message;
         std::string words = std::regex_replace(std::string(failure->message), std::regex("[^A-Za-z_]"), " ");
@@ -42,87 +43,66 @@ TEST(ExplainCommandTest, KnowsWhatTheLibrarySaysAndNothingElse) {
             EXPECT_THAT(literals, HasSubstr(words)) << failure->message;
     }
     EXPECT_EQ(types, FindInLibrary("TypeName\\(\\) const \\{\\s*return \"([A-Za-z0-9.]+)\""));
-    // The first words of what is thrown, up to the first value in it.
-    for (const std::string& words : FindInLibrary("Exception::Create\\([^\";]*\"([A-Z][^\":]+)"))
-        EXPECT_EQ(Explain(words).at(0).kind, "message") << words;
+    // The names of the commands, and the first words of what is thrown, up to the first value in it.
+    for (const auto& [kind, pattern] : {std::pair("command", "MailboxCommand \\w+\\{[^\"]+\"(\\w+)\""),
+                                        {"message", "Exception::Create\\([^\";]*\"([A-Z][^\":]* [^\":]*)"}}) {
+        EXPECT_GE(FindInLibrary(pattern).size(), 30U) << pattern;
+        for (const std::string& words : FindInLibrary(pattern))
+            EXPECT_EQ(Explain(words).at(0).kind, kind) << words;
+    }
 }
 
 /// Whatever happens to a file, there is more to say than what its type of exception says.
 TEST(ExplainCommandTest, KnowsWhatIsWrongWithADamagedFile) {
-    std::set<const Outcome*> seen;
+    std::set<const Failures::Outcome*> seen;
     const auto damage = [&](const std::string& file, std::size_t size, const auto& parse) {
-        for (std::size_t i = 0; i < size; ++i)
-            for (const auto& damaged : {file.substr(0, i), std::string(file).replace(i, 1, 1, '\1')})
-                try {
-                    const std::vector<unsigned char> bytes(damaged.begin(), damaged.end());
-                    parse(System::IO::MemoryStream::Create(System::Array<unsigned char>::Create(bytes)));
-                } catch (const std::shared_ptr<System::Exception>& thrown) {
-                    const std::string message = thrown->Message().Value();
-                    const auto* const known = Failures::FindFailure(thrown->TypeName().Value(), message);
-                    EXPECT_NE(known->message, "*") << message;
-                    seen.insert(known);
-                }
+        for (std::size_t i = 0; i < 2 * size; ++i)
+            try {
+                auto bad = i < size ? file.substr(0, i) : std::string(file).replace(i - size, 1, 1, '\1');
+                const auto bytes =
+                    System::Array<unsigned char>::Create(std::vector<unsigned char>(bad.begin(), bad.end()));
+                parse(System::IO::MemoryStream::Create(bytes));
+            } catch (const std::shared_ptr<System::Exception>& thrown) {
+                seen.insert(Failures::FindFailure(thrown->TypeName().Value(), thrown->Message().Value()));
+            }
     };
     damage(FirmwareFileBuilder().Program(3).Content(), 131, Vesk::Modules::Bootloader::TarnFile::FromStream);
-    damage(TemporaryFolder::Read(SOURCE_DIR "/examples/plant.ddb"), 2000,
-           Vesk::Modules::DPVM::Config::DdbParser::FromStream);
-    EXPECT_GE(seen.size(), 18U);
+    damage(TemporaryFolder::Read(SOURCE_DIR "/examples/plant.ddb"), 1000, DdbParser::FromStream);
+    EXPECT_GE(seen.size(), 15U);
+    for (const auto* const failure : seen)
+        EXPECT_NE(failure->message, "*") << failure->type;
 }
 
-/// An example of a failure.
-struct Example : System::Exception {
-    Example(std::string typeName, System::String text) : Exception(std::move(text)), type(typeName) {}
-
-    System::String TypeName() const override { return type; }
-
-    const System::String type;
-};
-
 TEST(ExplainCommandTest, SaysTheSameOfAFailureAsTheHintBelowIt) {
+    for (const auto* const failure : Failures::AllFailures()) {
+        const auto text = std::regex_replace(std::string(failure->message), std::regex("[*#]"), "1");
+        const std::string line = std::string(failure->type) + (text.empty() ? "" : ": " + text);
+        EXPECT_EQ(Explain("vesk: " + line).at(0).meaning, Failures::FindFailure(failure->type, text)->means);
+    }
     const auto expectSame = [](const std::exception& failure) {
         const auto explained = Explain("vesk: " + VeskTool::OneLine(failure)).at(0);
-        const VeskTool::Advice advice = VeskTool::AdviceFor(failure);
-        EXPECT_EQ(advice.cause, explained.meaning) << failure.what();
-        EXPECT_THAT(advice.next, testing::StartsWith(explained.check)) << failure.what();
-        EXPECT_THAT(advice.next, testing::EndsWith(explained.next)) << failure.what();
+        EXPECT_EQ(VeskTool::AdviceFor(failure).cause, explained.meaning) << failure.what();
+        EXPECT_EQ(VeskTool::AdviceFor(failure).next.find(explained.check), 0U) << failure.what();
     };
-    for (const Outcome* const failure : Failures::AllFailures()) {
-        const auto message = std::regex_replace(std::string(failure->message), std::regex("[*#]"), "1");
-        expectSame(System::Thrown(std::make_shared<Example>(
-            std::string(failure->type), message.empty() ? System::String() : System::String(message))));
-    }
+    expectSame(System::Thrown(System::InvalidOperationException::Create(nullptr)));
     const auto codes = Vesk::Mailbox::ErrorCode::VALUES.Value();
     for (int i = 0; i < codes->Count(); ++i)
         expectSame(VeskTool::Refusal("it", *codes->Get(i)));
 }
 
 TEST(ExplainCommandTest, UnderstandsWordsAsTheyAreSeen) {
-    const std::map<std::string, std::string> words{
-        {"operate", "OPERATE;"},
-        {"0xc0", "OPERATE;"},
-        {"ADDRESS", "Invalid Address;"},
-        {"op", ""},
-        {"", ""},
-        {"class2r", "Class2Read;"},
-        {"dpv1Connection", "fieldbusStatus.change.dpv1Connection;"},
-        {"timeout waiting for init", "Timeout waiting for initial IRQ;Timeout waiting for INITIALIZED;"},
-        {"data size (257) > 256", "data size (#) > 256;"},
-        {"data size (y) >", ""}};
-    for (const auto& [word, names] : words) {
-        std::string found;
-        for (const auto& explanation : Explain(word))
+    for (const std::string row :
+         {"operate=OPERATE;", "0xc0=OPERATE;", "ADDRESS=Invalid Address;", "op=", "data size (y) >=",
+          "class2r=Class2Read;", "dpv1Connection=fieldbusStatus.change.dpv1Connection;",
+          "timeout waiting for init=Timeout waiting for initial IRQ;Timeout waiting for INITIALIZED;"}) {
+        std::string found = row.substr(0, row.find('=') + 1);
+        for (const auto& explanation : Explain(row.substr(0, row.find('='))))
             found += explanation.name + ";";
-        EXPECT_EQ(found, names) << word;
+        EXPECT_EQ(found, row);
     }
-}
-
-TEST(ExplainCommandTest, PrintsWhatItKnowsOrTheNearest) {
+    RunTool::ExpectFailure({"explain", "opperate"}, 1, HasSubstr("of \"opperate\"; nearest:\n  OPERATE\n"));
     EXPECT_THAT(RunTool::Text({"explain", "Timeout", "waiting", "for", "initial", "IRQ"}),
                 testing::MatchesRegex("Timeout waiting .*\\(message\\)\n  The .*\n  Check .*\n  A .*\n"));
-    EXPECT_THAT(RunTool::Json({"explain", "0x82"})["matches"][0],
-                HasFacts(R"({"kind": "error code", "name": "Invalid Command", "next": ""})"));
-    RunTool::ExpectFailure({"explain", "opperate"}, 1, HasSubstr("of \"opperate\"; nearest:\n  OPERATE\n"));
-    EXPECT_EQ(RunTool::Json({"explain", "\xFF\xFE"}, 1)["nearest"].size(), 5U);
 }
 
 } // namespace

@@ -32,7 +32,7 @@ Advice AdviceForRefusal(unsigned char code) {
 }
 
 std::string TextOf(Vesk::Modules::DPVM::IVt22FatalEventInfo& info) {
-    return " Error code " + Hex(info.ErrorCode()) + ", cause " + Hex(info.ErrorCause()) + ", task " +
+    return " It says: error code " + Hex(info.ErrorCode()) + ", cause " + Hex(info.ErrorCause()) + ", task " +
            Hex(info.TaskId()) + ", " + Printable(info.SourceFile().Value().c_str()) + " line " +
            std::to_string(info.SourceLine()) + ".";
 }

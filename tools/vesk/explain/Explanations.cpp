@@ -178,14 +178,16 @@ static const char* CheckOf(const MessageType& type) {
 }
 
 static void AddCommands(All& all) {
-    for (const RequestKind& kind : RequestKinds())
+    for (const auto& [command, parameters, meaning] : RequestKinds()) {
+        const std::string type = command.type->Name.Value();
+        const std::string number = Hex(command.number);
         all.push_back({"command",
-                       kind.name,
-                       {kind.type.Name.Value() + " " + Hex(kind.command)},
-                       std::string(kind.meaning) + " Command " + Hex(kind.command) + " of type " +
-                           kind.type.Name.Value() + ".",
-                       CheckOf(kind.type),
+                       command.name,
+                       {type + " " + number},
+                       std::string(meaning) + " Command " + number + " of type " + type + ".",
+                       CheckOf(*command.type),
                        ""});
+    }
 }
 
 static void AddStates(All& all) {

@@ -16,6 +16,7 @@
 
 namespace VeskTool {
 
+using Vesk::Modules::Bootloader::FirmwareHeader;
 using Vesk::Modules::Bootloader::FirmwareType_e;
 
 namespace {
@@ -23,7 +24,7 @@ namespace {
 struct BuildOptions {
     std::string imagePath;
     std::string outputPath;
-    FirmwareFacts facts;
+    FirmwareHeader header;
     std::optional<unsigned int> crcStart;
     std::optional<unsigned int> crcLength;
     bool seal = false;
@@ -42,39 +43,40 @@ CLI::Option* AddNumber(CLI::App& command, const std::string& name, Target& targe
     return command.add_option_function<std::string>(name, take, description)->type_name("NUMBER");
 }
 
-void ParseType(FirmwareFacts& facts, const std::string& text) {
+void ParseType(FirmwareHeader& header, const std::string& text) {
     if (text == "bootloader")
-        facts.type = FirmwareType_e::BOOTLOADER_FIRMWARE;
+        header.type = FirmwareType_e::BOOTLOADER_FIRMWARE;
     else if (text == "application")
-        facts.type = FirmwareType_e::APPLICATION_FIRMWARE;
+        header.type = FirmwareType_e::APPLICATION_FIRMWARE;
     else if (text == "configuration")
-        facts.type = FirmwareType_e::CONFIGURATION_FIRMWARE;
+        header.type = FirmwareType_e::CONFIGURATION_FIRMWARE;
     else
         throw CLI::ValidationError("--type", text + " is not bootloader, application or configuration");
 }
 
-void ParseDescription(FirmwareFacts& facts, const std::string& text) {
+void ParseDescription(FirmwareHeader& header, const std::string& text) {
     for (const char character : text)
         if (character < ' ' || character > '~')
             throw CLI::ValidationError("--description", "holds something else than printable ASCII");
-    if (text.size() > FirmwareFacts::MAX_DESCRIPTION)
+    if (text.size() > header.description.size())
         throw CLI::ValidationError("--description", std::to_string(text.size()) +
                                                         " characters are not a length from 0 to " +
-                                                        std::to_string(FirmwareFacts::MAX_DESCRIPTION));
-    facts.description = text;
+                                                        std::to_string(header.description.size()));
+    header.description = {};
+    std::copy(text.begin(), text.end(), header.description.begin());
 }
 
-void ParseOldest(FirmwareFacts& facts, const std::string& text) {
+void ParseOldest(FirmwareHeader& header, const std::string& text) {
     const auto dot = text.find('.');
     if (dot == std::string::npos)
         throw CLI::ValidationError("--oldest", text + " is not MAJOR.MINOR");
-    facts.oldestMajor = Parse<unsigned char>("--oldest", text.substr(0, dot));
-    facts.oldestMinor = Parse<unsigned char>("--oldest", text.substr(dot + 1));
+    header.oldestMajor = Parse<unsigned char>("--oldest", text.substr(0, dot));
+    header.oldestMinor = Parse<unsigned char>("--oldest", text.substr(dot + 1));
 }
 
-void ParseEraseSegmentsCount(FirmwareFacts& facts, const std::vector<std::string>& texts) {
+void ParseEraseSegmentsCount(FirmwareHeader& header, const std::vector<std::string>& texts) {
     for (std::size_t i = 0; i < texts.size(); ++i)
-        facts.eraseSegmentsCount.at(i) = Parse<unsigned char>("--erase-segments-count", texts[i]);
+        header.eraseSegmentsCount.at(i) = Parse<unsigned char>("--erase-segments-count", texts[i]);
 }
 
 /// A device or a folder must not give way to the new file, nor the image that it is made from.
@@ -98,17 +100,17 @@ void Build(const BuildOptions& options) {
     Program program = LoadProgram(options.imagePath);
     if (options.seal)
         Seal(program);
-    FirmwareFacts facts = options.facts;
+    FirmwareHeader header = options.header;
     constexpr std::uint64_t space = std::uint64_t{1} << 32;
-    const std::uint64_t end = std::uint64_t{facts.address} + program.size();
+    const std::uint64_t end = std::uint64_t{header.addressBurnStart} + program.size();
     if (program.size() > MAX_PROGRAM_SIZE || end > space)
         throw Failure(options.imagePath + ": a program of " + std::to_string(program.size()) + " bytes at " +
-                      Hex(facts.address) + " does not fit: it has up to " + std::to_string(MAX_PROGRAM_SIZE) +
-                      " bytes and ends at 0xffffffff at the latest");
-    facts.crcStart = options.crcStart.value_or(facts.address);
-    facts.crcLength = options.crcLength.value_or(
-        static_cast<unsigned int>(end - std::min<std::uint64_t>(end, facts.crcStart)));
-    const auto bytes = EncodeFirmwareFile(facts, program);
+                      Hex(header.addressBurnStart) + " does not fit: it has up to " +
+                      std::to_string(MAX_PROGRAM_SIZE) + " bytes and ends at 0xffffffff at the latest");
+    header.crcStart = options.crcStart.value_or(header.addressBurnStart);
+    header.crcLength = options.crcLength.value_or(
+        static_cast<unsigned int>(end - std::min<std::uint64_t>(end, header.crcStart)));
+    const auto bytes = EncodeFirmwareFile(header, program);
     CheckOutput(options);
     Write(options.outputPath, bytes);
     const auto file = LoadFirmwareFile(options.outputPath);
@@ -164,34 +166,35 @@ Action AddFirmwareShow(CLI::App& command) {
 
 Action AddFirmwareBuild(CLI::App& command) {
     const auto options = std::make_shared<BuildOptions>();
-    FirmwareFacts& facts = options->facts;
+    FirmwareHeader& header = options->header;
     command.add_option("IMAGE", options->imagePath, "Program image")->required();
     command.add_option("-o,--output", options->outputPath, "File to make")->required();
     command
         .add_option_function<std::string>(
-            "--type", [&facts](const std::string& text) { ParseType(facts, text); },
+            "--type", [&header](const std::string& text) { ParseType(header, text); },
             "bootloader, application or configuration")
         ->required()
         ->type_name("TYPE");
-    AddNumber<unsigned short>(command, "--module-id", facts.moduleId, "Module identification")->required();
-    AddNumber<unsigned int>(command, "--address", facts.address, "Flash address of the program")->required();
+    AddNumber<unsigned short>(command, "--module-id", header.moduleId, "Module identification")->required();
+    AddNumber<unsigned int>(command, "--address", header.addressBurnStart, "Flash address of the program")
+        ->required();
     command
         .add_option_function<std::string>(
-            "--description", [&facts](const std::string& text) { ParseDescription(facts, text); },
+            "--description", [&header](const std::string& text) { ParseDescription(header, text); },
             "Text of up to 64 characters")
         ->type_name("TEXT");
-    AddNumber<unsigned short>(command, "--erase-segments", facts.eraseSegments, "Erase segments");
+    AddNumber<unsigned short>(command, "--erase-segments", header.eraseSegments, "Erase segments");
     command
         .add_option_function<std::vector<std::string>>(
             "--erase-segments-count",
-            [&facts](const std::vector<std::string>& texts) { ParseEraseSegmentsCount(facts, texts); },
+            [&header](const std::vector<std::string>& texts) { ParseEraseSegmentsCount(header, texts); },
             "Up to 22 counts, with commas between")
         ->delimiter(',')
-        ->expected(1, static_cast<int>(facts.eraseSegmentsCount.size()))
+        ->expected(1, static_cast<int>(header.eraseSegmentsCount.size()))
         ->type_name("NUMBER,...");
     command
         .add_option_function<std::string>(
-            "--oldest", [&facts](const std::string& text) { ParseOldest(facts, text); },
+            "--oldest", [&header](const std::string& text) { ParseOldest(header, text); },
             "Oldest version that it is compatible with")
         ->type_name("MAJOR.MINOR");
     AddNumber<unsigned int>(command, "--crc-start", options->crcStart,

@@ -9,23 +9,40 @@
 
 #include <algorithm>
 #include <cstdint>
+#include <span>
 
 namespace VeskTool {
 
 using System::Array;
 using Vesk::Modules::Bootloader::CRC16;
+using Vesk::Modules::Bootloader::FirmwareHeader;
+using Vesk::Modules::Bootloader::FirmwareType_e;
 using Vesk::Modules::Bootloader::TarnFile;
-
-static constexpr std::size_t HEADER_SIZE = 128;
-static constexpr unsigned short MAGIC = 0xA55A;
-static constexpr std::size_t RESERVED_SIZE = 14;
 
 using Byte = unsigned char;
 
-static void Append(std::vector<Byte>& to, std::uint32_t value, int size) {
-    while (size-- > 0)
-        to.push_back(static_cast<Byte>(value >> 8 * size & 0xFF));
-}
+namespace {
+
+/// Writes the header of a firmware file.
+struct HeaderWriter {
+    void Text(std::span<const char> text) { bytes.insert(bytes.end(), text.begin(), text.end()); }
+
+    void Magic(unsigned short value) { Number(value); }
+
+    void Type(FirmwareType_e type) { Number(static_cast<unsigned short>(type)); }
+
+    template <class Value>
+    void Number(Value value) {
+        for (std::size_t size = sizeof value; size-- > 0;)
+            bytes.push_back(static_cast<Byte>(value >> 8 * size & 0xFF));
+    }
+
+    void Zero(int) { bytes.push_back(0); }
+
+    std::vector<Byte> bytes;
+};
+
+} // namespace
 
 /// Where a range of flash addresses lies in a program of `size` bytes that is burnt to `address`; nothing
 /// when it is not inside.
@@ -42,34 +59,26 @@ static unsigned short Checksum(const Byte* bytes, std::size_t count) {
     return crc->Value();
 }
 
-std::vector<Byte> EncodeFirmwareFile(const FirmwareFacts& facts, const Program& program) {
-    const auto place = PlaceInProgram(facts.crcStart, facts.crcLength, facts.address, program.size());
+std::vector<Byte> EncodeFirmwareFile(FirmwareHeader header, const Program& program) {
+    const auto place =
+        PlaceInProgram(header.crcStart, header.crcLength, header.addressBurnStart, program.size());
     if (!place)
-        throw Failure("The checksum's range, " + std::to_string(facts.crcLength) + " bytes from " +
-                      Hex(facts.crcStart) + " on, is not inside the program, " +
-                      std::to_string(program.size()) + " bytes from " + Hex(facts.address) + " on");
-    std::vector<Byte> bytes(facts.description.begin(), facts.description.end());
-    bytes.resize(FirmwareFacts::MAX_DESCRIPTION);
-    Append(bytes, MAGIC, 2);
-    Append(bytes, static_cast<std::uint16_t>(facts.type), 2);
-    Append(bytes, facts.moduleId, 2);
-    Append(bytes, facts.eraseSegments, 2);
-    Append(bytes, facts.address, 4);
-    Append(bytes, static_cast<std::uint32_t>(program.size()), 4);
-    Append(bytes, facts.crcStart, 4);
-    Append(bytes, facts.crcLength, 4);
-    Append(bytes, Checksum(program.data() + *place, facts.crcLength), 2);
-    Append(bytes, facts.oldestMajor, 1);
-    Append(bytes, facts.oldestMinor, 1);
-    bytes.insert(bytes.end(), facts.eraseSegmentsCount.begin(), facts.eraseSegmentsCount.end());
-    bytes.resize(bytes.size() + RESERVED_SIZE);
-    bytes.insert(bytes.end(), program.begin(), program.end());
-    return bytes;
+        throw Failure("The checksum's range, " + std::to_string(header.crcLength) + " bytes from " +
+                      Hex(header.crcStart) + " on, is not inside the program, " +
+                      std::to_string(program.size()) + " bytes from " + Hex(header.addressBurnStart) + " on");
+    header.programLength = static_cast<unsigned int>(program.size());
+    header.crc = Checksum(program.data() + *place, header.crcLength);
+    HeaderWriter writer;
+    header.Pass(writer);
+    writer.bytes.insert(writer.bytes.end(), program.begin(), program.end());
+    return writer.bytes;
 }
 
 void Seal(Program& program) {
-    program.insert(program.end(), VirtualModule::SEAL_MARK.begin(), VirtualModule::SEAL_MARK.end());
-    Append(program, Checksum(program.data(), program.size()), 2);
+    HeaderWriter writer{std::move(program)};
+    writer.Text(VirtualModule::SEAL_MARK);
+    writer.Number(Checksum(writer.bytes.data(), writer.bytes.size()));
+    program = std::move(writer.bytes);
 }
 
 std::shared_ptr<TarnFile> LoadFirmwareFile(const std::string& path) {
@@ -78,7 +87,7 @@ std::shared_ptr<TarnFile> LoadFirmwareFile(const std::string& path) {
     try {
         const auto file =
             System::IO::FileStream::Create(path, System::IO::FileMode::OPEN, System::IO::FileAccess::READ);
-        const auto limit = static_cast<std::int64_t>(HEADER_SIZE + MAX_PROGRAM_SIZE);
+        const auto limit = static_cast<std::int64_t>(FirmwareHeader::SIZE + MAX_PROGRAM_SIZE);
         if (file->Length() > limit)
             throw Failure(path + ": " + std::to_string(file->Length()) +
                           " bytes; a firmware file has up to " + std::to_string(limit));

@@ -2,6 +2,7 @@
 #include "tools/vesk/jobs/DownloadPlan.h"
 
 #include "tools/vesk/text/Text.h"
+#include "vesk/mailbox/Commands.h"
 
 #include <algorithm>
 #include <array>
@@ -10,11 +11,13 @@
 namespace VeskTool {
 
 using Vesk::Modules::Bootloader::TarnFile;
+namespace Commands = Vesk::Mailbox::Commands;
 
 static constexpr int FRAME_SIZE = 256;
 // What comes before the data frames.
-static constexpr std::array APPLICATION_HEAD{"Enable", "FlashWriteEnable", "FlashErase", "FwDownloadInit"};
-static constexpr std::array BOOTLOADER_HEAD{"BlDownloadInit"};
+static constexpr std::array APPLICATION_HEAD{Commands::ENABLE.name, Commands::FLASH_WRITE_ENABLE.name,
+                                             Commands::FLASH_ERASE.name, Commands::FW_DOWNLOAD_INIT.name};
+static constexpr std::array BOOTLOADER_HEAD{Commands::BL_DOWNLOAD_INIT.name};
 static constexpr int ERASE = 2; // index in APPLICATION_HEAD
 
 DownloadPlan::DownloadPlan(const TarnFile& file)
@@ -33,15 +36,17 @@ int DownloadPlan::Bytes(int remaining) const {
 }
 
 std::string DownloadPlan::Request(int remaining) const {
-    const std::string prefix = Application() ? "Fw" : "Bl";
+    const auto& [data, last] =
+        Application() ? std::pair(Commands::FW_DOWNLOAD_DATA.name, Commands::FW_DOWNLOAD_LAST.name)
+                      : std::pair(Commands::BL_DOWNLOAD_DATA.name, Commands::BL_DOWNLOAD_LAST.name);
     const int index = _requests - remaining;
     const int head = _requests - _frames - 1;
     std::string what;
     if (AtLast(remaining))
-        what = prefix + "DownloadLast, " + Hex(_crcStart) + " to " + Hex(_crcStart + _crcLength - 1);
+        what = std::string(last) + ", " + Hex(_crcStart) + " to " + Hex(_crcStart + _crcLength - 1);
     else if (index >= head)
-        what = prefix + "DownloadData, " +
-               Hex(_address + static_cast<unsigned int>((index - head) * FRAME_SIZE));
+        what =
+            std::string(data) + ", " + Hex(_address + static_cast<unsigned int>((index - head) * FRAME_SIZE));
     else
         what = Application() ? APPLICATION_HEAD.at(static_cast<std::size_t>(index))
                              : BOOTLOADER_HEAD.at(static_cast<std::size_t>(index));

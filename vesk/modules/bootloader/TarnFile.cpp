@@ -2,6 +2,7 @@
 #include "vesk/modules/bootloader/TarnFile.h"
 
 #include "vesk/core/FormatArray.h"
+#include "vesk/modules/bootloader/FirmwareHeader.h"
 #include "vesk/system/Convert.h"
 #include "vesk/system/Exception.h"
 #include "vesk/system/io/BinaryReader.h"
@@ -9,7 +10,10 @@
 #include "vesk/system/io/IOException.h"
 #include "vesk/system/text/StringBuilder.h"
 
+#include <algorithm>
 #include <limits>
+#include <span>
+#include <vector>
 
 namespace Vesk::Modules::Bootloader {
 
@@ -22,59 +26,58 @@ using System::IO::EndOfStreamException;
 using System::IO::Stream;
 using System::Text::StringBuilder;
 
-static constexpr int DESCRIPTION_SIZE = 64;
-static constexpr unsigned short MAGIC = 0xA55A;
-static constexpr int ERASE_SEGMENTS_COUNT_SIZE = 22;
-static constexpr int RESERVED_SIZE = 14;
+namespace {
 
-static String ReadDescription(BinaryReader& reader) {
-    std::string text;
-    while (text.size() < DESCRIPTION_SIZE) {
-        const unsigned char character = reader.ReadUInt8();
-        if (character == 0)
-            break;
-        text += static_cast<char>(character);
+/// Reads the header of a firmware file, from the start of the stream.
+class HeaderReader {
+public:
+    explicit HeaderReader(std::shared_ptr<Stream> stream)
+        : _reader(BinaryReader::Create(stream, true)), _stream(std::move(stream)) {}
+
+    /// Up to its first zero; what is behind that does not count.
+    void Text(std::span<char> text) {
+        for (char& character : text)
+            if ((character = static_cast<char>(_reader->ReadUInt8())) == 0)
+                break;
+        _stream->Seek(static_cast<std::int64_t>(text.size()), System::IO::SeekOrigin::BEGIN);
     }
-    return text;
-}
 
-static void ReadMagic(BinaryReader& reader) {
-    const unsigned short magic = reader.ReadUInt16();
-    if (magic != MAGIC)
-        System::_env_throw(FormatException::Create(System::Convert::ToString(magic, 16)));
-}
-
-static FirmwareType_e ReadFirmwareType(BinaryReader& reader) {
-    const auto type = static_cast<FirmwareType_e>(reader.ReadUInt16());
-    switch (type) {
-    case FirmwareType_e::BOOTLOADER_FIRMWARE:
-    case FirmwareType_e::APPLICATION_FIRMWARE:
-    case FirmwareType_e::CONFIGURATION_FIRMWARE:
-        return type;
+    void Magic(unsigned short expected) {
+        const unsigned short magic = _reader->ReadUInt16();
+        if (magic != expected)
+            System::_env_throw(FormatException::Create(System::Convert::ToString(magic, 16)));
     }
-    System::_env_throw(FormatException::Create(TarnFile::FirmwareTypeToString(type)));
-}
 
-static std::shared_ptr<IArray<unsigned char>> ReadEraseSegmentsCount(BinaryReader& reader) {
-    const auto counts = Array<unsigned char>::Create(ERASE_SEGMENTS_COUNT_SIZE);
-    for (int i = 0; i < ERASE_SEGMENTS_COUNT_SIZE; ++i)
-        counts->Set(i, reader.ReadUInt8());
-    return counts;
-}
+    void Type(FirmwareType_e& type) {
+        type = static_cast<FirmwareType_e>(_reader->ReadUInt16());
+        switch (type) {
+        case FirmwareType_e::BOOTLOADER_FIRMWARE:
+        case FirmwareType_e::APPLICATION_FIRMWARE:
+        case FirmwareType_e::CONFIGURATION_FIRMWARE:
+            return;
+        }
+        System::_env_throw(FormatException::Create(TarnFile::FirmwareTypeToString(type)));
+    }
 
-static void ReadReserved(BinaryReader& reader) {
-    for (int i = 0; i < RESERVED_SIZE; ++i) {
-        const unsigned char value = reader.ReadUInt8();
+    void Number(unsigned char& value) { value = _reader->ReadUInt8(); }
+
+    void Number(unsigned short& value) { value = _reader->ReadUInt16(); }
+
+    void Number(unsigned int& value) { value = _reader->ReadUInt32(); }
+
+    void Zero(int index) {
+        const unsigned char value = _reader->ReadUInt8();
         if (value != 0)
-            System::_env_throw(FormatException::Create(StringBuilder()
-                                                           .Append("Unknown data in reserved[")
-                                                           .Append(i)
-                                                           .Append("]: ")
-                                                           .Append(value)
-                                                           .AppendLine()
-                                                           .ToString()));
+            System::_env_throw(FormatException::Create("Unknown data in reserved[" + std::to_string(index) +
+                                                       "]: " + std::to_string(value) + "\n"));
     }
-}
+
+private:
+    std::shared_ptr<BinaryReader> _reader;
+    std::shared_ptr<Stream> _stream;
+};
+
+} // namespace
 
 /// Nothing is allocated before the stream is known to hold it: a damaged length must not cost 2 GiB.
 static std::shared_ptr<IArray<unsigned char>> ReadProgram(Stream& stream, unsigned int length) {
@@ -99,25 +102,17 @@ std::shared_ptr<TarnFile> TarnFile::FromPath(const String& path) {
 }
 
 std::shared_ptr<TarnFile> TarnFile::FromStream(const std::shared_ptr<Stream>& stream) {
-    const auto reader = BinaryReader::Create(stream, true);
-    const String description = ReadDescription(*reader);
-    stream->Seek(DESCRIPTION_SIZE, System::IO::SeekOrigin::BEGIN);
-    ReadMagic(*reader);
-    const FirmwareType_e firmwareType = ReadFirmwareType(*reader);
-    const unsigned short moduleId = reader->ReadUInt16();
-    const unsigned short eraseSegments = reader->ReadUInt16();
-    const unsigned int addressBurnStart = reader->ReadUInt32();
-    const unsigned int programLength = reader->ReadUInt32();
-    const unsigned int crcStart = reader->ReadUInt32();
-    const unsigned int crcLength = reader->ReadUInt32();
-    const unsigned short crc = reader->ReadUInt16();
-    const unsigned char oldestMajor = reader->ReadUInt8();
-    const unsigned char oldestMinor = reader->ReadUInt8();
-    const auto eraseSegmentsCount = ReadEraseSegmentsCount(*reader);
-    ReadReserved(*reader);
-    return System::MakeShared<TarnFile>(description, firmwareType, moduleId, eraseSegments, addressBurnStart,
-                                        crcStart, crcLength, crc, oldestMajor, oldestMinor,
-                                        eraseSegmentsCount, ReadProgram(*stream, programLength));
+    FirmwareHeader header;
+    HeaderReader reader(stream);
+    header.Pass(reader);
+    const auto& text = header.description;
+    const auto& counts = header.eraseSegmentsCount;
+    return System::MakeShared<TarnFile>(
+        std::string(text.begin(), std::find(text.begin(), text.end(), '\0')), header.type, header.moduleId,
+        header.eraseSegments, header.addressBurnStart, header.crcStart, header.crcLength, header.crc,
+        header.oldestMajor, header.oldestMinor,
+        Array<unsigned char>::Create(std::vector<unsigned char>(counts.begin(), counts.end())),
+        ReadProgram(*stream, header.programLength));
 }
 
 TarnFile::TarnFile(String description, FirmwareType_e firmwareType, unsigned short moduleId,
