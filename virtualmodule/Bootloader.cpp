@@ -18,31 +18,26 @@ constexpr std::uint8_t AREA_BITS = ApplicationIndication_t::FBCTRL | Application
 
 } // namespace
 
-Bootloader::Bootloader(Board& board, std::int64_t now)
+Bootloader::Bootloader(Board& board, Flash& flash, const Options& options, const Kit& kit)
     : _board(board),
-      _commands(board.flash, board.options, board.watch),
-      _mailbox(board.dpRam, board.watch, board.faults, BootloaderMap::MAILBOX_IN,
-               [this](const Message& request) { return _commands.Handle(request); }),
-      _bootAt(now + board.BootDelay()) {
+      _commands(flash, board.watch, options.eraseTime, options.burnTime),
+      _mailbox(kit.MakeMailbox(board, BootloaderMap::MAILBOX_IN,
+                               [this](const Message& request) { return _commands.Handle(request); })) {
     _board.dpRam.Clear();
     _board.dpRam.GiveToHost(BootloaderMap::APPLICATION_INDICATION, 1);
-    WriteControlBlock();
+    WriteControlBlock(flash, options);
 }
 
-void Bootloader::WriteControlBlock() {
+void Bootloader::WriteControlBlock(const Flash& flash, const Options& options) {
     using namespace BootloaderMap::Ctrl;
     DpRam& dpRam = _board.dpRam;
-    const Version version = _board.flash.bootloader.version;
-    FaultInjector& faults = _board.faults;
-    dpRam.Write8(OFFSET + BOOTLOADER_MAJOR, faults.Value(FaultId::BOOTLOADER_MAJOR, version.major));
+    const Version version = flash.bootloader.version;
+    dpRam.Write8(OFFSET + BOOTLOADER_MAJOR, version.major);
     dpRam.Write8(OFFSET + BOOTLOADER_MINOR, version.minor);
-    dpRam.Write32(OFFSET + SERIAL, _board.flash.serial);
-    dpRam.Write16(OFFSET + VENDOR_ID,
-                  faults.Value(FaultId::WRONG_VENDOR_ID, _board.options.bootloaderVendorId));
-    dpRam.Write16(OFFSET + FIELDBUS_TYPE,
-                  faults.Value(FaultId::WRONG_FIELDBUS_TYPE, _board.options.bootloaderFieldbusType));
-    dpRam.Write16(OFFSET + MODULE_TYPE,
-                  faults.Value(FaultId::WRONG_MODULE_TYPE, _board.options.bootloaderModuleType));
+    dpRam.Write32(OFFSET + SERIAL, flash.serial);
+    dpRam.Write16(OFFSET + VENDOR_ID, options.bootloaderVendorId);
+    dpRam.Write16(OFFSET + FIELDBUS_TYPE, options.bootloaderFieldbusType);
+    dpRam.Write16(OFFSET + MODULE_TYPE, options.bootloaderModuleType);
 }
 
 void Bootloader::Step(std::int64_t now) {
@@ -51,15 +46,14 @@ void Bootloader::Step(std::int64_t now) {
         return;
     }
     TakeHostRegister();
-    Indicate(_mailbox.Step(now));
+    Indicate(_mailbox->Step(now), now);
 }
 
 void Bootloader::Boot(std::int64_t now) {
-    if (now >= _bootAt) {
+    if (_board.TakeTurn(now, 0)) {
         _booted = true;
-        _mailbox.Open();
-        _module = Low(_board.faults.Value(FaultId::BOOT_HANDSHAKE, _module));
-        RaiseInterrupt();
+        _mailbox->Open();
+        Indicate();
     }
 }
 
@@ -76,25 +70,22 @@ void Bootloader::TakeHostRegister() {
     if (changed & ApplicationIndication_t::EVENT)
         _board.watch.Report(Violation::EVENT_NOT_REPORTED, Hex(value));
     if (changed & ApplicationIndication_t::M_OUT)
-        _mailbox.Acknowledged();
+        _mailbox->Acknowledged();
     if (changed & ApplicationIndication_t::M_IN)
-        _mailbox.Notified();
+        _mailbox->Notified();
 }
 
-void Bootloader::Indicate(Mailbox::Turn mail) {
+void Bootloader::Indicate(Mailbox::Turn mail, std::int64_t now) {
     const unsigned toggled =
         (mail.taken ? VelmoIndication_t::M_IN : 0u) | (mail.updated ? VelmoIndication_t::M_OUT : 0u);
-    if (toggled != 0) {
+    if (toggled != 0 && _board.TakeTurn(now, 0)) {
         _module = Low(_module ^ toggled);
-        RaiseInterrupt();
+        Indicate();
     }
 }
 
-void Bootloader::RaiseInterrupt() {
-    if (!_board.ComesToInterrupt())
-        return;
-    _board.dpRam.WriteRegister(BootloaderMap::VELMO_INDICATION, _module);
-    _board.RaiseInterrupt();
+void Bootloader::Indicate() {
+    _board.Indicate({BootloaderMap::VELMO_INDICATION}, _module);
     _board.watch.Log([&] { return "indication " + Hex(_module); });
 }
 

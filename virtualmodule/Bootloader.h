@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "virtualmodule/Board.h"
+#include "virtualmodule/Options.h"
 #include "virtualmodule/commands/DownloadCommands.h"
-#include "virtualmodule/commands/Mailbox.h"
+#include "virtualmodule/commands/Kit.h"
 
 namespace VirtualModule {
 
@@ -11,8 +11,8 @@ namespace VirtualModule {
 /// changes, and sees the host's change by itself. It has no process data.
 class Bootloader {
 public:
-    /// Boots at `now`.
-    Bootloader(Board& board, std::int64_t now);
+    /// Boots on a board with such a flash.
+    Bootloader(Board& board, Flash& flash, const Options& options, const Kit& kit);
     Bootloader(const Bootloader&) = delete;
     Bootloader& operator=(const Bootloader&) = delete;
 
@@ -20,17 +20,16 @@ public:
     void Step(std::int64_t now);
 
 private:
-    void WriteControlBlock();
+    void WriteControlBlock(const Flash& flash, const Options& options);
     void Boot(std::int64_t now);
     void TakeHostRegister();
-    void Indicate(Mailbox::Turn mail);
-    void RaiseInterrupt();
+    void Indicate(Mailbox::Turn mail, std::int64_t now);
+    void Indicate();
 
     Board& _board;
     DownloadCommands _commands;
-    Mailbox _mailbox;
+    std::unique_ptr<Mailbox> _mailbox;
     bool _booted = false;
-    std::int64_t _bootAt = 0;
     std::uint8_t _host = 0;   // the host's register, as last seen
     std::uint8_t _module = 0; // the module's register
 };

@@ -1,33 +1,22 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "virtualmodule/Board.h"
-#include "virtualmodule/bus/ProcessData.h"
+#include "virtualmodule/Options.h"
 #include "virtualmodule/commands/AcyclicCommands.h"
 #include "virtualmodule/commands/BusCommands.h"
 #include "virtualmodule/commands/DatabaseCommands.h"
 #include "virtualmodule/commands/InitCommands.h"
-#include "virtualmodule/commands/Mailbox.h"
+#include "virtualmodule/commands/Kit.h"
+#include "virtualmodule/wires/FatalEvent.h"
 
 namespace VirtualModule {
-
-/// Why the module stops, as the fatal-event block shows it.
-struct FatalEvent {
-    std::uint16_t errorCode = 0;
-    std::uint16_t errorCause = 0;
-    std::uint16_t taskId = 0;
-    std::uint64_t timeStamp = 0; // milliseconds
-    Bytes additionalInfo;        // the first 24 bytes count
-    std::uint16_t sourceLine = 0;
-    std::string sourceFile; // the first 26 characters count
-};
 
 /// The module's firmware: the DP-V1 master. It speaks through its interrupt: an indication, then the host's
 /// one answer to it, and only then the next indication, empty when there is nothing to say.
 class Master {
 public:
-    /// Boots at `now`.
-    Master(Board& board, std::int64_t now);
+    /// Boots on a board with such a flash and such devices on its cable.
+    Master(Board& board, Flash& flash, Stations& stations, const Options& options, const Kit& kit);
     Master(const Master&) = delete;
     Master& operator=(const Master&) = delete;
 
@@ -48,12 +37,9 @@ private:
         STOPPED,    // a fatal event was reported; only a reset helps
     };
 
-    void WriteIdentity();
+    void WriteIdentity(const Flash& flash);
     void Indicate(std::int64_t now);
-    bool Reboots();
-    std::uint8_t BootIndication();
     std::uint8_t NextIndication(std::int64_t now);
-    void RaiseInterrupt(std::uint8_t indication, std::int64_t now);
 
     bool HostHasWritten() const;
     std::uint8_t TakeHostRegister();
@@ -63,16 +49,16 @@ private:
     Answer Handle(const Message& request);
 
     Board& _board;
+    const Options& _options;
     Bus _bus;
     InitCommands _initCommands;
     DatabaseCommands _databaseCommands;
     BusCommands _busCommands;
     AcyclicCommands _acyclicCommands;
-    Mailbox _mailbox;
-    ProcessData _processData;
+    std::unique_ptr<Mailbox> _mailbox;
+    std::unique_ptr<ProcessData> _processData;
     State _state = State::BOOTING;
-    std::int64_t _due = 0; // when the next interrupt may be raised
-    bool _booted = false;  // power-on was indicated
+    bool _booted = false; // power-on was indicated
     bool _fatal = false;
     bool _log = false;
     bool _logHandedOver = false;

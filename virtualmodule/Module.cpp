@@ -1,35 +1,40 @@
 // SPDX-License-Identifier: MIT
 #include "virtualmodule/Module.h"
 
+#include "virtualmodule/faults/FaultyKit.h"
+
 #include <stdexcept>
 
 namespace VirtualModule {
 
 Module::Module(std::span<volatile std::uint8_t> dpRam, Lines& lines, Flash& flash, Clock clock,
                Options options)
-    : _board(dpRam, lines, flash, std::move(options)), _clock(std::move(clock)) {}
-
-void Module::Step() {
-    if (!_board.faultyDpRam) {
-        StepPrograms();
-        return;
+    : _options(std::move(options)), _flash(flash), _clock(std::move(clock)) {
+    if (_options.faults.empty()) {
+        _kit = std::make_unique<Kit>();
+    } else {
+        _faults = std::make_unique<FaultInjector>(_options.faults, _watch);
+        _kit = std::make_unique<FaultyKit>(*_faults);
     }
-    _board.faultyDpRam->TakeHostWrites();
-    StepPrograms();
-    _board.faultyDpRam->Show();
+    _board = _kit->MakeBoard({dpRam, lines, _watch, _options.bootDelay, _options.beforeInterrupt});
 }
 
-void Module::StepPrograms() {
-    if (_board.lines.ResetAsserted()) {
-        HoldInReset();
-        return;
-    }
+void Module::Step() {
     const std::int64_t now = _clock();
-    if (_board.lines.Generation() != _board.generation)
-        Boot(now);
-    if (!_board.RepeatInterrupt()) {
+    switch (_board->Look(now)) {
+    case Board::Phase::HELD:
+        PowerOff();
+        return;
+    case Board::Phase::BOOTS:
+        PowerOff();
+        Boot();
         StepProgram(now);
-        HandleOutage(now);
+        return;
+    case Board::Phase::RUNS:
+        StepProgram(now);
+        return;
+    case Board::Phase::STANDS:
+        return;
     }
 }
 
@@ -40,55 +45,22 @@ void Module::StepProgram(std::int64_t now) {
         _bootloader->Step(now);
 }
 
-void Module::HandleOutage(std::int64_t now) {
-    switch (_board.faults.TakeOutage()) {
-    case FaultInjector::Outage::NONE:
-        return;
-    case FaultInjector::Outage::DEAD:
-        _master.reset();
-        _bootloader.reset();
-        return;
-    case FaultInjector::Outage::REBOOT:
-        Boot(now);
-        return;
-    }
-}
-
-void Module::HoldInReset() {
-    PowerOff();
-    if (_board.faults.Strikes(FaultId::RESET_IRQ_STUCK)) {
-        _board.lines.OverrideReset();
-        _board.generation = _board.lines.Generation();
-        _off = false;
-    }
-}
-
 void Module::PowerOff() {
-    if (_off)
-        return;
-    _off = true;
-    _board.faults.Count(Counts::BOOTS);
     if (_master || _bootloader)
-        _board.watch.Log([] { return std::string("held in reset"); });
+        _watch.Log([] { return std::string("held in reset"); });
     _master.reset();
     _bootloader.reset();
 }
 
-void Module::Boot(std::int64_t now) {
-    PowerOff();
-    _off = false;
-    _board.interrupted = false;
-    _board.generation = _board.lines.Generation();
-    if (_board.faults.Strikes(FaultId::BOOT_SILENT))
-        return;
-    if (_board.lines.BootloaderEnabled()) {
-        _board.watch.Log([] { return std::string("boots as the bootloader"); });
-        _bootloader = std::make_unique<Bootloader>(_board, now);
-    } else if (_board.flash.application.valid) {
-        _board.watch.Log([] { return std::string("boots as the master"); });
-        _master = std::make_unique<Master>(_board, now);
+void Module::Boot() {
+    if (_board->BootloaderEnabled()) {
+        _watch.Log([] { return std::string("boots as the bootloader"); });
+        _bootloader = std::make_unique<Bootloader>(*_board, _flash, _options, *_kit);
+    } else if (_flash.application.valid) {
+        _watch.Log([] { return std::string("boots as the master"); });
+        _master = std::make_unique<Master>(*_board, _flash, _stations, _options, *_kit);
     } else {
-        _board.watch.Log([] { return std::string("has no valid application and stays silent"); });
+        _watch.Log([] { return std::string("has no valid application and stays silent"); });
     }
 }
 
@@ -99,10 +71,10 @@ Master& Module::RunningMaster() {
 }
 
 void Module::SetSlavePresent(std::uint8_t address, bool present) {
-    _board.watch.Log([&] {
+    _watch.Log([&] {
         return "slave " + std::to_string(address) + (present ? " put on the bus" : " taken off the bus");
     });
-    _board.stations.SetPresent(address, present);
+    _stations.SetPresent(address, present);
 }
 
 } // namespace VirtualModule

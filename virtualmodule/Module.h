@@ -3,6 +3,7 @@
 
 #include "virtualmodule/Bootloader.h"
 #include "virtualmodule/Master.h"
+#include "virtualmodule/faults/FaultInjector.h"
 
 #include <memory>
 
@@ -19,10 +20,11 @@ namespace VirtualModule {
 /// that a mistake on one side shows on the other. It trusts no length and no value that the host writes, and
 /// watches what the host must never do; Violations() tells.
 ///
-/// Where to look: Master and Bootloader are the two programs with their handshakes; Mailbox takes requests
-/// and puts answers; the *Commands classes carry them out; ProcessData has the cyclic data and the status
-/// section; Bus is the master's view of its slaves, Stations are the devices on the cable. Faults is the
-/// table of what can be made to go wrong, and FaultInjector what the others ask whether it does.
+/// Where to look: Master and Bootloader are the two programs with their handshakes; the folder wires has the
+/// board that they run on, flash what it keeps, bus the master's view of its slaves and the devices on the
+/// cable, commands the mailbox and what carries out its requests. Each of these is an honest part; faults has
+/// the table of what can be made to go wrong, and parts that do it, which take the place of the honest ones
+/// in a module that is to have faults.
 class Module {
 public:
     using Clock = std::function<std::int64_t()>;
@@ -39,19 +41,23 @@ public:
     void Step();
 
     /// What the host did that it must not do, in order; each begins with a name from namespace Violation.
-    const std::vector<std::string>& Violations() const { return _board.watch.Violations(); }
+    const std::vector<std::string>& Violations() const { return _watch.Violations(); }
 
     /// Where the log goes from now on: every request, answer, indication and change of state, a line each.
-    void SetLog(Watch::Sink log) { _board.watch.SetLog(std::move(log)); }
+    void SetLog(Watch::Sink log) { _watch.SetLog(std::move(log)); }
 
-    /// How often something has happened that the STEP of a fault counts, since the module was made.
-    unsigned Counted(Counts what) const { return _board.faults.Counted(what); }
+    /// How often something has happened that the STEP of a fault counts, since the module was made; a module
+    /// without faults counts nothing.
+    unsigned Counted(Counts what) const { return _faults ? _faults->Counted(what) : 0; }
 
     /// Whether any of its faults has struck.
-    bool FaultHasStruck() const { return _board.faults.HasStruck(); }
+    bool FaultHasStruck() const { return _faults && _faults->HasStruck(); }
 
     /// Nothing goes wrong from now on; what went wrong stays so until the next reset.
-    void ClearFaults() { _board.faults.Clear(); }
+    void ClearFaults() {
+        if (_faults)
+            _faults->Clear();
+    }
 
     /// Takes a slave off the bus or puts it back, in any state of the module.
     void SetSlavePresent(std::uint8_t address, bool present);
@@ -63,17 +69,19 @@ public:
     void RaiseLog() { RunningMaster().RaiseLog(); }
 
 private:
-    void StepPrograms();
     void StepProgram(std::int64_t now);
-    void HoldInReset();
     void PowerOff();
-    void Boot(std::int64_t now);
-    void HandleOutage(std::int64_t now);
+    void Boot();
     Master& RunningMaster();
 
-    Board _board;
+    const Options _options;
+    Flash& _flash;
     Clock _clock;
-    bool _off = false;                       // reset came and the boot is still to come
+    Watch _watch;
+    Stations _stations;
+    std::unique_ptr<FaultInjector> _faults;
+    std::unique_ptr<const Kit> _kit;
+    std::unique_ptr<Board> _board;
     std::unique_ptr<Master> _master;         // set while it runs
     std::unique_ptr<Bootloader> _bootloader; // set while it runs
 };

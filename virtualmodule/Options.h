@@ -1,15 +1,13 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "virtualmodule/bus/Bus.h"
 #include "virtualmodule/faults/Fault.h"
 
 #include <functional>
 #include <vector>
 
 namespace VirtualModule {
-
-/// The operation modes of a DP master.
-enum class OperationMode : std::uint8_t { OFFLINE = 0x00, STOP = 0x40, CLEAR = 0x80, OPERATE = 0xC0 };
 
 /// What differs from one module to another. Times are nanoseconds of the module's clock.
 struct Options {

@@ -180,8 +180,10 @@ std::string FaultRuns::Live(const FaultRun& run) const {
 /// What does not strike, or only when hardly anything is left to be done, changes nothing. The example of a
 /// row always strikes.
 std::vector<const Outcome*> FaultRuns::PromisedOf(const FaultRun& run, bool struck) const {
-    if (run.moduleFaults.empty() || run.usual)
+    if (run.moduleFaults.empty() || (run.usual && struck))
         return run.promised;
+    if (run.usual)
+        return {};
     if (!struck)
         return {&Outcomes::SAME_DATA};
     const Fault& fault = run.moduleFaults.front();

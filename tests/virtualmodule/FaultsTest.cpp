@@ -104,8 +104,8 @@ TEST(FaultsTest, StrikesFromItsStepOnAsOftenAsItShould) {
     for (int i = 0; i < 5; ++i) {
         faults.Count(Counts::BOOTS);
         faults.Count(Counts::INTERRUPTS);
-        dead += faults.Strikes(FaultId::DEAD) ? "x" : ".";
-        late += std::to_string(faults.Value(FaultId::BOOT_LATE, 0));
+        dead += faults.Strike(FaultId::DEAD) ? "x" : ".";
+        late += std::to_string(faults.Falsify(FaultId::BOOT_LATE, 0));
     }
     EXPECT_EQ(dead, ".xx..");
     EXPECT_EQ(late, "50777");

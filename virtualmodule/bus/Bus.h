@@ -1,11 +1,13 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "virtualmodule/Options.h"
 #include "virtualmodule/bus/Station.h"
-#include "virtualmodule/commands/Message.h"
+#include "virtualmodule/wires/Message.h"
 
 namespace VirtualModule {
+
+/// The operation modes of a DP master.
+enum class OperationMode : std::uint8_t { OFFLINE = 0x00, STOP = 0x40, CLEAR = 0x80, OPERATE = 0xC0 };
 
 /// One bit per station: station n is bit n % 8 of byte n / 8.
 using StationList = std::array<std::uint8_t, 16>;

@@ -11,11 +11,10 @@ using Vesk::Modules::DPVM::OutAreaIndication_t;
 
 namespace VirtualModule {
 
-ProcessData::ProcessData(DpRam& dpRam, Bus& bus, Watch& watch, FaultInjector& faults)
-    : _dpRam(dpRam),
+ProcessData::ProcessData(Board& board, Bus& bus)
+    : _dpRam(board.dpRam),
       _bus(bus),
-      _watch(watch),
-      _faults(faults),
+      _watch(board.watch),
       _input(MasterMap::INPUT_AREA_SIZE),
       _output(MasterMap::OUTPUT_AREA_SIZE) {}
 
@@ -51,15 +50,19 @@ void ProcessData::OutputReleased() {
 bool ProcessData::HandOverOutput() {
     if (!_bus.Running() || _outputHandedOver)
         return false;
-    const BusStatus status = _bus.Status();
-    const unsigned written = WriteModuleStatus(status) | WriteFieldbusStatus(status) | WriteOutputData();
-    const unsigned changed = written | FalsifyStatus();
-    _reported = status;
+    const unsigned changed = WriteChanges();
     if (changed == 0)
         return false;
     _dpRam.Write16(MasterMap::OutArea::OFFSET + MasterMap::OutArea::INDICATION, changed);
     _outputHandedOver = true;
     return true;
+}
+
+unsigned ProcessData::WriteChanges() {
+    const BusStatus status = _bus.Status();
+    const unsigned changed = WriteModuleStatus(status) | WriteFieldbusStatus(status) | WriteOutputData();
+    _reported = status;
+    return changed;
 }
 
 std::uint16_t ProcessData::WriteModuleStatus(const BusStatus& status) {
@@ -99,39 +102,6 @@ std::uint16_t ProcessData::WriteFieldbusStatus(const BusStatus& status) {
     }
     _dpRam.Write16(OFFSET + CHANGE, changes);
     return changes != 0 ? OutAreaIndication_t::FIELDBUS_STATUS : std::uint16_t{0};
-}
-
-/// Writes what a fault makes the status registers say; returns the changes that announce it.
-unsigned ProcessData::FalsifyStatus() {
-    using namespace MasterMap;
-    unsigned changed = 0;
-    const auto sayStatus = [&](unsigned status) {
-        _dpRam.Write16(OutArea::OFFSET + OutArea::MODULE_STATUS, status);
-        changed |= OutAreaIndication_t::MODULE_STATUS;
-    };
-    const auto sayChange = [&](unsigned change) {
-        const std::uint16_t offset = FieldbusStatus::OFFSET + FieldbusStatus::CHANGE;
-        _dpRam.Write16(offset, Word(_dpRam.Read8(offset), _dpRam.Read8(offset + 1)) | change);
-        changed |= OutAreaIndication_t::FIELDBUS_STATUS;
-    };
-
-    _faults.Count(Counts::OUTPUT_TURNS);
-    changed |= _faults.Value(FaultId::AREA_RESERVED, 0);
-    if (const Fault* fault = _faults.Strikes(FaultId::STATUS_RESERVED))
-        sayStatus(fault->value);
-    if (_faults.Strikes(FaultId::OFFLINE_AND_ONLINE))
-        sayStatus(ModuleStatus_t::OFFLINE | ModuleStatus_t::ONLINE);
-    if (_faults.Strikes(FaultId::DOUBLE_ONLINE))
-        sayStatus(ModuleStatus_t::ONLINE);
-    if (_faults.Strikes(FaultId::DOUBLE_OFFLINE))
-        sayStatus(ModuleStatus_t::OFFLINE);
-    if (const Fault* fault = _faults.Strikes(FaultId::CHANGE_RESERVED))
-        sayChange(fault->value);
-    if (const Fault* fault = _faults.Strikes(FaultId::INVALID_MODE)) {
-        _dpRam.Write8(FieldbusStatus::OFFSET + FieldbusStatus::MASTER_STATUS, fault->value);
-        sayChange(FieldbusChange_t::MASTER_STATUS);
-    }
-    return changed;
 }
 
 std::uint16_t ProcessData::WriteOutputData() {

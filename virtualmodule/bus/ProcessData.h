@@ -2,9 +2,7 @@
 #pragma once
 
 #include "virtualmodule/bus/Bus.h"
-#include "virtualmodule/faults/FaultInjector.h"
-#include "virtualmodule/wires/DpRam.h"
-#include "virtualmodule/wires/Watch.h"
+#include "virtualmodule/wires/Board.h"
 
 namespace VirtualModule {
 
@@ -14,7 +12,10 @@ namespace VirtualModule {
 /// has it, the output area whenever something in it has changed.
 class ProcessData {
 public:
-    ProcessData(DpRam& dpRam, Bus& bus, Watch& watch, FaultInjector& faults);
+    ProcessData(Board& board, Bus& bus);
+    virtual ~ProcessData() = default;
+    ProcessData(const ProcessData&) = delete;
+    ProcessData& operator=(const ProcessData&) = delete;
 
     /// One bus cycle with what the host last released.
     void Exchange();
@@ -27,16 +28,18 @@ public:
     /// The host gave the output area back.
     void OutputReleased();
 
+protected:
+    /// Writes what has changed since the last time; what it is, for the out-area indication register.
+    virtual unsigned WriteChanges();
+
 private:
     std::uint16_t WriteModuleStatus(const BusStatus& status);
     std::uint16_t WriteFieldbusStatus(const BusStatus& status);
     std::uint16_t WriteOutputData();
-    unsigned FalsifyStatus();
 
     DpRam& _dpRam;
     Bus& _bus;
     Watch& _watch;
-    FaultInjector& _faults;
     bool _inputHandedOver = false;
     bool _outputHandedOver = false;
     Bytes _input;         // what the host last wrote

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "virtualmodule/commands/Message.h"
+#include "virtualmodule/wires/Message.h"
 #include "virtualmodule/wires/Watch.h"
 
 #include <functional>

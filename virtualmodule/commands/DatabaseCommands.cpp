@@ -8,32 +8,22 @@ namespace VirtualModule {
 namespace {
 
 constexpr std::uint16_t FRAGMENT_SIZE = Vesk::HostInterface::MailboxDpRam::MAX_DATA_SIZE;
-// The description's place in the flash, at the least; what the text leaves over of it reads as erased.
-constexpr std::size_t DESCRIPTION_SIZE = 32;
-constexpr std::uint8_t ERASED = 0xFF;
 // The extended word that says why a database command failed, and what it says when there is no database.
 constexpr std::size_t REASON_WORD = 7;
 constexpr std::uint16_t NO_DATABASE = 1;
-
-/// Another description that still is a hexadecimal number.
-void ChangeFirstDigit(Bytes& description) {
-    if (!description.empty())
-        description[0] = description[0] == '0' ? '1' : '0';
-}
 
 } // namespace
 
 const std::array<Command<DatabaseCommands>, 6> DatabaseCommands::COMMANDS{{
     {0x10, "StartDatabaseDownload", 0, 0, &DatabaseCommands::StartDatabaseDownload},
-    {0x11, "EndDatabaseDownload", 0, FRAGMENT_SIZE, &DatabaseCommands::EndDatabaseDownload},
+    {END_DATABASE_DOWNLOAD, "EndDatabaseDownload", 0, FRAGMENT_SIZE, &DatabaseCommands::EndDatabaseDownload},
     {0x12, "MasterRecordDownload", 0, FRAGMENT_SIZE, &DatabaseCommands::MasterRecordDownload},
     {0x14, "SlaveRecordDownload", 1, FRAGMENT_SIZE, &DatabaseCommands::SlaveRecordDownload},
     {0x16, "DeleteDatabase", 0, 0, &DatabaseCommands::DeleteDatabase},
-    {0x17, "GetDatabaseInfo", 0, 0, &DatabaseCommands::GetDatabaseInfo},
+    {GET_DATABASE_INFO, "GetDatabaseInfo", 0, 0, &DatabaseCommands::GetDatabaseInfo},
 }};
 
-DatabaseCommands::DatabaseCommands(Flash& flash, Watch& watch, FaultInjector& faults)
-    : _flash(flash), _watch(watch), _faults(faults) {}
+DatabaseCommands::DatabaseCommands(Flash& flash, Watch& watch) : _flash(flash), _watch(watch) {}
 
 std::optional<Answer> DatabaseCommands::Handle(const Message& request, bool initialised) {
     _initialised = initialised;
@@ -123,8 +113,6 @@ Answer DatabaseCommands::EndDatabaseDownload(const Message& request) {
         return ErrorCode::COMMAND;
     Database& database = Write();
     database.description = request.data;
-    if (_faults.Strikes(FaultId::DATABASE_READ_BACK))
-        ChangeFirstDigit(database.description);
     database.state = Database::State::COMPLETE;
     _started = _deleted = false;
     return Answer(request);
@@ -132,26 +120,15 @@ Answer DatabaseCommands::EndDatabaseDownload(const Message& request) {
 
 Answer DatabaseCommands::GetDatabaseInfo(const Message& request) {
     const Database& database = _flash.database;
-    _faults.Count(Counts::DATABASE_INFOS);
-    if (!database.Complete() || _faults.Strikes(FaultId::DATABASE_NONE))
+    if (!database.Complete())
         return NoDatabase();
     const Database::Lengths lengths = database.GetLengths();
     Bytes text = database.description;
-    Falsify(text);
     text.resize(std::max(text.size(), DESCRIPTION_SIZE), ERASED);
     Answer answer(request, std::move(text));
     answer.extended = {lengths.totalOutput, lengths.totalInput, lengths.initOutput, lengths.initInput,
                        Word(static_cast<unsigned>(database.slaves.size()), 0)};
     return answer;
-}
-
-void DatabaseCommands::Falsify(Bytes& description) {
-    if (_faults.Strikes(FaultId::DATABASE_CHECKSUM))
-        ChangeFirstDigit(description);
-    if (_faults.Strikes(FaultId::DATABASE_NOT_HEX))
-        std::fill(description.begin(), description.end(), std::uint8_t{'z'});
-    description.resize(_faults.Value(FaultId::DATABASE_LENGTH, static_cast<unsigned>(description.size())),
-                       std::uint8_t{'0'});
 }
 
 Database& DatabaseCommands::Write() {

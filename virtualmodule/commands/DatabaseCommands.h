@@ -2,7 +2,6 @@
 #pragma once
 
 #include "virtualmodule/commands/Answer.h"
-#include "virtualmodule/faults/FaultInjector.h"
 #include "virtualmodule/flash/Flash.h"
 
 namespace VirtualModule {
@@ -13,7 +12,14 @@ namespace VirtualModule {
 /// one answers FLASH_CONFIG_ERROR. Nothing of it works once the module is initialised, except reading.
 class DatabaseCommands {
 public:
-    DatabaseCommands(Flash& flash, Watch& watch, FaultInjector& faults);
+    static constexpr std::uint16_t END_DATABASE_DOWNLOAD = 0x11;
+    static constexpr std::uint16_t GET_DATABASE_INFO = 0x17;
+
+    /// The description's place in the flash, at the least; what the text leaves over of it reads as erased.
+    static constexpr std::size_t DESCRIPTION_SIZE = 32;
+    static constexpr std::uint8_t ERASED = 0xFF;
+
+    DatabaseCommands(Flash& flash, Watch& watch);
 
     /// Nothing if the command is none of these. `initialised`: the database is in use.
     std::optional<Answer> Handle(const Message& request, bool initialised);
@@ -33,12 +39,10 @@ private:
 
     ErrorCode CheckFragment(const Message& request) const;
     ErrorCode StoreSlave();
-    void Falsify(Bytes& description);
     Database& Write();
 
     Flash& _flash;
     Watch& _watch;
-    FaultInjector& _faults;
     bool _initialised = false;
     bool _started = false; // StartDatabaseDownload came
     bool _deleted = false; // and DeleteDatabase after it: records may come

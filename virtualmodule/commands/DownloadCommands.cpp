@@ -29,8 +29,8 @@ const std::array<Command<DownloadCommands>, 6> DownloadCommands::BOOTLOADER_COMM
     {6, "BlDownloadLast", CRC_INFO_SIZE, CRC_INFO_SIZE, &DownloadCommands::BlDownloadLast},
 }};
 
-DownloadCommands::DownloadCommands(Flash& flash, const Options& options, Watch& watch)
-    : _flash(flash), _options(options), _watch(watch) {}
+DownloadCommands::DownloadCommands(Flash& flash, Watch& watch, std::int64_t eraseTime, std::int64_t burnTime)
+    : _flash(flash), _watch(watch), _eraseTime(eraseTime), _burnTime(burnTime) {}
 
 Answer DownloadCommands::Handle(const Message& request) {
     std::optional<Answer> answer;
@@ -64,7 +64,7 @@ Answer DownloadCommands::FlashErase(const Message& request) {
     _flash.application.image.clear();
     ++_flash.writes;
     Answer answer(request);
-    answer.delay = _options.eraseTime;
+    answer.delay = _eraseTime;
     return answer;
 }
 
@@ -136,7 +136,7 @@ Answer DownloadCommands::Finish(const Message& request, FlashRegion& region) {
         return ErrorCode::FLASH_CONFIG_ERROR;
     _step = Step::BURNING;
     Answer answer(request);
-    answer.delay = _options.burnTime;
+    answer.delay = _burnTime;
     answer.finish = [this, &region] {
         region.version = VersionOf(_image, region.version.major);
         region.image = std::move(_image);

@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "virtualmodule/Options.h"
 #include "virtualmodule/commands/Answer.h"
 #include "virtualmodule/flash/Flash.h"
 
@@ -17,7 +16,8 @@ namespace VirtualModule {
 /// was sent, or a seal of the image that does not hold, answers FLASH_CONFIG_ERROR.
 class DownloadCommands {
 public:
-    DownloadCommands(Flash& flash, const Options& options, Watch& watch);
+    /// `eraseTime` and `burnTime` are the nanoseconds that FlashErase and the last command take.
+    DownloadCommands(Flash& flash, Watch& watch, std::int64_t eraseTime, std::int64_t burnTime);
 
     /// Carries out any request to the bootloader.
     Answer Handle(const Message& request);
@@ -52,8 +52,9 @@ private:
     Answer Finish(const Message& request, FlashRegion& region);
 
     Flash& _flash;
-    const Options& _options;
     Watch& _watch;
+    std::int64_t _eraseTime;
+    std::int64_t _burnTime;
     Step _step = Step::LOCKED;
     // The image that is coming in.
     Bytes _image;

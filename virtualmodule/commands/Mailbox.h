@@ -2,8 +2,7 @@
 #pragma once
 
 #include "virtualmodule/commands/Answer.h"
-#include "virtualmodule/faults/FaultInjector.h"
-#include "virtualmodule/wires/DpRam.h"
+#include "virtualmodule/wires/Board.h"
 
 namespace VirtualModule {
 
@@ -21,7 +20,10 @@ public:
     };
 
     /// Mailbox-in at `offset`, mailbox-out behind it; `handler` carries out the requests.
-    Mailbox(DpRam& dpRam, Watch& watch, FaultInjector& faults, std::size_t offset, Handler handler);
+    Mailbox(Board& board, std::size_t offset, Handler handler);
+    virtual ~Mailbox() = default;
+    Mailbox(const Mailbox&) = delete;
+    Mailbox& operator=(const Mailbox&) = delete;
 
     /// Mailbox-in becomes the host's, at the module's first interrupt.
     void Open();
@@ -30,20 +32,29 @@ public:
     /// The host says that it took the answer out of mailbox-out.
     void Acknowledged();
     /// Does what is due at `now`.
-    Turn Step(std::int64_t now);
+    virtual Turn Step(std::int64_t now);
+
+protected:
+    /// The answer to the request, if there is to be one.
+    virtual std::optional<Answer> CarryOut(const Message& request);
+    /// The answer as it goes into mailbox-out.
+    virtual Bytes Encode(const Message& answer);
+
+    /// Puts it into mailbox-out, which is the host's then.
+    void Put(ByteView answer);
+
+    /// The host has taken the last answer.
+    bool OutIsEmpty() const { return !_outFull; }
+
+    /// No request and no answer is under way.
+    bool IsIdle() const { return !_inFull && !_answer && !_outFull; }
 
 private:
-    bool Take(std::int64_t now);
-    bool CutPower(bool carriedOut);
-    Answer Process(const Message& request);
-    void PutAnswer(std::int64_t now);
-    void Put(ByteView area);
-    Turn FaultyTurn(std::int64_t now);
-    Bytes Falsify(Message message);
+    void Take(std::int64_t now);
+    void PutAnswer();
 
     DpRam& _dpRam;
     Watch& _watch;
-    FaultInjector& _faults;
     std::size_t _inOffset;
     std::size_t _outOffset;
     Handler _handler;
@@ -52,10 +63,6 @@ private:
     std::optional<Answer> _answer; // the request was taken, its answer is still to come
     Message _request;              // the request that _answer belongs to
     std::int64_t _due = 0;         // when _answer may go out
-    // For faults.
-    std::optional<std::int64_t> _acknowledgeAt; // a turn of its own for an acknowledgement
-    std::int64_t _lastAnswer = 0;
-    Bytes _again; // an answer to be put once more
 };
 
 } // namespace VirtualModule

@@ -40,7 +40,13 @@ bool FaultInjector::AtIts(Counts counts) const {
     return !request || counts == _request;
 }
 
-const Fault* FaultInjector::Strikes(FaultId id) {
+bool FaultInjector::HasAnyOf(std::initializer_list<FaultId> ids) const {
+    return std::any_of(_faults.begin(), _faults.end(), [ids](const Armed& armed) {
+        return std::find(ids.begin(), ids.end(), armed.fault.id) != ids.end();
+    });
+}
+
+const Fault* FaultInjector::Strike(FaultId id) {
     for (Armed& armed : _faults) {
         const Fault& fault = armed.fault;
         const unsigned now = Counted(armed.counts);
@@ -54,9 +60,9 @@ const Fault* FaultInjector::Strikes(FaultId id) {
     return nullptr;
 }
 
-const Fault* FaultInjector::Strikes(std::initializer_list<FaultId> ids) {
+const Fault* FaultInjector::Strike(std::initializer_list<FaultId> ids) {
     for (const FaultId id : ids)
-        if (const Fault* fault = Strikes(id))
+        if (const Fault* fault = Strike(id))
             return fault;
     return nullptr;
 }

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "virtualmodule/commands/Message.h"
 #include "virtualmodule/faults/Faults.h"
+#include "virtualmodule/wires/Message.h"
 #include "virtualmodule/wires/Watch.h"
 
 #include <array>
@@ -11,14 +11,14 @@
 
 namespace VirtualModule {
 
-/// The faults of one module. The module counts what it does and asks, where a fault would change it, whether
-/// that fault strikes at this count.
+/// The faults of one module. Its faulty parts count what they do, and let each fault strike where it
+/// would change something, if it strikes at this count.
 class FaultInjector {
 public:
     /// How the whole module fails.
     enum class Outage : std::uint8_t {
         NONE,
-        DEAD,   // its program is gone until the next reset
+        DEAD,   // it does nothing until the next reset
         REBOOT, // it boots by itself
     };
 
@@ -28,7 +28,7 @@ public:
     /// Whether any fault has struck.
     bool HasStruck() const;
 
-    /// No fault strikes any more.
+    /// Nothing goes wrong from now on; what went wrong stays so until the next reset.
     void Clear() { _faults.clear(); }
 
     /// One more of these.
@@ -40,23 +40,29 @@ public:
     /// How many there were since the module was made.
     unsigned Counted(Counts what) const { return _counted[static_cast<std::size_t>(what)]; }
 
-    /// The fault while it is in force, else null.
-    const Fault* Strikes(FaultId id);
-    /// Any of these faults that is in force, else null.
-    const Fault* Strikes(std::initializer_list<FaultId> ids);
+    /// Whether the module has any of these faults, in force or not.
+    bool HasAnyOf(std::initializer_list<FaultId> ids) const;
 
-    /// The VALUE of the fault while it is in force, else `right`.
-    unsigned Value(FaultId id, unsigned right) {
-        const Fault* fault = Strikes(id);
+    /// Lets the fault strike, which is logged, while it is in force; null otherwise.
+    const Fault* Strike(FaultId id);
+    /// Lets the first of these faults strike that is in force; null if none is.
+    const Fault* Strike(std::initializer_list<FaultId> ids);
+
+    /// The VALUE of the fault if it strikes, else `right`.
+    unsigned Falsify(FaultId id, unsigned right) {
+        const Fault* fault = Strike(id);
         return fault != nullptr ? fault->value : right;
     }
 
-    /// The module fails as soon as the step that it is in has ended.
+    /// The module fails from now on.
     void Fail(Outage outage) { _outage = outage; }
 
-    bool Failing() const { return _outage != Outage::NONE; }
+    bool IsFailing() const { return _outage != Outage::NONE; }
 
-    Outage TakeOutage() { return std::exchange(_outage, Outage::NONE); }
+    bool Reboots() const { return _outage == Outage::REBOOT; }
+
+    /// The module has booted and fails no more.
+    void Recover() { _outage = Outage::NONE; }
 
 private:
     struct Armed {

@@ -27,10 +27,8 @@ void Randomise(Bytes& bytes, std::uint64_t seed) {
 
 } // namespace
 
-bool FaultyDpRam::Needed(const std::vector<Fault>& faults) {
-    return std::any_of(faults.begin(), faults.end(), [](const Fault& fault) {
-        return std::find(DPRAM_FAULTS.begin(), DPRAM_FAULTS.end(), fault.id) != DPRAM_FAULTS.end();
-    });
+bool FaultyDpRam::IsNeeded(const FaultInjector& faults) {
+    return faults.HasAnyOf(DPRAM_FAULTS);
 }
 
 FaultyDpRam::FaultyDpRam(std::span<volatile std::uint8_t> host, FaultInjector& faults)
@@ -40,7 +38,7 @@ FaultyDpRam::FaultyDpRam(std::span<volatile std::uint8_t> host, FaultInjector& f
 /// about.
 void FaultyDpRam::TakeHostWrites() {
     ++_steps;
-    const bool ignored = _faults.Strikes(FaultId::DPRAM_WRITES_IGNORED) != nullptr;
+    const bool ignored = _faults.Strike(FaultId::DPRAM_WRITES_IGNORED) != nullptr;
     for (std::size_t i = _host.size(); i-- > 0;) {
         const std::uint8_t now = _host[i];
         if (now != _shown[i]) {
@@ -65,19 +63,19 @@ void FaultyDpRam::Show() {
 }
 
 void FaultyDpRam::Falsify(Bytes& bytes) {
-    if (const Fault* fault = _faults.Strikes(FaultId::DPRAM_BIT_HIGH))
+    if (const Fault* fault = _faults.Strike(FaultId::DPRAM_BIT_HIGH))
         bytes[fault->value / 8] |= Bit(fault->value);
-    if (const Fault* fault = _faults.Strikes(FaultId::DPRAM_BIT_LOW))
+    if (const Fault* fault = _faults.Strike(FaultId::DPRAM_BIT_LOW))
         bytes[fault->value / 8] &= static_cast<std::uint8_t>(~Bit(fault->value));
-    if (const Fault* fault = _faults.Strikes(FaultId::DPRAM_FLICKER)) {
+    if (const Fault* fault = _faults.Strike(FaultId::DPRAM_FLICKER)) {
         std::uint8_t& byte = bytes[fault->value];
         byte = static_cast<std::uint8_t>(_steps % 2 != 0 ? ~byte : byte);
     }
-    if (const Fault* fault = _faults.Strikes(FaultId::DPRAM_RANDOM))
+    if (const Fault* fault = _faults.Strike(FaultId::DPRAM_RANDOM))
         Randomise(bytes, std::uint64_t{fault->value} << 32 | _faults.Counted(Counts::INTERRUPTS));
-    if (_faults.Strikes(FaultId::DPRAM_ONES))
+    if (_faults.Strike(FaultId::DPRAM_ONES))
         std::fill(bytes.begin(), bytes.end(), std::uint8_t{0xFF});
-    if (_faults.Strikes(FaultId::DPRAM_ZEROS))
+    if (_faults.Strike(FaultId::DPRAM_ZEROS))
         std::fill(bytes.begin(), bytes.end(), std::uint8_t{0});
 }
 

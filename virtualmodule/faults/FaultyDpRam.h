@@ -14,7 +14,7 @@ namespace VirtualModule {
 class FaultyDpRam {
 public:
     /// Whether any of these faults needs it.
-    static bool Needed(const std::vector<Fault>& faults);
+    static bool IsNeeded(const FaultInjector& faults);
 
     /// `host` is the memory that the host maps.
     FaultyDpRam(std::span<volatile std::uint8_t> host, FaultInjector& faults);

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "virtualmodule/commands/Message.h"
+#include "virtualmodule/wires/Message.h"
 
 #include <algorithm>
 
