@@ -1,50 +1,57 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "tests/support/DatabaseFileBuilder.h"
+
 #include "virtualmodule/Module.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include <array>
-
 /// A host of a few lines that pokes bytes into the DPRAM, so that nothing but the layout tables stands
 /// between a test and the module. Time passes only while it waits for an interrupt.
 struct RawHost {
-    static constexpr std::size_t MAILBOX_OUT = 0x0176;
-    static constexpr std::uint8_t OUT = 1, IN = 2, M_OUT = 4, M_IN = 8, POWER_ON = 16, FATAL = 32, LOG = 64;
+    static constexpr std::uint8_t OUT = 1, M_OUT = 4, M_IN = 8;
 
     using Bytes = VirtualModule::Bytes;
     using Words = std::array<std::uint16_t, 8>;
 
-    struct Reply {
-        unsigned error;
-        Words extended;
-        Bytes data;
+    struct Request {
+        unsigned command; // its type in front: 0x217 is command 0x17 of the fieldbus
+        Words extended{};
+        Bytes data{};
+        unsigned frames = 1, frame = 1, offset = 0;
+    };
 
-        bool Ok() const { return error == 0; }
+    /// The error that a request is answered with, and the request.
+    struct Line {
+        unsigned error;
+        Request request;
     };
 
     explicit RawHost(VirtualModule::Options options = {})
         : module(
               ram, lines, flash, [this] { return now; }, options) {}
 
-    void PowerOn() {
+    /// Boots the master, or the bootloader; false if it stays silent.
+    bool PowerOn(bool bootloader = false) {
         lines.DriveReset_n(false);
         module.Step();
-        lines.DriveBootloaderEnable_n(true);
+        lines.DriveBootloaderEnable_n(!bootloader);
         lines.DriveReset_n(true);
         owed = 0;
-        EXPECT_EQ(Await(), POWER_ON);
+        inBootloader = bootloader;
+        return Await() >= 0;
     }
 
-    /// Waits up to 20 ms for the interrupt; the indication, or -1.
+    /// Waits up to a second for the interrupt; the module's register, or -1.
     int Await() {
-        for (int i = 0; i < 20; ++i, now += 1'000'000) {
+        const std::size_t place = inBootloader ? 0x1FFF : 0x1FFB;
+        for (int i = 0; i < 1000; ++i, now += 1'000'000) {
             module.Step();
             if (!lines.ReadIrq_n()) {
-                owed = static_cast<std::uint8_t>(owed | (ram[0x1FFB] & M_OUT));
-                return ram[0x1FFB];
+                owed = static_cast<std::uint8_t>(owed | (inBootloader ? 0 : ram[place] & M_OUT));
+                return ram[place];
             }
         }
         return -1;
@@ -62,114 +69,65 @@ struct RawHost {
         return Await();
     }
 
-    void PutRequest(std::size_t at, unsigned type, unsigned command, Words extended, const Bytes& data,
-                    unsigned frames = 1, unsigned frame = 1, unsigned offset = 0) {
-        Bytes area{0, 0};
+    void Put(const Request& request) {
+        Bytes area{id = static_cast<std::uint8_t>(id + 1), 0};
         for (const unsigned word :
-             {0x4000 | type, command, unsigned(data.size()), frames, frame, offset >> 16, offset & 0xFFFF})
+             {0x4000 | request.command >> 8, request.command & 0xFF, unsigned(request.data.size()),
+              request.frames, request.frame, request.offset >> 16, request.offset & 0xFFFF})
             VirtualModule::Append16(area, word);
-        area[0] = id = static_cast<std::uint8_t>(id + 1);
-        for (const std::uint16_t word : extended)
+        for (const std::uint16_t word : request.extended)
             VirtualModule::Append16(area, word);
-        VirtualModule::Append(area, data);
-        std::copy(area.begin(), area.end(), ram.begin() + static_cast<std::ptrdiff_t>(at));
+        VirtualModule::Append(area, request.data);
+        std::copy(area.begin(), area.end(), ram.begin() + (inBootloader ? 0x1BFE : 0x56));
     }
 
-    Reply GetReply(std::size_t at) const {
-        const VirtualModule::ByteView area{ram.data() + at, 288};
-        EXPECT_EQ(area[0], id);
-        EXPECT_EQ(area[2] & 0x70, 0) << "request flag or unused bits";
-        Reply reply{area[2], {}, {}};
-        for (std::size_t i = 0; i < 8; ++i)
-            reply.extended[i] = VirtualModule::Get16(area, 16 + 2 * i);
-        const auto data = area.subspan(32, VirtualModule::Get16(area, 6));
-        reply.data.assign(data.begin(), data.end());
-        return reply;
+    /// Sends a request and waits for its answer; the error code.
+    unsigned Ask(const Request& request) {
+        Put(request);
+        if (inBootloader) {
+            const std::uint8_t before = ram[0x1FFF];
+            ram[0x1FFD] ^= 0x80;
+            while ((ram[0x1FFF] ^ before) != 0xC0 && Await() >= 0) {
+            }
+            ram[0x1FFD] ^= 0x40;
+        } else {
+            EXPECT_EQ(Turn(M_IN) & (M_IN | M_OUT), M_IN | M_OUT);
+        }
+        const std::size_t at = inBootloader ? 0x1D1E : 0x176;
+        EXPECT_EQ(ram[at], id);
+        data.assign(&ram[at + 32], &ram[at + 32] + VirtualModule::Get16(ram, at + 6));
+        return ram[at + 2];
     }
 
-    /// Sends a request to the master and waits for its answer.
-    Reply Request(unsigned type, unsigned command, Words extended = {}, const Bytes& data = {}) {
-        PutRequest(0x0056, type, command, extended, data);
-        const int indication = Turn(M_IN);
-        EXPECT_EQ(indication & (M_IN | M_OUT), M_IN | M_OUT);
-        lastIndication = indication;
-        return GetReply(MAILBOX_OUT);
+    void Converse(const auto&... said) {
+        for (const Line& line : {said...})
+            EXPECT_EQ(Ask(line.request), line.error) << VirtualModule::Hex(line.request.command);
     }
 
-    Reply Fieldbus(unsigned command, Words extended = {}, const Bytes& data = {}) {
-        return Request(2, command, extended, data);
-    }
-
-    /// A master record with station address 1, all else zero.
-    static Bytes MasterRecord() {
-        Bytes record(96);
-        record[1] = 96;
-        record[2] = 1;
-        record[33] = 64;
-        return record;
-    }
-
-    /// A slave record with one identifier byte and no user parameters; a pad follows each of the first two
-    /// blocks.
-    static Bytes SlaveRecord(unsigned ident, const std::vector<unsigned>& inputs,
-                             const std::vector<unsigned>& outputs, unsigned inputLength,
-                             unsigned outputLength) {
-        Bytes record(16);
-        VirtualModule::Append(record, Bytes{0, 9, 0, 0, 0, 0, VirtualModule::High(ident),
-                                            VirtualModule::Low(ident), 0, 0 /* pad */});
-        VirtualModule::Append(record, Bytes{0, 3, 0x31, 0 /* pad */});
-        VirtualModule::Append16(record, unsigned(4 + 2 * (inputs.size() + outputs.size())));
-        VirtualModule::Append16(record, unsigned(inputs.size() << 8 | outputs.size()));
-        for (const auto& table : {inputs, outputs})
-            for (const unsigned entry : table)
-                VirtualModule::Append16(record, entry);
-        VirtualModule::Append(record,
-                              Bytes{0, 6, std::uint8_t(outputLength), std::uint8_t(inputLength), 0, 0, 0, 2});
-        record[0] = VirtualModule::High(unsigned(record.size() - 2));
-        record[1] = VirtualModule::Low(unsigned(record.size() - 2));
-        return record;
-    }
-
-    /// A complete database: slave 5 (ident 1234) has input bytes at 0, 2, 3 and output bytes at 10, 11; slave
-    /// 9 (ident 0099) has input byte 7 and output byte 20.
+    /// A complete database: slave 5 has input bytes at 0, 2, 3 and output bytes at 10, 11; slave 9 has input
+    /// byte 7 and output byte 20.
     void Configure() {
-        flash.database.master = MasterRecord();
-        flash.database.slaves[5] = SlaveRecord(0x1234, {0, 2}, {10}, 3, 2);
-        flash.database.slaves[9] = SlaveRecord(0x0099, {7}, {20}, 1, 1);
+        flash.database.master = DatabaseFileBuilder::MasterRecord();
+        flash.database.slaves = {{5, DatabaseFileBuilder::SlaveRecord({{0, 2, 3}, {10, 11}, {}})},
+                                 {9, DatabaseFileBuilder::SlaveRecord({{7}, {20}, {}})}};
         flash.database.description = {'0', 'A', '1', 'b', '2', 'c', '3', 'd'};
         flash.database.state = VirtualModule::Database::State::COMPLETE;
     }
 
     /// From power-on to the bus; leaves the first hand-over of both areas to be answered.
     void Initialise() {
-        PowerOn();
-        InitialiseBooted();
+        EXPECT_TRUE(PowerOn());
+        Converse(Line{0, {0x101}}, Line{0, {0x102, {}, LENGTHS}}, Line{0, {0x103}});
     }
 
-    /// Stops (0x0C) or starts (0x0B) a slave.
-    void StopOrStart(unsigned command, std::size_t address) {
-        Bytes stations(126);
-        stations[address] = 1;
-        EXPECT_TRUE(Fieldbus(command, {}, stations).Ok());
-    }
-
-    void InitialiseBooted() {
-        EXPECT_TRUE(Request(1, 1).Ok());
-        EXPECT_TRUE(Request(1, 2, {}, {0, 8, 0, 8, 0, 8, 0, 21, 0, 21, 0, 21}).Ok());
-        EXPECT_TRUE(Request(1, 3).Ok());
-    }
-
-    Bytes Memory(std::size_t at, std::size_t size) const {
-        const auto from = ram.begin() + static_cast<std::ptrdiff_t>(at);
-        return Bytes(from, from + static_cast<std::ptrdiff_t>(size));
-    }
-
+    const Bytes LENGTHS{0, 8, 0, 8, 0, 8, 0, 21, 0, 21, 0, 21}; // of that database
     std::array<std::uint8_t, 8192> ram{};
     VirtualModule::Lines lines;
     VirtualModule::Flash flash;
     std::int64_t now = 0;
     VirtualModule::Module module;
+    bool inBootloader = false;
     std::uint8_t owed = 0;
     std::uint8_t id = 0;
-    int lastIndication = 0;
+    Bytes data; // of the last answer
 };
