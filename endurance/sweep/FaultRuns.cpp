@@ -37,31 +37,6 @@ std::array<long, 3> Held() {
     return {bytes, descriptors, mapped};
 }
 
-bool IsOneOf(const FaultLife::Ending& ending, const std::vector<const Outcome*>& outcomes,
-             const FaultLife::Ending& good) {
-    return std::any_of(outcomes.begin(), outcomes.end(),
-                       [&](const Outcome* outcome) { return ending.Is(*outcome, good); });
-}
-
-std::string Text(const std::vector<const Outcome*>& outcomes) {
-    std::string text;
-    for (const Outcome* outcome : outcomes)
-        text += "\n  " + (outcome->IsException()
-                              ? std::string(outcome->type) + ": " + std::string(outcome->message)
-                              : std::string(outcome->means));
-    return text;
-}
-
-std::string Text(const FaultLife::Ending& ending, const FaultLife::Ending& good) {
-    return ending.Is(Outcomes::SAME_DATA, good) ? "the data of a good life" : ending.Text();
-}
-
-/// Where one byte or bit of the DPRAM is at fault, VALUE says which.
-bool IsPlace(const FaultKind& kind) {
-    return kind.id == FaultId::DPRAM_BIT_HIGH || kind.id == FaultId::DPRAM_BIT_LOW ||
-           kind.id == FaultId::DPRAM_FLICKER;
-}
-
 } // namespace
 
 std::string FaultRun::Text() const {
@@ -76,9 +51,7 @@ FaultRuns::FaultRuns() {
     for (const Kind life : {Kind::MASTER, Kind::FIRMWARE}) {
         LiveWell(life); // what the library makes only once is made now
         _good[life] = LiveWell(life);
-        AddModuleFaults(life);
-        AddHostFaults(life);
-        AddAllocations(life);
+        Add(life, _good[life]);
     }
 }
 
@@ -103,27 +76,32 @@ FaultRuns::Good FaultRuns::LiveWell(Kind kind) {
     return good;
 }
 
-void FaultRuns::AddModuleFaults(Kind life) {
+void FaultRuns::Add(Kind life, const Good& good) {
     for (const FaultKind& kind : Faults()) {
         if (life == kind.life)
             _runs.push_back({life, {kind.Usual()}, nullptr, 0, 0, {&kind.Promise()}, true});
-        const unsigned steps = _good[life].moduleSteps[static_cast<std::size_t>(kind.counts)];
-        for (unsigned step = 1; step <= steps; ++step)
-            for (const unsigned value : ValuesOf(kind, _good[life], step))
+        for (unsigned step = 1; step <= good.moduleSteps[static_cast<std::size_t>(kind.counts)]; ++step)
+            for (const unsigned value : ValuesOf(kind, good, step))
                 for (const unsigned count : std::set<unsigned>{kind.count, 1})
                     _runs.push_back({life, {{kind.id, step, count, value}}, nullptr, 0, 0, kind.outcomes});
     }
+    for (const HostFault& fault : HostFaults())
+        for (unsigned step = 1; step <= good.hostSteps[static_cast<std::size_t>(fault.at)]; ++step)
+            _runs.push_back({life, {}, &fault, step, 0, fault.outcomes});
+    for (long allocation = 1; allocation <= good.allocations; ++allocation)
+        _runs.push_back({life, {}, nullptr, 0, allocation, {&OUT_OF_MEMORY}});
 }
 
 std::vector<unsigned> FaultRuns::ValuesOf(const FaultKind& kind, const Good& good, unsigned step) const {
     const auto& [name, usual, least, most] = kind.values;
     if (name.empty())
         return {0};
-    if (IsPlace(kind)) { // another two of the bytes that matter at each step
+    const bool bit = kind.id == FaultId::DPRAM_BIT_HIGH || kind.id == FaultId::DPRAM_BIT_LOW;
+    if (bit || kind.id == FaultId::DPRAM_FLICKER) { // another two of the places that matter at each step
         std::set<unsigned> places{usual};
         for (unsigned i = 0; i < 2; ++i) {
             const unsigned offset = good.touched[(step * 2 + i) * 97 % good.touched.size()];
-            places.insert(kind.id == FaultId::DPRAM_FLICKER ? offset : offset * 8 + (step + i) % 8);
+            places.insert(bit ? offset * 8 + (step + i) % 8 : offset);
         }
         return {places.begin(), places.end()};
     }
@@ -132,17 +110,6 @@ std::vector<unsigned> FaultRuns::ValuesOf(const FaultKind& kind, const Good& goo
         for (unsigned value = least; value <= most; ++value)
             values.insert(value);
     return {values.begin(), values.end()};
-}
-
-void FaultRuns::AddHostFaults(Kind life) {
-    for (const HostFault& fault : HostFaults())
-        for (unsigned step = 1; step <= _good[life].hostSteps[static_cast<std::size_t>(fault.at)]; ++step)
-            _runs.push_back({life, {}, &fault, step, 0, fault.outcomes});
-}
-
-void FaultRuns::AddAllocations(Kind life) {
-    for (long allocation = 1; allocation <= _good[life].allocations; ++allocation)
-        _runs.push_back({life, {}, nullptr, 0, allocation, {&OUT_OF_MEMORY}});
 }
 
 std::string FaultRuns::Broken(const FaultRun& run) const {
@@ -165,8 +132,9 @@ std::string FaultRuns::Live(const FaultRun& run) const {
         const FaultLife::Ending ending = life.Run(run.life);
         Heap::FailAt(0);
         const auto promised = PromisedOf(run, life.module.GetModule().FaultHasStruck());
-        if (!IsOneOf(ending, promised, good.ending))
-            return "promised" + Text(promised) + "\nseen\n  " + Text(ending, good.ending);
+        if (std::none_of(promised.begin(), promised.end(),
+                         [&](const Outcome* outcome) { return ending.Is(*outcome, good.ending); }))
+            return "does not end as promised, but " + ending.Text();
         host.Arm(nullptr, 0);
         const std::string broken = LiveAfterwards(run, life, ending);
         if (!broken.empty() || host.ForeignWrite().empty())
@@ -206,10 +174,9 @@ std::string FaultRuns::LiveAfterwards(const FaultRun& run, FaultLife& life,
         const bool usable = again.Is(Outcomes::SAME_DATA, good) ||
                             (first.Is(Outcomes::READ_BACK, good) && again.Is(Outcomes::READ_BACK, good));
         if (!usable)
-            return "after " + Text(first, good) + "\nand a reset, the same object " + again.Text();
+            return "after " + first.Text() + "\nand a reset, the same object " + again.Text();
     }
     const FaultLife::Ending next = life.Run(run.life);
-    return next.Is(Outcomes::SAME_DATA, good)
-               ? ""
-               : "after " + Text(first, good) + "\na new object " + next.Text();
+    return next.Is(Outcomes::SAME_DATA, good) ? ""
+                                              : "after " + first.Text() + "\na new object " + next.Text();
 }

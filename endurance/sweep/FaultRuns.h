@@ -41,11 +41,9 @@ private:
     };
 
     static Good LiveWell(FaultLife::Kind life);
-    void AddModuleFaults(FaultLife::Kind life);
+    void Add(FaultLife::Kind life, const Good& good);
     std::vector<unsigned> ValuesOf(const VirtualModule::FaultKind& kind, const Good& good,
                                    unsigned step) const;
-    void AddHostFaults(FaultLife::Kind life);
-    void AddAllocations(FaultLife::Kind life);
     std::string Live(const FaultRun& run) const;
     std::vector<const VirtualModule::Outcome*> PromisedOf(const FaultRun& run, bool struck) const;
     std::string LiveAfterwards(const FaultRun& run, FaultLife& life, const FaultLife::Ending& first) const;

@@ -48,7 +48,7 @@ public:
     unsigned int ReadUInt32(int offset) override { return Load(&IHostInterface::ReadUInt32, offset); }
 
     void Write(int offset, const Bytes& array, int arrayOffset, int count) override {
-        if (Arrives(offset, count))
+        if (!Before(HostStep::WRITE, offset, count))
             _dpRam->Write(offset, array, arrayOffset, count);
     }
 
@@ -75,32 +75,20 @@ public:
         return strikes ? _steps.Is(Effect::IRQ_LOW) : low;
     }
 
-    void BootloaderEnable() override {
-        Drive(&IHostInterface::BootloaderEnable);
-        _steps._bootloader = true;
-    }
+    void BootloaderEnable() override { Drive(&IHostInterface::BootloaderEnable, true); }
 
-    void BootloaderDisable() override {
-        Drive(&IHostInterface::BootloaderDisable);
-        _steps._bootloader = false;
-    }
+    void BootloaderDisable() override { Drive(&IHostInterface::BootloaderDisable, false); }
 
-    void PowerOff() override { Drive(&IHostInterface::PowerOff); }
+    void PowerOff() override { Drive(&IHostInterface::PowerOff, _steps._bootloader); }
 
-    void PowerOn() override { Drive(&IHostInterface::PowerOn); }
+    void PowerOn() override { Drive(&IHostInterface::PowerOn, _steps._bootloader); }
 
 private:
-    /// True if the value of the access is to be falsified.
+    /// True if the value of the access is to be falsified, or lost.
     bool Before(HostStep step, int offset, int count) {
         const bool strikes = _steps.Strikes(step);
-        _steps.Access(offset, count);
+        _steps.Access(step, offset, count);
         return strikes && !ModuleActs();
-    }
-
-    bool Arrives(int offset, int count) {
-        const bool lost = Before(HostStep::WRITE, offset, count);
-        _steps.Write(offset, count);
-        return !lost;
     }
 
     template <class Value>
@@ -112,21 +100,18 @@ private:
 
     template <class Value>
     void Store(void (IHostInterface::*write)(int, Value), int offset, Value value) {
-        if (Arrives(offset, sizeof(Value)))
+        if (!Before(HostStep::WRITE, offset, sizeof(Value)))
             (*_dpRam.*write)(offset, value);
     }
 
     /// Whether it is the module that does something; it has done so then.
     bool ModuleActs() {
-        if (_steps.Is(Effect::BROWN_OUT)) {
-            _steps._life.module.Reset_n(false);
-            _steps._life.module.Reset_n(true);
-        } else if (_steps.Is(Effect::OVERTAKEN)) {
+        if (_steps.Is(Effect::OVERTAKEN))
             _steps._life.module.GetModule().Step();
-        } else {
-            return false;
-        }
-        return true;
+        if (_steps.Is(Effect::BROWN_OUT))
+            for (const bool level : {false, true})
+                _steps._life.module.Reset_n(level);
+        return _steps.Is(Effect::OVERTAKEN) || _steps.Is(Effect::BROWN_OUT);
     }
 
     template <class Value>
@@ -142,10 +127,11 @@ private:
             System::_env_throw(System::InvalidOperationException::Create("The line cannot be reached"));
     }
 
-    void Drive(void (IHostInterface::*line)()) {
+    void Drive(void (IHostInterface::*line)(), bool bootloader) {
         FailIf(_steps.Strikes(HostStep::LINE_DRIVE));
         const Heap::Spared module;
         (*_dpRam.*line)();
+        _steps._bootloader = bootloader;
     }
 
     HostSteps& _steps;
@@ -182,18 +168,15 @@ bool HostSteps::Strikes(HostStep step) {
     return _fault && _fault->at == step && now == _step;
 }
 
-void HostSteps::Access(int offset, int count) {
-    for (int i = offset; i < offset + count; ++i)
+void HostSteps::Access(HostStep step, int offset, int count) {
+    for (int i = offset; i < offset + count; ++i) {
         _touched.set(static_cast<std::size_t>(i));
+        if (step == HostStep::WRITE && !MayWrite(_bootloader, i) && _foreignWrite.empty())
+            _foreignWrite = std::to_string(count) + " bytes to " + std::to_string(offset);
+    }
     _accesses += count;
     if (_accesses > _bound)
         throw TooManyAccesses();
-}
-
-void HostSteps::Write(int offset, int count) {
-    for (int i = offset; i < offset + count; ++i)
-        if (!MayWrite(_bootloader, i) && _foreignWrite.empty())
-            _foreignWrite = std::to_string(count) + " bytes to " + std::to_string(offset);
 }
 
 const std::vector<HostFault>& HostFaults() {

@@ -71,8 +71,7 @@ private:
 
     /// Counts the step; true if the fault strikes at it.
     bool Strikes(HostStep step);
-    void Access(int offset, int count);
-    void Write(int offset, int count);
+    void Access(HostStep step, int offset, int count);
 
     bool Is(HostFault::Effect effect) const { return _fault->effect == effect; }
 

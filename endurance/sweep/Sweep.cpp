@@ -7,8 +7,7 @@
 #include <cerrno>
 #include <cstdio>
 #include <cstdlib>
-#include <memory>
-#include <stdexcept>
+#include <cstring>
 #include <sys/mman.h>
 #include <sys/wait.h>
 #include <system_error>
@@ -17,110 +16,60 @@
 namespace {
 
 /// A process that has found so much wrong stops.
-constexpr std::size_t MOST_BROKEN = 20;
+constexpr int MOST_BROKEN = 20;
 
-struct Options {
-    std::size_t every = 1;
-    std::size_t jobs = 1;
-};
-
-/// What a process of the sweep tells the one that started it, in memory that they share.
-struct Progress {
-    std::size_t current = 0; // the run that it is at
-    std::size_t done = 0;
-    std::size_t broken = 0;
-};
-
-Options Parse(const std::vector<std::string>& arguments) {
-    Options options;
-    for (std::size_t i = 0; i < arguments.size(); i += 2) {
-        if ((arguments[i] != "--every" && arguments[i] != "--jobs") || i + 1 == arguments.size())
-            throw std::invalid_argument("usage: vesk_sweep [--every N] [--jobs N]");
-        (arguments[i] == "--every" ? options.every : options.jobs) = std::stoul(arguments[i + 1]);
+/// Lives the job-th of so many equal parts of the runs, and notes in `current` which it is at.
+[[noreturn]] void Live(const FaultRuns& runs, const std::vector<const FaultRun*>& taken, std::size_t job,
+                       std::size_t jobs, std::size_t& current) {
+    int broken = 0;
+    for (current = job; current < taken.size() && broken < MOST_BROKEN; current += jobs) {
+        const FaultRun& run = *taken[current];
+        const std::string text = runs.Broken(run);
+        broken += text.empty() ? 0 : 1;
+        if (!text.empty())
+            std::fprintf(stderr, "%s\n%s\n\n", run.Text().c_str(), text.c_str());
     }
-    return options;
+    std::exit(broken == 0 ? EXIT_SUCCESS : EXIT_FAILURE); // a sanitizer looks here for memory that is left
 }
 
-Progress* ShareProgress(std::size_t jobs) {
-    void* const shared =
-        ::mmap(nullptr, jobs * sizeof(Progress), PROT_READ | PROT_WRITE, MAP_SHARED | MAP_ANONYMOUS, -1, 0);
+int Sweep(std::size_t every, std::size_t jobs) {
+    const FaultRuns runs;
+    std::vector<const FaultRun*> taken;
+    for (std::size_t i = 0; i < runs.All().size(); ++i)
+        if (i % every == 0 || runs.All()[i].usual)
+            taken.push_back(&runs.All()[i]);
+
+    void* const shared = ::mmap(nullptr, jobs * sizeof(std::size_t), PROT_READ | PROT_WRITE,
+                                MAP_SHARED | MAP_ANONYMOUS, -1, 0);
     if (shared == MAP_FAILED)
         throw std::system_error(errno, std::generic_category(), "mmap");
-    auto* const progress = static_cast<Progress*>(shared);
-    std::uninitialized_value_construct_n(progress, jobs);
-    return progress;
-}
-
-bool IsTaken(const FaultRun& run, std::size_t index, const Options& options) {
-    return index % options.every == 0 || run.usual;
-}
-
-/// The job-th of so many equal parts of the runs.
-void Sweep(const FaultRuns& runs, const Options& options, std::size_t job, Progress& progress) {
-    const std::vector<FaultRun>& all = runs.All();
-    std::size_t taken = 0;
-    for (std::size_t i = 0; i < all.size(); ++i) {
-        if (!IsTaken(all[i], i, options) || taken++ % options.jobs != job)
-            continue;
-        progress.current = i;
-        const std::string broken = runs.Broken(all[i]);
-        ++progress.done;
-        if (broken.empty())
-            continue;
-        std::fprintf(stderr, "%s\n%s\n\n", all[i].Text().c_str(), broken.c_str());
-        if (++progress.broken == MOST_BROKEN)
-            return;
-    }
-}
-
-pid_t Start(const FaultRuns& runs, const Options& options, std::size_t job, Progress& progress) {
-    const pid_t process = ::fork();
-    if (process < 0)
-        throw std::system_error(errno, std::generic_category(), "fork");
-    if (process == 0) {
-        Sweep(runs, options, job, progress);
-        std::exit(EXIT_SUCCESS); // a sanitizer looks here for memory that is left
-    }
-    return process;
-}
-
-bool EndedWell(pid_t process) {
-    int status = 0;
-    return ::waitpid(process, &status, 0) == process && status == 0;
-}
-
-int Main(const Options& options) {
-    const FaultRuns runs;
-    Progress* const progress = ShareProgress(options.jobs);
+    auto* const current = static_cast<std::size_t*>(shared);
     std::vector<pid_t> processes;
-    for (std::size_t job = 0; job < options.jobs; ++job)
-        processes.push_back(Start(runs, options, job, progress[job]));
-
-    Progress total;
-    for (std::size_t job = 0; job < options.jobs; ++job) {
-        if (!EndedWell(processes[job])) {
-            ++total.broken;
-            std::fprintf(stderr, "%s\ncrashed, or left memory behind\n\n",
-                         runs.All()[progress[job].current].Text().c_str());
-        }
-        total.done += progress[job].done;
-        total.broken += progress[job].broken;
+    for (std::size_t job = 0; job < jobs; ++job) {
+        processes.push_back(::fork());
+        if (processes.back() == 0)
+            Live(runs, taken, job, jobs, current[job]);
+        if (processes.back() < 0)
+            throw std::system_error(errno, std::generic_category(), "fork");
     }
-    if (total.broken != 0) {
-        std::printf("%zu fault runs, %zu not as promised\n", total.done, total.broken);
-        return EXIT_FAILURE;
+    int result = EXIT_SUCCESS;
+    for (std::size_t job = 0; job < jobs; ++job) {
+        int status = 0;
+        if (::waitpid(processes[job], &status, 0) == processes[job] && status == 0)
+            continue;
+        result = EXIT_FAILURE;
+        if (current[job] < taken.size())
+            std::fprintf(stderr, "%s\nit stopped here\n\n", taken[current[job]]->Text().c_str());
     }
-    std::printf("%zu fault runs, all as promised\n", total.done);
-    return EXIT_SUCCESS;
+    std::printf("%zu fault runs, %s as promised\n", taken.size(), result == EXIT_SUCCESS ? "all" : "not all");
+    return result;
 }
 
 } // namespace
 
 int main(int argc, char** argv) {
-    try {
-        return Main(Parse({argv + 1, argv + argc}));
-    } catch (const std::exception& failure) {
-        std::fprintf(stderr, "%s\n", failure.what());
-        return EXIT_FAILURE;
-    }
+    std::size_t every = 1, jobs = 1;
+    for (int i = 1; i + 1 < argc; i += 2)
+        (std::strcmp(argv[i], "--jobs") == 0 ? jobs : every) = std::stoul(argv[i + 1]);
+    return Sweep(every, jobs);
 }

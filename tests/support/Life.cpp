@@ -6,6 +6,8 @@
 #include "vesk/hostinterface/RuntimeConfig.h"
 #include "vesk/modules/dpvm/CreateHostInterface.h"
 
+#include <limits>
+
 using namespace Vesk::Modules::DPVM;
 using VirtualModule::Counts;
 
@@ -15,8 +17,15 @@ static constexpr std::int64_t PATIENCE = 15'000 * MILLISECOND;
 /// And no life is longer; a good one takes a tenth.
 static constexpr int MOST_UPDATES = 8'000;
 
+/// A module with faults counts what it does, and so does one whose fault never strikes.
+static VirtualModule::Options Counting(VirtualModule::Options options) {
+    constexpr unsigned never = std::numeric_limits<unsigned>::max();
+    options.faults.push_back({VirtualModule::FaultId::DEAD, never});
+    return options;
+}
+
 Life::Life(VirtualModule::Flash start, VirtualModule::Options options)
-    : flash(std::move(start)), module(flash, TestClock::Nanoseconds, std::move(options)) {
+    : flash(std::move(start)), module(flash, TestClock::Nanoseconds, Counting(std::move(options))) {
     Vesk::RuntimeConfig::_hostInterfaceDumpPath = nullptr;
 }
 
