@@ -46,7 +46,7 @@ struct RequestsTest : testing::Test, RawHost {
 };
 
 TEST_F(RequestsTest, InitialisationHasItsOrder) {
-    PowerOn();
+    EXPECT_TRUE(PowerOn() && now == 1'000'000 && Turn() == 0 && now == 2'000'000) << "the delay and the pace";
     Converse(Line{TYPE, {ENABLE}}, Line{SIZE, {INFO, {}, {1}}}, Line{COUNT, {INFO, {}, {}, 2}},
              Line{NUMBER, {INFO, {}, {}, 1, 2}}, Line{OFFSET, {INFO, {}, {}, 1, 1, 7}},
              Line{COMMAND, {0x201}}, Line{COMMAND, {VELMO_INIT, {}, LENGTHS}}, Line{OTHER, {LIVE_LIST}},
