@@ -83,6 +83,11 @@ TEST_F(Parallel16BitTest, EndsWhateverFailsOnTheWay) {
     RuntimeConfig::_hostInterfaceDumpPath = _folder.Path("missing/dump");
     Open();
     EXPECT_EQ(lines, Log{"reset_n low"}) << "a dump that fails is passed over";
+    TraceListener trace(RuntimeConfig::_printHostInterfaceDump);
+    System::Diagnostics::Trace::SetListener([](const std::string&) { throw std::runtime_error("listener"); });
+    RuntimeConfig::_hostInterfaceDumpPath = _folder.Path("dump");
+    Open();
+    EXPECT_EQ(_folder.Content("dump").size(), 64u) << "a listener that throws costs no dump";
     const auto throwing = System::ArgFunc<bool, void>::Create([](bool) { throw std::runtime_error("line"); });
     Parallel16Bit::FromPath(_folder.Path("dpram"), 0, SIZE, irq, throwing, throwing);
 }

@@ -4,6 +4,7 @@
 
 #include "vesk/system/Array.h"
 
+#include <span>
 #include <tuple>
 
 using namespace System;
@@ -43,5 +44,6 @@ TEST(ArraySegment, StaysInsideTheArrayAndKeepsItAlive) {
     const std::weak_ptr<Bytes> watched = whole;
     whole.reset();
     EXPECT_FALSE(watched.expired());
-    EXPECT_EQ(Values(inner), (std::vector<int>{9, 20}));
+    const std::span<unsigned char> span(*inner);
+    EXPECT_EQ(std::vector<int>(span.begin(), span.end()), (std::vector<int>{9, 20}));
 }

@@ -31,4 +31,7 @@ TEST(Object, IsEqualToItselfOnlyAndSaysItsClass) {
     EXPECT_TRUE(one->Equals(one));
     EXPECT_FALSE(one->Equals(other));
     EXPECT_EQ(one->ToString().Value(), "Counter");
+    EXPECT_EQ(MakeShared<Counter>()->ToString().Value(), "Counter");
+    EXPECT_EQ(Func<std::shared_ptr<Counter>>::Create([] { return nullptr; })->ToString().Value(),
+              "System::Func<std::shared_ptr<Counter> >");
 }

@@ -41,17 +41,19 @@ Parallel16Bit::Parallel16Bit(std::shared_ptr<System::IO::MemoryMappedFile> file,
       _reset_n(std::move(reset_n)),
       _bootloader_enable_n(std::move(bootloader_enable_n)) {}
 
+/// Runs one of the steps of the end. Each is due, whatever has failed before it.
+template <class Step>
+static void Attempt(const Step& step) {
+    try {
+        step();
+    } catch (...) {
+        // Nobody is left to be told.
+    }
+}
+
 Parallel16Bit::~Parallel16Bit() {
-    try {
-        Dump();
-    } catch (...) {
-        // a dump that cannot be written must not keep the module from being powered off
-    }
-    try {
-        Parallel16Bit::PowerOff();
-    } catch (...) {
-        // a callback that fails must not keep the mapping open
-    }
+    Attempt([this] { Dump(); });
+    Attempt([this] { Parallel16Bit::PowerOff(); });
     _file->Close();
 }
 
@@ -59,7 +61,10 @@ void Parallel16Bit::Dump() {
     const auto snapshot = System::Array<unsigned char>::Create(_view->Capacity());
     _view->ReadArray(0, snapshot, 0, snapshot->Count());
     if (RuntimeConfig::_printHostInterfaceDump)
-        System::Diagnostics::Trace::TraceDebug(FormatArray(snapshot, 0, snapshot->Count(), nullptr, 2, 16));
+        Attempt([&] {
+            System::Diagnostics::Trace::TraceDebug(
+                FormatArray(snapshot, 0, snapshot->Count(), nullptr, 2, 16));
+        });
     if (!RuntimeConfig::_hostInterfaceDumpPath.IsNull())
         System::IO::File::WriteAllBytes(RuntimeConfig::_hostInterfaceDumpPath, snapshot);
 }

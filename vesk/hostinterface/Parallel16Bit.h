@@ -11,7 +11,7 @@ namespace Vesk::HostInterface {
 /// with the control lines driven by the application's callbacks. All three lines are active low.
 ///
 /// Destroying it takes a dump of the DPRAM (see RuntimeConfig), asserts reset and closes the mapping; what a
-/// callback or the dump throws then is swallowed.
+/// callback, the trace listener or the dump throws then is swallowed.
 class Parallel16Bit : public IHostInterface {
 public:
     /// Maps `size` bytes from byte `offset` of the file `path` on. No line is driven and no byte touched.

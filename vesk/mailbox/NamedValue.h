@@ -26,8 +26,8 @@ public:
     /// The constant with this wire value. ArgumentException with `id` in decimal when there is none.
     static std::shared_ptr<T> GetById(unsigned char id) {
         const std::shared_ptr<List> values = T::VALUES.Value();
-        for (int i = 0; i < values->Count(); ++i)
-            if (std::shared_ptr<T> value = values->Get(i); value->Id == id)
+        for (std::shared_ptr<T> value : *values)
+            if (value->Id == id)
                 return value;
         System::_env_throw(System::ArgumentException::Create(std::to_string(id)));
     }

@@ -67,8 +67,8 @@ static std::shared_ptr<IArray<T>> CopyOf(const std::shared_ptr<IArray<T>>& array
 }
 
 std::shared_ptr<IRequest> RequestBuilder::Build() {
-    // Without elements there is nothing to change, so all requests without data share one array.
-    static const std::shared_ptr<IArray<unsigned char>> NO_DATA = Array<unsigned char>::Create(0);
+    // Without elements there is nothing to change, so all requests without data share one array, for ever.
+    static const auto& NO_DATA = *new std::shared_ptr<IArray<unsigned char>>(Array<unsigned char>::Create(0));
 
     if (!_type)
         System::_throw_argument_null_exception("_type");

@@ -20,6 +20,11 @@ public:
     /// The first of Count() elements; what makes bulk work fast.
     virtual T* Data() = 0;
 
+    /// For a range-for or a std::span; good for as long as the array is.
+    T* begin() { return Data(); }
+
+    T* end() { return Data() + Count(); }
+
     /// The element at `index`; ArgumentOutOfRangeException outside 0 .. Count() - 1.
     T Get(int index) {
         CheckIndex(index);

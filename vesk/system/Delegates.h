@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "vesk/system/Checks.h"
 #include "vesk/system/MakeShared.h"
 #include "vesk/system/Object.h"
 
@@ -27,7 +28,10 @@ public:
 template <class R>
 class Func : public IFunc<R> {
 public:
+    /// ArgumentNullException for one that is empty.
     static std::shared_ptr<Func> Create(std::function<R()> callable) {
+        if (!callable)
+            _throw_argument_null_exception("callable");
         return MakeShared<Func>(std::move(callable));
     }
 
@@ -44,7 +48,10 @@ private:
 template <class A, class R>
 class ArgFunc : public IArgFunc<A, R> {
 public:
+    /// ArgumentNullException for one that is empty.
     static std::shared_ptr<ArgFunc> Create(std::function<R(A)> callable) {
+        if (!callable)
+            _throw_argument_null_exception("callable");
         return MakeShared<ArgFunc>(std::move(callable));
     }
 
@@ -62,7 +69,10 @@ private:
 template <class T, class A, class R>
 class WeakMethodArgFunc : public IArgFunc<A, R> {
 public:
+    /// ArgumentNullException without a method.
     static std::shared_ptr<WeakMethodArgFunc> Create(std::weak_ptr<T> object, R (T::*method)(A)) {
+        if (!method)
+            _throw_argument_null_exception("method");
         return MakeShared<WeakMethodArgFunc>(std::move(object), method);
     }
 

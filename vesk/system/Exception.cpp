@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "vesk/system/Exception.h"
 
+#include "vesk/system/Checks.h"
 #include "vesk/system/MakeShared.h"
 
 namespace System {
@@ -29,8 +30,24 @@ const char* Thrown::what() const noexcept {
     return _what.Value().c_str();
 }
 
+namespace {
+
+/// An Exception that speaks for the one whose class the thrower did not know.
+class ThrownAsException final : public Thrown, public Exception {
+public:
+    explicit ThrownAsException(const std::shared_ptr<Exception>& cause) : Thrown(cause), Exception(*cause) {}
+
+    String ToString() const override { return Thrown::get()->ToString(); }
+
+    String TypeName() const override { return Thrown::get()->TypeName(); }
+};
+
+} // namespace
+
 void _env_throw(std::shared_ptr<Exception> exception) {
-    throw Thrown(std::move(exception));
+    if (!exception)
+        _throw_argument_null_exception("exception");
+    throw ThrownAsException(exception);
 }
 
 std::shared_ptr<ArgumentException> ArgumentException::Create(String message) {

@@ -3,14 +3,16 @@
 
 #include "vesk/system/Object.h"
 
+#include <concepts>
 #include <exception>
 #include <memory>
+#include <type_traits>
 
 namespace System {
 
 /// The root of every exception: a message, which may be null, and the exception that led to it, if any.
-/// Thrown with _env_throw and caught as `const std::shared_ptr<System::Exception>&` or `const
-/// std::exception&`.
+/// Thrown with _env_throw and caught as `const std::shared_ptr<System::Exception>&`, as `const
+/// std::exception&` or, as any class of C++, as `const System::FormatException&`.
 class Exception : public Object {
 public:
     String Message() const { return _message; }
@@ -31,7 +33,8 @@ private:
     std::shared_ptr<Exception> _innerException;
 };
 
-/// What is thrown: the shared exception, and a std::exception whose what() is the exception's text.
+/// What every throw has in common: the shared exception, and a std::exception whose what() is the exception's
+/// text.
 class Thrown : public std::shared_ptr<Exception>, public std::exception {
 public:
     explicit Thrown(std::shared_ptr<Exception> cause);
@@ -41,8 +44,23 @@ private:
     String _what;
 };
 
-/// Throws `exception` as Thrown.
+/// What is thrown for an exception of class T, so that it is a T, too: a copy of the exception.
+template <class T>
+class [[gnu::visibility("hidden")]] ThrownAs final
+    : public Thrown,
+      public T{public : explicit ThrownAs(const std::shared_ptr<T>& cause) : Thrown(cause), T(*cause){}};
+
+/// Throws `exception` as Thrown. ArgumentNullException without an exception.
 [[noreturn]] void _env_throw(std::shared_ptr<Exception> exception);
+
+/// Throws `exception` as Thrown and as T, where T can be copied and is no std::exception by itself.
+template <std::derived_from<Exception> T>
+[[noreturn]] void _env_throw(std::shared_ptr<T> exception) {
+    if constexpr (std::copy_constructible<T> && !std::is_final_v<T> && !std::derived_from<T, std::exception>)
+        if (exception)
+            throw ThrownAs<T>(exception);
+    _env_throw(std::shared_ptr<Exception>(std::move(exception)));
+}
 
 /// An argument that an operation does not accept.
 class ArgumentException : public Exception {

@@ -6,16 +6,19 @@
 
 namespace System {
 
+/// A T that can be made although its constructor is protected. Hidden: the type is of no use outside the
+/// program or library that makes the object.
+template <class T>
+struct [[gnu::visibility("hidden")]] Constructible final : T{
+    template <class... Arguments>
+    explicit Constructible(Arguments && ... arguments) : T(std::forward<Arguments>(arguments)...){}
+};
+
 /// What every static Create makes its object with: one allocation, for a class whose constructor is
 /// protected.
 template <class T, class... Arguments>
 std::shared_ptr<T> MakeShared(Arguments&&... arguments) {
-    // Hidden: the type is of no use outside the program or library that makes the object.
-    struct __attribute__((visibility("hidden"))) Constructible final : T {
-        explicit Constructible(Arguments&&... values) : T(std::forward<Arguments>(values)...) {}
-    };
-
-    return std::make_shared<Constructible>(std::forward<Arguments>(arguments)...);
+    return std::make_shared<Constructible<T>>(std::forward<Arguments>(arguments)...);
 }
 
 } // namespace System

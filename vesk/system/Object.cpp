@@ -4,6 +4,7 @@
 #include <cstdlib>
 #include <cxxabi.h>
 #include <functional>
+#include <string_view>
 #include <typeinfo>
 
 namespace System {
@@ -19,7 +20,14 @@ int Object::GetHashCode() const {
 String Object::ToString() const {
     const std::unique_ptr<char, void (*)(void*)> name(
         abi::__cxa_demangle(typeid(*this).name(), nullptr, nullptr, nullptr), std::free);
-    return name ? name.get() : typeid(*this).name();
+    std::string text = name ? name.get() : typeid(*this).name();
+    // What MakeShared has made is a Constructible<T>; the class that is meant is T.
+    constexpr std::string_view MADE = "System::Constructible<";
+    if (text.starts_with(MADE)) {
+        text = text.substr(MADE.size(), text.rfind('>') - MADE.size());
+        text.erase(text.find_last_not_of(' ') + 1);
+    }
+    return text;
 }
 
 Object::~Object() = default;

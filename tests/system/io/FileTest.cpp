@@ -8,6 +8,7 @@
 #include <csignal>
 #include <filesystem>
 #include <sys/resource.h>
+#include <sys/stat.h>
 
 using namespace System;
 using namespace System::IO;
@@ -47,6 +48,12 @@ TEST_F(FileTest, FailsWithThePathAndLeavesNothingBehind) {
     fs::create_directory(_path);
     ExpectFailure<IOException>(_path + ": Is a directory", [&] { Write(_path); });
     EXPECT_EQ(_folder.Count(), 1);
+    const std::string pipe = _folder.Path("pipe");
+    ASSERT_EQ(mkfifo(pipe.c_str(), 0600), 0);
+    for (const std::string& device : {pipe, std::string("/dev/null")}) {
+        ExpectFailure<IOException>(device + ": not a regular file", [&] { Write(device); });
+        EXPECT_TRUE(fs::is_other(device)) << "it is not replaced";
+    }
     ExpectFailure<ArgumentNullException>("path must not be null", [&] { Write(nullptr); });
     ExpectFailure<ArgumentNullException>("bytes must not be null", [] { File::WriteAllBytes("a", {}); });
 }

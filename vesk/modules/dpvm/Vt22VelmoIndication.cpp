@@ -35,7 +35,7 @@ private:
 };
 
 const Events& AllEvents() {
-    static const Events events;
+    static const Events& events = *new Events; // never destroyed: a module may be updated to the last
     return events;
 }
 

@@ -5,6 +5,7 @@
 #include "vesk/system/MakeShared.h"
 #include "vesk/system/Object.h"
 
+#include <cstddef>
 #include <memory>
 #include <vector>
 
@@ -17,6 +18,36 @@ public:
     virtual int Count() const = 0;
     /// ArgumentOutOfRangeException outside 0 .. Count() - 1.
     virtual T Get(int index) const = 0;
+
+    /// Goes through a list that does not change meanwhile.
+    class Iterator {
+    public:
+        using difference_type = std::ptrdiff_t;
+        using value_type = T;
+
+        Iterator() = default;
+
+        Iterator(const IList* list, int index) : _list(list), _index(index) {}
+
+        T operator*() const { return _list->Get(_index); }
+
+        Iterator& operator++() {
+            ++_index;
+            return *this;
+        }
+
+        Iterator operator++(int) { return {_list, _index++}; }
+
+        bool operator==(const Iterator& other) const { return _index == other._index; }
+
+    private:
+        const IList* _list = nullptr;
+        int _index = 0;
+    };
+
+    Iterator begin() const { return {this, 0}; }
+
+    Iterator end() const { return {this, Count()}; }
 };
 
 /// A list that grows at its end.

@@ -6,7 +6,8 @@
 namespace System::Diagnostics {
 
 static std::function<void(const std::string&)>& Listener() {
-    static std::function<void(const std::string&)> listener;
+    // Never destroyed: whatever ends with the process may still have something to tell.
+    static auto& listener = *new std::function<void(const std::string&)>;
     return listener;
 }
 

@@ -7,6 +7,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <fcntl.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 namespace System::IO {
@@ -34,6 +35,11 @@ void File::WriteAllBytes(const String& path, const std::shared_ptr<IArray<unsign
     if (!bytes)
         _throw_argument_null_exception("bytes");
 
+    struct stat status {};
+
+    const bool there = ::lstat(path.Value().c_str(), &status) == 0;
+    if (there && !S_ISREG(status.st_mode) && !S_ISLNK(status.st_mode) && !S_ISDIR(status.st_mode))
+        _env_throw(IOException::Create(path.Value() + ": not a regular file"));
     std::string temporary = path.Value() + ".XXXXXX";
     const int descriptor = ::mkostemp(temporary.data(), O_CLOEXEC);
     if (descriptor < 0)

@@ -20,13 +20,15 @@ std::shared_ptr<FileStream> FileStream::Create(const String& path, FileMode, Fil
     struct stat status {};
 
     const bool regular = ::fstat(descriptor, &status) == 0 && S_ISREG(status.st_mode);
-    std::FILE* const file = regular ? ::fdopen(descriptor, "rb") : nullptr;
+    std::unique_ptr<std::FILE, Close> file(regular ? ::fdopen(descriptor, "rb") : nullptr);
     if (!file) {
         ::close(descriptor);
         _env_throw(IOException::Create(
             path.Value() + (S_ISDIR(status.st_mode) ? ": is a directory" : ": not a regular file")));
     }
-    return MakeShared<FileStream>(path, file, static_cast<std::int64_t>(status.st_size));
+    auto stream = MakeShared<FileStream>(path, file.get(), static_cast<std::int64_t>(status.st_size));
+    static_cast<void>(file.release()); // it is the stream's now
+    return stream;
 }
 
 FileStream::FileStream(String path, std::FILE* file, std::int64_t length)
