@@ -22,6 +22,7 @@ TEST(Texts, AreWordedExactly) {
         {FormatArray(bytes, 2, 1, "b", 10, 2), "[b0011111111]"},
         {FormatArray(bytes, 3, 0, "0x", 2, 16), "[]"},
         {FormatArray(words, 0, 2, "0x", 4, 16), "[0x0001, 0xffff]"},
+        {VeskException::Create("text")->ToString(), "Vesk.VeskException: text"},
         {ConfigException::Create("text")->ToString(), "Vesk.ConfigException: text"},
         {StartupException::Create("text")->ToString(), "Vesk.StartupException: text"},
         {ModuleStateException::Create("text")->ToString(), "Vesk.ModuleStateException: text"},

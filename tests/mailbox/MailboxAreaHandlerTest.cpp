@@ -9,6 +9,7 @@
 #include "vesk/mailbox/MailboxAreaHandler.h"
 #include "vesk/mailbox/MailboxResponseException.h"
 #include "vesk/mailbox/MailboxTimeoutException.h"
+#include "vesk/mailbox/Request.h"
 #include "vesk/mailbox/RequestBuilder.h"
 
 #include <gmock/gmock.h>
@@ -85,6 +86,23 @@ TEST_F(MailboxAreaHandlerTest, WritesHeaderAndDataInOneGoOnceTheModuleHasBooted)
                                                    0x05, 0x06, 0x07, 0x08, 0x09, 0x0A, 0x0B, 0x0C, 0, 0, 0, 0,
                                                    0, 0, 0, 0, 0, 0, 0, 0, 0x0D, 0x0E, 0xDA));
     EXPECT_THAT(_dpram->Bytes(OUT - 1, 2), ElementsAre(0xDA, 0xEE));
+}
+
+TEST_F(MailboxAreaHandlerTest, DropsARequestOfAnotherClassWithMoreData) {
+    struct Own : Request {
+        explicit Own(const std::shared_ptr<Array<unsigned char>>& data)
+            : Request(MessageType::FIELDBUS, 0x16, 1, 1, 0, Array<unsigned short>::Create(8), data, "Own") {}
+    };
+
+    _handler->Enqueue(std::make_shared<Own>(Array<unsigned char>::Create(257)), nullptr, 1);
+    _handler->Enqueue(std::make_shared<Own>(nullptr), nullptr, 1);
+    Queue("a");
+    _handler->HandleBootEvent();
+    ExpectFailure<ArgumentOutOfRangeException>("257", [this] { _handler->Update(); });
+    ExpectFailure<System::ArgumentNullException>("data must not be null", [this] { _handler->Update(); });
+    EXPECT_TRUE(_dpram->TakeLog().empty());
+    EXPECT_TRUE(_handler->Update());
+    EXPECT_EQ(IdInMailboxIn(), 3);
 }
 
 TEST_F(MailboxAreaHandlerTest, SendsInOrderOnceTheLastOneIsTakenAndAnswered) {

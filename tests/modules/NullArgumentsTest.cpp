@@ -5,6 +5,8 @@
 #include "tests/support/FirmwareFileBuilder.h"
 #include "tests/support/RecordingHostInterface.h"
 
+#include "vesk/mailbox/MailboxResponseException.h"
+#include "vesk/mailbox/MailboxTimeoutException.h"
 #include "vesk/modules/bootloader/BootloaderCtrl.h"
 #include "vesk/modules/bootloader/CRC16.h"
 #include "vesk/modules/dpvm/DPVMMessages.h"
@@ -20,6 +22,7 @@
 
 #include <functional>
 
+using namespace Vesk::Mailbox;
 using namespace Vesk::Modules::Bootloader;
 using namespace Vesk::Modules::DPVM;
 using namespace Vesk::Modules::DPVM::Config;
@@ -30,6 +33,7 @@ TEST(NullArgumentsTest, AreNamed) {
     const auto bootloader = Vt22Bootloader::Create(std::make_shared<RecordingHostInterface>());
     const auto master = Vt22Module::Create(std::make_shared<RecordingHostInterface>(), {}, {}, {}, {});
     const auto firmware = FirmwareFileBuilder().Read();
+    const auto request = DPVMMessages::GetLiveList();
     const auto info = [](auto timeStamp, auto additionalInfo) {
         return Vt22FatalEventInfo::Create(0, 0, 0, timeStamp, additionalInfo, 0, nullptr);
     };
@@ -45,6 +49,13 @@ TEST(NullArgumentsTest, AreNamed) {
         {"hostInterface", [] { Vt22Bootloader::Create(nullptr); }},
         {"path", [] { Vt22::CreateUnconfigured(nullptr, 0, nullptr, nullptr, nullptr); }},
         {"path", [] { Vt22::CreateBootloaderModule(nullptr, 0, nullptr, nullptr, nullptr); }},
+        {"callable", [] { System::Func<void>::Create(nullptr); }},
+        {"callable", [] { System::ArgFunc<bool, void>::Create(nullptr); }},
+        {"method", [] { System::WeakMethodArgFunc<Vt22Module, bool, void>::Create({}, nullptr); }},
+        {"exception", [] { System::_env_throw(nullptr); }},
+        {"request", [] { MailboxTimeoutException::Create(nullptr, 1); }},
+        {"response", [&] { MailboxResponseException::Create(nullptr, request); }},
+        {"request", [] { MailboxResponseException::Create(std::shared_ptr<IResponse>(), nullptr); }},
         {"config", [] { Vt22::CreateConfigured(nullptr, 0, {}, {}, {}, {}, {}, {}, nullptr); }},
         {"timeStamp", [&] { info(nullptr, nullptr); }},
         {"additionalInfo", [&] { info(span, nullptr); }},

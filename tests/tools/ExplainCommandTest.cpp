@@ -44,8 +44,9 @@ TEST(ExplainCommandTest, KnowsWhatTheLibrarySaysAndNothingElse) {
     }
     EXPECT_EQ(types, FindInLibrary("TypeName\\(\\) const \\{\\s*return \"([A-Za-z0-9.]+)\""));
     // The names of the commands, and the first words of what is thrown, up to the first value in it.
-    for (const auto& [kind, pattern] : {std::pair("command", "MailboxCommand \\w+\\{[^\"]+\"(\\w+)\""),
-                                        {"message", "Exception::Create\\([^\";]*\"([A-Z][^\":]* [^\":]*)"}}) {
+    for (const auto& [kind, pattern] :
+         {std::pair("command", "MailboxCommand \\w+\\{[^\"]+\"(\\w+)\""),
+          {"message", "Exception::Create\\([^\";]*\"([A-Z][^\":\\\\]* [^\":\\\\]*)"}}) {
         EXPECT_GE(FindInLibrary(pattern).size(), 30U) << pattern;
         for (const std::string& words : FindInLibrary(pattern))
             EXPECT_EQ(Explain(words).at(0).kind, kind) << words;

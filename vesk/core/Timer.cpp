@@ -14,6 +14,11 @@ void Timer::Start() {
     _start = System::DateTime::Now();
 }
 
+void Timer::Start(std::int64_t nanoseconds) {
+    _nanoseconds = nanoseconds;
+    Start();
+}
+
 void Timer::Stop() {
     _start.reset();
 }

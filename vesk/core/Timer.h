@@ -19,6 +19,8 @@ public:
 
     /// Takes the current time as the start; a running timer starts anew.
     void Start();
+    /// The same with that length.
+    void Start(std::int64_t nanoseconds);
     void Stop();
 
     /// Whether `_nanoseconds` have passed since Start. ArgumentNullException "_start" on a stopped timer,

@@ -7,6 +7,10 @@ namespace Vesk {
 
 VeskException::VeskException(System::String message) : System::Exception(std::move(message)) {}
 
+std::shared_ptr<VeskException> VeskException::Create(System::String message) {
+    return System::MakeShared<VeskException>(std::move(message));
+}
+
 System::String VeskException::TypeName() const {
     return "Vesk.VeskException";
 }

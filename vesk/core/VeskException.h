@@ -5,9 +5,10 @@
 
 namespace Vesk {
 
-/// The root of the library's own exceptions; never thrown itself.
+/// The root of the library's own exceptions; the library does not throw it itself.
 class VeskException : public System::Exception {
 public:
+    static std::shared_ptr<VeskException> Create(System::String message);
     System::String TypeName() const override;
 
 protected:

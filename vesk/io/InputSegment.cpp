@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "vesk/io/InputSegment.h"
 
-#include "vesk/system/text/StringBuilder.h"
+#include "vesk/core/TextOf.h"
 
 #include <cstring>
 
@@ -58,14 +58,7 @@ const unsigned char* InputSegment::Source() const {
 }
 
 System::String InputSegment::ToString() const {
-    return System::Text::StringBuilder()
-        .Append("InputSegment dpRamOffset: ")
-        .Append(_dpRamOffset)
-        .Append(", src: ")
-        .Append(_srcOffset)
-        .Append(", count: ")
-        .Append(_count)
-        .ToString();
+    return TextOf("InputSegment dpRamOffset: ", _dpRamOffset, ", src: ", _srcOffset, ", count: ", _count);
 }
 
 } // namespace Vesk::IO

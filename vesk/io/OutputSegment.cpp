@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "vesk/io/OutputSegment.h"
 
-#include "vesk/system/text/StringBuilder.h"
+#include "vesk/core/TextOf.h"
 
 namespace Vesk::IO {
 
@@ -33,14 +33,7 @@ void OutputSegment::Copy() {
 }
 
 System::String OutputSegment::ToString() const {
-    return System::Text::StringBuilder()
-        .Append("OutputSegment dpRamOffset: ")
-        .Append(_dpRamOffset)
-        .Append(", dst: ")
-        .Append(_dstOffset)
-        .Append(", count: ")
-        .Append(_count)
-        .ToString();
+    return TextOf("OutputSegment dpRamOffset: ", _dpRamOffset, ", dst: ", _dstOffset, ", count: ", _count);
 }
 
 } // namespace Vesk::IO

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "vesk/core/TextOf.h"
 #include "vesk/core/VeskException.h"
-#include "vesk/system/text/StringBuilder.h"
 
 #include <cstdint>
 #include <memory>
@@ -47,9 +47,10 @@ private:
         return {start, static_cast<std::int64_t>(start) + segment.Count()};
     }
 
-    [[noreturn]] static void Throw(const char* what, std::int64_t left, const char* leftIs,
-                                   std::int64_t leftBound, std::int64_t right, const char* rightIs,
-                                   std::int64_t rightBound);
+    template <class... Pieces>
+    [[noreturn]] static void Refuse(const Pieces&... why) {
+        System::_env_throw(ConfigException::Create(TextOf(why...)));
+    }
 
     unsigned short _baseOffset;
     unsigned short _size;
@@ -62,24 +63,18 @@ template <class Segment>
 void Placement<Segment>::Check(unsigned short offset, int count) const {
     const std::int64_t end = static_cast<std::int64_t>(offset) + count;
     if (end > _size)
-        System::_env_throw(ConfigException::Create(System::Text::StringBuilder()
-                                                       .AppendLine("Segment mapped outside area")
-                                                       .Append(offset)
-                                                       .Append(" + ")
-                                                       .Append(count)
-                                                       .Append(" > ")
-                                                       .Append(_size)
-                                                       .ToString()));
+        Refuse("Segment mapped outside area\n", offset, " + ", count, " > ", _size);
     for (const auto& segment : _segments) {
         const Range other = RangeOf(*segment);
         if (other.start <= offset && offset < other.end)
-            Throw("Start of segment within existing segment", offset, " >= ", other.start, offset, " < ",
-                  other.end);
+            Refuse("Start of segment within existing segment\n", offset, " >= ", other.start, " && ", offset,
+                   " < ", other.end);
         if (other.start < end && end <= other.end)
-            Throw("End of segment within existing segment", end, " > ", other.start, end, " <= ", other.end);
+            Refuse("End of segment within existing segment\n", end, " > ", other.start, " && ", end,
+                   " <= ", other.end);
         if (offset <= other.start && other.end <= end)
-            Throw("Segment wraps around existing segment", offset, " <= ", other.start, end,
-                  " >= ", other.end);
+            Refuse("Segment wraps around existing segment\n", offset, " <= ", other.start, " && ", end,
+                   " >= ", other.end);
     }
 }
 
@@ -91,22 +86,6 @@ void Placement<Segment>::Add(std::shared_ptr<Segment> segment) {
     _totalMapped = static_cast<unsigned short>(_totalMapped + count);
     if (range.end > _highestEnd)
         _highestEnd = static_cast<unsigned short>(range.end);
-}
-
-template <class Segment>
-void Placement<Segment>::Throw(const char* what, std::int64_t left, const char* leftIs,
-                               std::int64_t leftBound, std::int64_t right, const char* rightIs,
-                               std::int64_t rightBound) {
-    System::_env_throw(ConfigException::Create(System::Text::StringBuilder()
-                                                   .AppendLine(what)
-                                                   .Append(left)
-                                                   .Append(leftIs)
-                                                   .Append(leftBound)
-                                                   .Append(" && ")
-                                                   .Append(right)
-                                                   .Append(rightIs)
-                                                   .Append(rightBound)
-                                                   .ToString()));
 }
 
 } // namespace Vesk::IO

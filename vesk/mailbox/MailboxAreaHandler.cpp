@@ -2,12 +2,12 @@
 #include "vesk/mailbox/MailboxAreaHandler.h"
 
 #include "vesk/core/FormatArray.h"
+#include "vesk/core/TextOf.h"
 #include "vesk/hostinterface/MailboxDpRam.h"
 #include "vesk/hostinterface/RuntimeConfig.h"
 #include "vesk/mailbox/MailboxResponseException.h"
 #include "vesk/mailbox/Response.h"
 #include "vesk/system/diagnostics/Trace.h"
-#include "vesk/system/text/StringBuilder.h"
 
 #include <algorithm>
 
@@ -15,14 +15,13 @@ namespace Vesk::Mailbox {
 
 using HostInterface::MailboxDpRam::AREA_SIZE;
 using HostInterface::MailboxDpRam::HEADER_SIZE;
+using HostInterface::MailboxDpRam::MAX_DATA_SIZE;
 using System::Array;
 using System::IArray;
-using System::Text::StringBuilder;
 
 static void TraceMessage(const char* what, const System::Object& message) {
     if (RuntimeConfig::_printMailbox)
-        System::Diagnostics::Trace::TraceDebug(
-            StringBuilder().Append(what).Append(message.ToString()).ToString());
+        System::Diagnostics::Trace::TraceDebug(TextOf(what, message.ToString()));
 }
 
 std::shared_ptr<MailboxAreaHandler>
@@ -55,10 +54,11 @@ bool MailboxAreaHandler::Update() {
     }
     if (!_mailboxInFree || _queue->IsEmpty())
         return false;
+    auto next = _queue->Dequeue();
+    Send(*next);
+    next->StartTimer();
+    _outstanding = std::move(next);
     _mailboxInFree = false;
-    _outstanding = _queue->Dequeue();
-    Send(*_outstanding);
-    _outstanding->StartTimer();
     return true;
 }
 
@@ -66,14 +66,20 @@ void MailboxAreaHandler::Send(const RequestContainer& container) {
     IRequest& request = *container.Request;
     TraceMessage("MailboxAreaHandler, sending mailbox:", request);
 
+    // The application may have a class of its own for its request.
     const std::shared_ptr<IArray<unsigned char>> data = request.Data();
+    if (!data)
+        System::_throw_argument_null_exception("data");
+    const int count = data->Count();
+    if (count > MAX_DATA_SIZE)
+        System::_env_throw(System::ArgumentOutOfRangeException::Create(std::to_string(count)));
     const auto header =
         Header::Create(container.MessageId, request.Type(), ErrorCode::NO_ERROR, true, request.Command(),
-                       static_cast<unsigned short>(data->Count()), request.TotalFrameCount(),
-                       request.FrameNumber(), request.Offset(), request.Extended());
+                       static_cast<unsigned short>(count), request.TotalFrameCount(), request.FrameNumber(),
+                       request.Offset(), request.Extended());
     header->ToArray(_mailboxIn, 0);
-    std::copy_n(data->Data(), data->Count(), _mailboxIn->Data() + HEADER_SIZE);
-    _hostInterface->Write(_mailboxInOffset, _mailboxIn, 0, HEADER_SIZE + data->Count());
+    std::copy_n(data->Data(), count, _mailboxIn->Data() + HEADER_SIZE);
+    _hostInterface->Write(_mailboxInOffset, _mailboxIn, 0, HEADER_SIZE + count);
 }
 
 void MailboxAreaHandler::RequestAcknowledged() {
@@ -87,10 +93,8 @@ void MailboxAreaHandler::ResponseAvailable() {
     _hostInterface->Read(_mailboxOutOffset, message, 0, AREA_SIZE);
     if (!_outstanding)
         System::_env_throw(MailboxResponseException::Create(
-            StringBuilder()
-                .AppendLine("Received response without an outstanding request:")
-                .AppendLine(FormatArray(message, 0, message->Count(), "0x", 2, 16))
-                .ToString()));
+            TextOf("Received response without an outstanding request:\n",
+                   FormatArray(message, 0, message->Count(), "0x", 2, 16), "\n")));
 
     const auto header = Header::FromArray(message, 0, true);
     CheckBelongs(*header);
@@ -113,12 +117,8 @@ void MailboxAreaHandler::CheckBelongs(const Header& header) const {
                                                                        : nullptr;
     if (mismatch)
         System::_env_throw(MailboxResponseException::Create(
-            StringBuilder()
-                .Append(mismatch)
-                .AppendLine(" of response header does not match outstanding request:")
-                .AppendLine(header.ToString())
-                .AppendLine(request.ToString())
-                .ToString()));
+            TextOf(mismatch, " of response header does not match outstanding request:\n", header.ToString(),
+                   "\n", request.ToString(), "\n")));
 }
 
 } // namespace Vesk::Mailbox

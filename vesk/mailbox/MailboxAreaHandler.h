@@ -44,7 +44,8 @@ public:
 
     /// Writes the next request if one is waiting, mailbox-in is free and nothing is outstanding; true when it
     /// did, and the module is to be told. MailboxTimeoutException, on every call, while the outstanding
-    /// request is overdue.
+    /// request is overdue; ArgumentOutOfRangeException with the count for a request with more than 256 bytes
+    /// of data, which is then dropped with nothing written.
     bool Update();
 
 protected:

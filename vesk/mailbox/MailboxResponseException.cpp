@@ -1,17 +1,9 @@
 // SPDX-License-Identifier: MIT
 #include "vesk/mailbox/MailboxResponseException.h"
 
-#include "vesk/system/text/StringBuilder.h"
+#include "vesk/core/TextOf.h"
 
 namespace Vesk::Mailbox {
-
-using System::Text::StringBuilder;
-
-static StringBuilder TextOf(const std::shared_ptr<IResponse>& response) {
-    StringBuilder text;
-    text.AppendLine("Received erroneous mailbox response:").AppendLine(response->ToString());
-    return text;
-}
 
 std::shared_ptr<MailboxResponseException> MailboxResponseException::Create(System::String message) {
     return System::MakeShared<MailboxResponseException>(std::move(message));
@@ -19,14 +11,17 @@ std::shared_ptr<MailboxResponseException> MailboxResponseException::Create(Syste
 
 std::shared_ptr<MailboxResponseException>
 MailboxResponseException::Create(const std::shared_ptr<IResponse>& response) {
-    return Create(TextOf(response).ToString());
+    if (!response)
+        System::_throw_argument_null_exception("response");
+    return Create(TextOf("Received erroneous mailbox response:\n", response->ToString(), "\n"));
 }
 
 std::shared_ptr<MailboxResponseException>
 MailboxResponseException::Create(const std::shared_ptr<IResponse>& response,
                                  const std::shared_ptr<IRequest>& request) {
-    StringBuilder text = TextOf(response);
-    return Create(text.AppendLine("Mailbox request:").AppendLine(request->ToString()).ToString());
+    if (!request)
+        System::_throw_argument_null_exception("request");
+    return Create(TextOf(Create(response)->Message(), "Mailbox request:\n", request->ToString(), "\n"));
 }
 
 void MailboxResponseException::ThrowIfError(const std::shared_ptr<IResponse>& response) {

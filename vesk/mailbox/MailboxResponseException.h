@@ -11,7 +11,8 @@ namespace Vesk::Mailbox {
 class MailboxResponseException : public VeskException {
 public:
     static std::shared_ptr<MailboxResponseException> Create(System::String message);
-    /// The module answered with an error; the text shows the response, and the request if it is given.
+    /// The module answered with an error; the text shows the response, and the request if it is asked for.
+    /// ArgumentNullException naming the one that is null.
     static std::shared_ptr<MailboxResponseException> Create(const std::shared_ptr<IResponse>& response);
     static std::shared_ptr<MailboxResponseException> Create(const std::shared_ptr<IResponse>& response,
                                                             const std::shared_ptr<IRequest>& request);

@@ -1,8 +1,9 @@
 // SPDX-License-Identifier: MIT
 #include "vesk/mailbox/MailboxTimeoutException.h"
 
+#include "vesk/core/TextOf.h"
+#include "vesk/system/Checks.h"
 #include "vesk/system/MakeShared.h"
-#include "vesk/system/text/StringBuilder.h"
 
 namespace Vesk::Mailbox {
 
@@ -12,13 +13,10 @@ std::shared_ptr<MailboxTimeoutException> MailboxTimeoutException::Create(System:
 
 std::shared_ptr<MailboxTimeoutException>
 MailboxTimeoutException::Create(const std::shared_ptr<IRequest>& request, int timeoutSeconds) {
-    return Create(System::Text::StringBuilder()
-                      .Append("Timeout after ")
-                      .Append(timeoutSeconds)
-                      .AppendLine(" seconds.")
-                      .AppendLine("Mailbox request:")
-                      .AppendLine(request->ToString())
-                      .ToString());
+    if (!request)
+        System::_throw_argument_null_exception("request");
+    return Create(
+        TextOf("Timeout after ", timeoutSeconds, " seconds.\nMailbox request:\n", request->ToString(), "\n"));
 }
 
 System::String MailboxTimeoutException::TypeName() const {

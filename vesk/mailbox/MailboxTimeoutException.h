@@ -10,7 +10,7 @@ namespace Vesk::Mailbox {
 class MailboxTimeoutException : public VeskException {
 public:
     static std::shared_ptr<MailboxTimeoutException> Create(System::String message);
-    /// The text shows the time-out and the request.
+    /// The text shows the time-out and the request. ArgumentNullException without a request.
     static std::shared_ptr<MailboxTimeoutException> Create(const std::shared_ptr<IRequest>& request,
                                                            int timeoutSeconds);
     System::String TypeName() const override;

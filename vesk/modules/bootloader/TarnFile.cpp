@@ -2,6 +2,7 @@
 #include "vesk/modules/bootloader/TarnFile.h"
 
 #include "vesk/core/FormatArray.h"
+#include "vesk/core/TextOf.h"
 #include "vesk/modules/bootloader/FirmwareHeader.h"
 #include "vesk/system/Convert.h"
 #include "vesk/system/Exception.h"
@@ -142,7 +143,7 @@ String TarnFile::FirmwareTypeToString(FirmwareType_e type) {
     case FirmwareType_e::CONFIGURATION_FIRMWARE:
         return "CONFIGURATION_FIRMWARE";
     }
-    return StringBuilder().Append("UNKNOWN: ").AppendHex(static_cast<unsigned short>(type)).ToString();
+    return TextOf("UNKNOWN: ", InHex{static_cast<unsigned short>(type)});
 }
 
 String TarnFile::ToString() const {

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "vesk/modules/dpvm/Vt22FatalEventException.h"
 
-#include "vesk/system/text/StringBuilder.h"
+#include "vesk/core/TextOf.h"
 
 namespace Vesk::Modules::DPVM {
 
@@ -16,7 +16,7 @@ Vt22FatalEventException::Vt22FatalEventException(std::shared_ptr<IVt22FatalEvent
     : VeskException("Fatal event reported by VT22 module"), _info(std::move(info)) {}
 
 System::String Vt22FatalEventException::ToString() const {
-    return System::Text::StringBuilder().AppendLine(TypeName()).AppendLine(_info->ToString()).ToString();
+    return TextOf(TypeName(), "\n", _info->ToString(), "\n");
 }
 
 System::String Vt22FatalEventException::TypeName() const {

@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: MIT
 #include "vesk/modules/dpvm/Vt22FieldbusOut.h"
 
+#include "vesk/core/TextOf.h"
 #include "vesk/core/VeskException.h"
 #include "vesk/modules/dpvm/CheckReservedBits.h"
-#include "vesk/system/text/StringBuilder.h"
 
 namespace Vesk::Modules::DPVM {
 
@@ -65,8 +65,7 @@ void Vt22FieldbusOut::UpdateMasterStatus() {
     case OperationMode_e::OFFLINE: // a module that is offline has no mode to report
         break;
     }
-    System::_env_throw(ModuleStateException::Create(
-        System::Text::StringBuilder().Append("Invalid operation mode: ").AppendHex(mode).ToString()));
+    System::_env_throw(ModuleStateException::Create(TextOf("Invalid operation mode: ", InHex{mode})));
 }
 
 } // namespace Vesk::Modules::DPVM
