@@ -123,8 +123,9 @@ TYPED_TEST(StartUpTest, RefusesAnInterruptInResetAnotherDpRamAndAStateThatIsNone
     this->Create(0x2001);
     this->_host->irq = true;
     this->_clock.Advance(500'000);
-    this->template ExpectUpdate<Vesk::ModuleStateException>("IRQ not cleared at power off");
-    EXPECT_EQ(this->_host->TakeLog(), (Log{TypeParam::PROGRAM, "off", "irq"})) << "still in reset";
+    for (int i = 0; i < 2; ++i)
+        this->template ExpectUpdate<Vesk::ModuleStateException>("IRQ not cleared at power off");
+    EXPECT_EQ(this->_host->TakeLog(), (Log{TypeParam::PROGRAM, "off", "irq", "irq"})) << "still in reset";
     this->_host->irq = false;
     this->_module->Reset();
     this->_clock.Advance(500'000);
@@ -148,6 +149,18 @@ TYPED_TEST(StartUpTest, WaitsForTheFirstInterrupt) {
     this->_host->irq = true;
     this->Update(1'000'000'000);
     EXPECT_TRUE(this->_module->Booted()) << "an interrupt counts even then";
+}
+
+TYPED_TEST(StartUpTest, LastsUntilUpdateHasReturned) {
+    this->Update(500'000);
+    const std::weak_ptr<Vesk::Modules::IModule> module = this->_module;
+    this->_host->beforeAccess = [&](const std::string&) {
+        this->_module = nullptr;
+        EXPECT_FALSE(module.expired());
+    };
+    this->_host->irq = true;
+    this->_module->Update();
+    EXPECT_TRUE(module.expired());
 }
 
 TYPED_TEST(StartUpTest, ChecksTheIdentityInOrder) {

@@ -8,6 +8,7 @@
 #include "vesk/mailbox/IResponse.h"
 #include "vesk/mailbox/MailboxResponseException.h"
 #include "vesk/mailbox/MailboxTimeoutException.h"
+#include "vesk/modules/dpvm/DPVMMessages.h"
 #include "vesk/modules/dpvm/Vt22FatalEventException.h"
 #include "vesk/modules/dpvm/Vt22Module.h"
 
@@ -368,7 +369,8 @@ TEST_F(Vt22ModuleTest, SendsEachServiceWithItsWordsAndThreeSecondsToAnswer) {
     }
     EXPECT_EQ(answers, 15) << "an error reaches the callback too, and SetOperationMode has none";
     _module->SetOperationMode(OperationMode_e::STOP);
+    _module->Enqueue(DPVMMessages::GetLiveList(), nullptr, 3);
     Update();
-    EXPECT_THROW(Answer(0x82), std::shared_ptr<System::Exception>) << "which throws it then";
+    EXPECT_THROW(Answer(0x82), Vesk::Mailbox::MailboxResponseException) << "which throws it then";
     ExpectTimeout<MailboxTimeoutException>(3 * SECOND, "Timeout after 3 seconds.\n...");
 }

@@ -56,7 +56,7 @@ static std::optional<std::size_t> PlaceInProgram(std::uint64_t start, std::uint6
 static unsigned short Checksum(const Byte* bytes, std::size_t count) {
     const auto crc = CRC16::Create();
     std::for_each(bytes, bytes + count, [&](Byte byte) { crc->Digest(byte); });
-    return crc->Value();
+    return crc->Value;
 }
 
 std::vector<Byte> EncodeFirmwareFile(FirmwareHeader header, const Program& program) {

@@ -13,7 +13,7 @@ void CRC16::Digest(const std::shared_ptr<IArray<unsigned char>>& array, int offs
     if (count <= 0)
         return;
     const auto bytes = System::ArraySegment<unsigned char>::Create(array, offset, count);
-    _register = Register::Shift(_register, bytes->Data(), static_cast<std::size_t>(count));
+    Value = Register::Shift(Value, bytes->Data(), static_cast<std::size_t>(count));
 }
 
 void CRC16::Digest(const std::shared_ptr<IArray<unsigned char>>& array) {

@@ -20,7 +20,7 @@ public:
     static std::shared_ptr<CRC16> Create();
 
     /// Takes the low eight bits of `b`.
-    void Digest(int b) { _register = Register::Shift(_register, static_cast<unsigned char>(b)); }
+    void Digest(int b) { Value = Register::Shift(Value, static_cast<unsigned char>(b)); }
 
     /// Takes `count` bytes of `array` from `offset` on; nothing when `count` is not above 0.
     /// ArgumentOutOfRangeException, with nothing taken, for a range outside the array.
@@ -28,14 +28,11 @@ public:
     /// Takes every byte of `array`. ArgumentNullException without an array.
     void Digest(const std::shared_ptr<System::IArray<unsigned char>>& array);
 
-    /// The checksum of the bytes so far.
-    unsigned short Value() const { return _register; }
+    /// The register: the checksum of the bytes so far.
+    unsigned short Value = 0xFFFF;
 
 protected:
     CRC16() = default;
-
-private:
-    unsigned short _register = 0xFFFF;
 };
 
 } // namespace Vesk::Modules::Bootloader

@@ -19,7 +19,9 @@ class IDPVMModule : public Slave::ISlaveModule {
 public:
     using ResponseAction = std::shared_ptr<Mailbox::IResponseAction>;
 
-    /// The module's database matches the bus configuration that the module object was created with.
+    /// The module's database matches the bus configuration that the module object was created with: false
+    /// without a configuration, and in BOOTED and DOWNLOADING, whatever the database is. An initialisation
+    /// that is begun there is not waited for, so from then on it is true before the comparison is over.
     virtual bool Configured() = 0;
     /// What the module says of its database. ModuleStateException "Module not configured" until Configured.
     virtual std::shared_ptr<DatabaseInfo> GetDatabaseInfo() = 0;

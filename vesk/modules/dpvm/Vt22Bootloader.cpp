@@ -1,34 +1,17 @@
 // SPDX-License-Identifier: MIT
+// The start-up and the exchange of the module in its bootloader. The download has a file of its own beside
+// this one.
 #include "vesk/modules/dpvm/Vt22Bootloader.h"
 
+#include "vesk/core/TextOf.h"
 #include "vesk/core/VeskException.h"
-#include "vesk/mailbox/ErrorCode.h"
-#include "vesk/mailbox/MailboxResponseException.h"
-#include "vesk/mailbox/MessageType.h"
-#include "vesk/modules/bootloader/BootloaderMessages.h"
-#include "vesk/modules/bootloader/CRC16.h"
-#include "vesk/modules/bootloader/ProductionMessages.h"
 #include "vesk/modules/dpvm/CheckIdentity.h"
-#include "vesk/system/Exception.h"
-#include "vesk/system/text/StringBuilder.h"
-
-#include <algorithm>
-#include <limits>
+#include "vesk/modules/dpvm/StartUp.h"
 
 namespace Vesk::Modules::DPVM {
 
 namespace DpRam = HostInterface::BootloaderDpRam;
-using Bootloader::BootloaderMessages;
-using Bootloader::FirmwareType_e;
-using Bootloader::ProductionMessages;
-using Bootloader::TarnFile;
-using Mailbox::IRequest;
-using Mailbox::IResponse;
-using System::Array;
-using System::IArray;
-using System::Text::StringBuilder;
 
-static constexpr std::int64_t RESET_NANOSECONDS = 500'000;
 static constexpr std::int64_t BOOT_NANOSECONDS = 1'000'000'000;
 static constexpr unsigned short MODULE_TYPE = 0x0101;
 static constexpr unsigned short FIELDBUS_TYPE = 0;
@@ -49,24 +32,18 @@ Vt22Bootloader::Vt22Bootloader(std::shared_ptr<HostInterface::IHostInterface> ho
 
 void Vt22Bootloader::Reset() {
     _hostInterface->BootloaderEnable();
-    _hostInterface->PowerOff();
-    _timer->_nanoseconds = RESET_NANOSECONDS;
-    _timer->Start();
+    StartUp::HoldInReset(*_hostInterface, *_timer);
     ChangeState(ModuleState_e::POWER_OFF);
 }
 
 void Vt22Bootloader::PowerOn() {
-    _hostInterface->PowerOn();
-    _timer->_nanoseconds = BOOT_NANOSECONDS;
-    _timer->Start();
+    StartUp::ReleaseReset(*_hostInterface, *_timer, BOOT_NANOSECONDS);
     ChangeState(ModuleState_e::POWER_ON);
     CreateAreas();
 }
 
 void Vt22Bootloader::CreateAreas() {
-    const int size = _hostInterface->Size();
-    if (size != DpRam::SIZE)
-        System::_throw_equal_exception(size, DpRam::SIZE, "_hostInterface->Size()", "sizeof(DpRam)");
+    StartUp::CheckSize(*_hostInterface, DpRam::SIZE);
     _velmoIndication = Handshake::VelmoIndication::Create(DpRam::VELMO_INDICATION, _hostInterface);
     _applicationIndication =
         Handshake::ApplicationIndication::Create(DpRam::APPLICATION_INDICATION, _hostInterface);
@@ -75,6 +52,7 @@ void Vt22Bootloader::CreateAreas() {
 }
 
 void Vt22Bootloader::Update() {
+    const auto self = weak_from_this().lock(); // a callback may let go of the last reference
     switch (_state) {
     case ModuleState_e::POWER_OFF:
         return PollPowerOff();
@@ -87,27 +65,18 @@ void Vt22Bootloader::Update() {
     case ModuleState_e::DOWNLOAD_COMPLETE:
         return;
     }
-    System::_env_throw(
-        ModuleStateException::Create("Unknown state: " + std::to_string(static_cast<int>(_state))));
+    System::_env_throw(ModuleStateException::Create(TextOf("Unknown state: ", static_cast<int>(_state))));
 }
 
 void Vt22Bootloader::PollPowerOff() {
-    if (!_timer->Expired())
-        return;
-    _timer->Stop();
-    if (_hostInterface->VelmoIRQ())
-        System::_env_throw(ModuleStateException::Create("IRQ not cleared at power off"));
-    PowerOn();
+    if (StartUp::PulseIsOver(*_hostInterface, *_timer))
+        PowerOn();
 }
 
 void Vt22Bootloader::PollPowerOn() {
-    if (!_hostInterface->VelmoIRQ()) {
-        if (_timer->Expired())
-            System::_env_throw(StartupException::Create("Timeout waiting for initial IRQ"));
+    if (!StartUp::HasBooted(*_hostInterface, *_timer))
         return;
-    }
-    CheckAreas();
-    _timer->Stop();
+    RequireAreas();
     _velmoIndication->HandleBootEvent();
     _mailbox->HandleBootEvent();
     _bootloaderCtrl->HandleBootEvent();
@@ -115,14 +84,13 @@ void Vt22Bootloader::PollPowerOn() {
     ChangeState(ModuleState_e::BOOTED);
 }
 
-/// The mailbox is the last area that a power-on creates: without it there was none, or it has failed.
-void Vt22Bootloader::CheckAreas() const {
-    if (!_mailbox)
+void Vt22Bootloader::RequireAreas() const {
+    if (!_mailbox) // the last one that a power-on creates
         System::_throw_null_reference_exception("_mailbox");
 }
 
 void Vt22Bootloader::CommonStep() {
-    CheckAreas();
+    RequireAreas();
     if (_hostInterface->VelmoIRQ())
         HandleIndication();
     if (_mailbox->Update())
@@ -147,13 +115,9 @@ void Vt22Bootloader::VerifyIdentity() {
     CheckIdentity("fieldbus type", FIELDBUS_TYPE, FieldbusType());
     CheckIdentity("vendor id", VENDOR_ID, VendorId());
     if (BootloaderMajor() < LOWEST_BOOTLOADER_MAJOR)
-        System::_env_throw(
-            ModuleIdentityException::Create(StringBuilder()
-                                                .Append("Unsupported major bootloader version: ")
-                                                .Append(BootloaderMajor())
-                                                .Append(", expected: ")
-                                                .Append(LOWEST_BOOTLOADER_MAJOR)
-                                                .ToString()));
+        System::_env_throw(ModuleIdentityException::Create(
+            TextOf("Unsupported major bootloader version: ", BootloaderMajor(),
+                   ", expected: ", LOWEST_BOOTLOADER_MAJOR)));
 }
 
 bool Vt22Bootloader::Booted() {
@@ -188,137 +152,6 @@ unsigned int Vt22Bootloader::Serial() {
 
 unsigned short Vt22Bootloader::VendorId() {
     return Ctrl().VendorId();
-}
-
-std::shared_ptr<Vt22Bootloader::Segments>
-Vt22Bootloader::GetSegments(const std::shared_ptr<IArray<unsigned char>>& data) {
-    if (!data)
-        System::_throw_argument_null_exception("data");
-    constexpr int SEGMENT_SIZE = HostInterface::MailboxDpRam::MAX_DATA_SIZE;
-    const auto segments = Segments::Create();
-    const unsigned char* const bytes = data->Data();
-    const int count = data->Count();
-    for (int offset = 0; offset < count;) {
-        const int size = std::min(SEGMENT_SIZE, count - offset);
-        segments->Add(
-            Array<unsigned char>::Create(std::vector<unsigned char>(bytes + offset, bytes + offset + size)));
-        offset += size;
-    }
-    return segments;
-}
-
-/// Queues one data frame per segment of `program`, the first for `address`.
-template <class Requests, class DataFrame>
-static void EnqueueProgram(Requests& requests, const std::shared_ptr<IArray<unsigned char>>& program,
-                           unsigned int address, DataFrame dataFrame) {
-    constexpr int MAX_FRAMES = std::numeric_limits<unsigned short>::max();
-    const auto segments = Vt22Bootloader::GetSegments(program);
-    const int count = segments->Count();
-    if (count > MAX_FRAMES)
-        System::_throw_not_greater_exception(count, MAX_FRAMES, "segments", "frames");
-    unsigned short frameNumber = 0;
-    for (const auto& segment : *segments) {
-        requests.Enqueue(dataFrame(static_cast<unsigned short>(count), ++frameNumber, address, segment));
-        address += static_cast<unsigned int>(segment->Count());
-    }
-}
-
-static unsigned short Checksum(const std::shared_ptr<IArray<unsigned char>>& program) {
-    const auto crc = Bootloader::CRC16::Create();
-    crc->Digest(program);
-    return crc->Value();
-}
-
-void Vt22Bootloader::BeginFirmwareDownload(std::shared_ptr<TarnFile> firmware, int* remaining) {
-    CheckDownload(firmware, remaining, FirmwareType_e::APPLICATION_FIRMWARE);
-    const auto requests = Requests::Create();
-    requests->Enqueue(ProductionMessages::Enable());
-    requests->Enqueue(ProductionMessages::FlashWriteEnable());
-    requests->Enqueue(ProductionMessages::FlashErase());
-    requests->Enqueue(BootloaderMessages::FwDownloadInit());
-    EnqueueProgram(*requests, firmware->ProgramData, firmware->AddressBurnStart,
-                   BootloaderMessages::FwDownloadData);
-    requests->Enqueue(BootloaderMessages::FwDownloadLast(Checksum(firmware->ProgramData), firmware->CrcStart,
-                                                         firmware->CrcLength));
-    BeginDownload(requests, remaining, ModuleState_e::FIRMWARE_DOWNLOADING);
-}
-
-void Vt22Bootloader::BeginBootloaderDownload(std::shared_ptr<TarnFile> firmware, int* remaining) {
-    CheckDownload(firmware, remaining, FirmwareType_e::BOOTLOADER_FIRMWARE);
-    const auto requests = Requests::Create();
-    requests->Enqueue(BootloaderMessages::BlDownloadInit());
-    EnqueueProgram(*requests, firmware->ProgramData, 0, BootloaderMessages::BlDownloadData);
-    requests->Enqueue(
-        BootloaderMessages::BlDownloadLast(Checksum(firmware->ProgramData), 0, firmware->CrcLength));
-    BeginDownload(requests, remaining, ModuleState_e::BOOTLOADER_DOWNLOADING);
-}
-
-void Vt22Bootloader::CheckDownload(const std::shared_ptr<TarnFile>& firmware, const int* remaining,
-                                   FirmwareType_e expected) const {
-    if (!firmware)
-        System::_throw_argument_null_exception("firmware");
-    if (!remaining)
-        System::_throw_argument_null_exception("remaining");
-    if (_state != ModuleState_e::BOOTED)
-        System::_throw_equal_exception(static_cast<int>(_state), static_cast<int>(ModuleState_e::BOOTED),
-                                       "_state", "BOOTED");
-    if (firmware->FirmwareType != expected)
-        System::_env_throw(
-            System::ArgumentException::Create(TarnFile::FirmwareTypeToString(firmware->FirmwareType)));
-}
-
-void Vt22Bootloader::BeginDownload(std::shared_ptr<Requests> requests, int* remaining, ModuleState_e state) {
-    const int count = requests->Count();
-    Send(requests->Dequeue());
-    _downloadQueue = std::move(requests);
-    _remaining = count;
-    *remaining = count;
-    ChangeState(state);
-}
-
-void Vt22Bootloader::DownloadNext(std::shared_ptr<IResponse> response) {
-    Mailbox::MailboxResponseException::ThrowIfError(response);
-    if (!_downloadQueue)
-        System::_throw_null_reference_exception("_downloadQueue");
-    --_remaining;
-    if (_downloadQueue->Count() == 0) {
-        _downloadQueue = nullptr;
-        return ChangeState(ModuleState_e::DOWNLOAD_COMPLETE);
-    }
-    Send(_downloadQueue->Dequeue());
-}
-
-/// Erasing the flash and, at the end of a firmware download, checking it keep the module busy for seconds.
-static int TimeoutSeconds(IRequest& request) {
-    constexpr unsigned short SLOW_COMMAND = 3;
-    const auto type = request.Type();
-    const bool slowType =
-        type == Mailbox::MessageType::PRODUCTION || type == Mailbox::MessageType::BOOTLOADER;
-    return slowType && request.Command() == SLOW_COMMAND ? 10 : 1;
-}
-
-void Vt22Bootloader::Send(const std::shared_ptr<IRequest>& request) {
-    CheckAreas();
-    using ResponseAction = System::WeakMethodArgFunc<Vt22Bootloader, std::shared_ptr<IResponse>, void>;
-    _mailbox->Enqueue(request, ResponseAction::Create(weak_from_this(), &Vt22Bootloader::DownloadNext),
-                      TimeoutSeconds(*request));
-}
-
-bool Vt22Bootloader::EndDownload(int* remaining) {
-    if (!remaining)
-        System::_throw_argument_null_exception("remaining");
-    switch (_state) {
-    case ModuleState_e::BOOTLOADER_DOWNLOADING:
-    case ModuleState_e::FIRMWARE_DOWNLOADING:
-    case ModuleState_e::DOWNLOAD_COMPLETE:
-        *remaining = _remaining;
-        return _state == ModuleState_e::DOWNLOAD_COMPLETE;
-    case ModuleState_e::POWER_OFF:
-    case ModuleState_e::POWER_ON:
-    case ModuleState_e::BOOTED:
-        break;
-    }
-    System::_env_throw(System::InvalidOperationException::Create("No download in progress"));
 }
 
 } // namespace Vesk::Modules::DPVM

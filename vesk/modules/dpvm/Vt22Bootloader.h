@@ -81,7 +81,8 @@ private:
     void PollPowerOn();
     void CommonStep();
     void HandleIndication();
-    void CheckAreas() const;
+    /// NullReferenceException before the first power-on and after one that has failed.
+    void RequireAreas() const;
     Bootloader::BootloaderCtrl& Ctrl() const;
 
     void CheckDownload(const std::shared_ptr<Bootloader::TarnFile>& firmware, const int* remaining,

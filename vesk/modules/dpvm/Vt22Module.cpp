@@ -3,23 +3,22 @@
 // their own beside this one.
 #include "vesk/modules/dpvm/Vt22Module.h"
 
+#include "vesk/core/TextOf.h"
 #include "vesk/core/VeskException.h"
 #include "vesk/mailbox/ErrorCode.h"
 #include "vesk/mailbox/MailboxResponseException.h"
 #include "vesk/modules/InitMessages.h"
 #include "vesk/modules/dpvm/CheckIdentity.h"
 #include "vesk/modules/dpvm/DPVMMessages.h"
+#include "vesk/modules/dpvm/StartUp.h"
 #include "vesk/modules/dpvm/Vt22FatalEventException.h"
 #include "vesk/modules/dpvm/Vt22Messages.h"
-#include "vesk/system/text/StringBuilder.h"
 
 namespace Vesk::Modules::DPVM {
 
 namespace MasterDpRam = HostInterface::MasterDpRam;
 using Mailbox::IResponse;
-using System::Text::StringBuilder;
 
-static constexpr std::int64_t RESET_PULSE_NANOSECONDS = 500'000;
 static constexpr std::int64_t BOOT_NANOSECONDS = 2'000'000'000;
 static constexpr std::int64_t DOWNLOAD_NANOSECONDS = 10'000'000'000;
 static constexpr std::int64_t INITIALIZATION_NANOSECONDS = 10'000'000'000;
@@ -43,7 +42,6 @@ Vt22Module::Create(std::shared_ptr<HostInterface::IHostInterface> hostInterface,
     const auto module = System::MakeShared<Vt22Module>(
         std::move(hostInterface), std::move(offlineCallback), std::move(onlineCallback),
         std::move(operationModeCallback), std::move(busConfig));
-    module->_self = module;
     module->Reset();
     return module;
 }
@@ -63,6 +61,7 @@ Vt22Module::Vt22Module(std::shared_ptr<HostInterface::IHostInterface> hostInterf
 // ---- the state machine
 
 void Vt22Module::Update() {
+    const auto self = weak_from_this().lock(); // a callback may let go of the last reference
     switch (_state) {
     case ModuleState_e::POWER_OFF:
         return PollPowerOff();
@@ -82,39 +81,30 @@ void Vt22Module::Update() {
     case ModuleState_e::INITIALIZED:
         return CommonStep();
     }
-    System::_env_throw(ModuleStateException::Create(
-        StringBuilder().Append("Unknown state: ").Append(static_cast<int>(_state)).ToString()));
+    System::_env_throw(ModuleStateException::Create(TextOf("Unknown state: ", static_cast<int>(_state))));
 }
 
 void Vt22Module::Reset() {
     _hostInterface->BootloaderDisable();
-    _hostInterface->PowerOff();
-    StartTimer(RESET_PULSE_NANOSECONDS);
+    StartUp::HoldInReset(*_hostInterface, *_timer);
     ChangeState(ModuleState_e::POWER_OFF);
     _initialized = false;
     _databaseInfo = nullptr;
 }
 
 void Vt22Module::PollPowerOff() {
-    if (!_timer->Expired())
-        return;
-    _timer->Stop();
-    if (_hostInterface->VelmoIRQ())
-        System::_env_throw(ModuleStateException::Create("IRQ not cleared at power off"));
-    PowerOn();
+    if (StartUp::PulseIsOver(*_hostInterface, *_timer))
+        PowerOn();
 }
 
 void Vt22Module::PowerOn() {
-    _hostInterface->PowerOn();
-    StartTimer(BOOT_NANOSECONDS);
+    StartUp::ReleaseReset(*_hostInterface, *_timer, BOOT_NANOSECONDS);
     ChangeState(ModuleState_e::POWER_ON);
     CreateAreas();
 }
 
 void Vt22Module::CreateAreas() {
-    if (_hostInterface->Size() != MasterDpRam::SIZE)
-        System::_throw_equal_exception(_hostInterface->Size(), MasterDpRam::SIZE, "_hostInterface->Size()",
-                                       "sizeof(DpRam)");
+    StartUp::CheckSize(*_hostInterface, MasterDpRam::SIZE);
     _velmoIndication = nullptr;
     _applicationIndication = nullptr;
     _deviceIdArea = nullptr;
@@ -138,8 +128,8 @@ void Vt22Module::CreateAreas() {
 /// Throws unless the boot indication of the module is its power-on and nothing else.
 static void CheckBootIndication(const Vt22VelmoEvent& event) {
     const auto fail = [&event](const char* what) {
-        System::_env_throw(ModuleStateException::Create(
-            StringBuilder().AppendLine(what).Append("Actual:   ").AppendLine(event.ToString()).ToString()));
+        System::_env_throw(
+            ModuleStateException::Create(TextOf(what, "\nActual:   ", event.ToString(), "\n")));
     };
     if (!event.PowerOn)
         fail("Missing PowerOn indication at bootup!");
@@ -149,12 +139,9 @@ static void CheckBootIndication(const Vt22VelmoEvent& event) {
 }
 
 void Vt22Module::PollPowerOn() {
-    if (!_hostInterface->VelmoIRQ()) {
-        if (_timer->Expired())
-            System::_env_throw(StartupException::Create("Timeout waiting for initial IRQ"));
+    if (!StartUp::HasBooted(*_hostInterface, *_timer))
         return;
-    }
-    OutArea(); // the last area that a power-on creates: without it there was none, or it has failed
+    RequireAreas();
     const auto& event = _velmoIndication->Update();
     if (!event)
         System::_env_throw(ModuleStateException::Create("Empty indication at bootup!"));
@@ -177,8 +164,8 @@ void Vt22Module::VerifyIdentity() {
 void Vt22Module::BeginDownload() {
     if (!_busConfig)
         return;
-    StartTimer(DOWNLOAD_NANOSECONDS);
     Download_Begin();
+    _timer->Start(DOWNLOAD_NANOSECONDS);
     ChangeState(ModuleState_e::DOWNLOADING);
 }
 
@@ -193,7 +180,7 @@ void Vt22Module::PollInitialization() {
 // ---- the cycle
 
 void Vt22Module::CommonStep() {
-    OutArea(); // as after the power-on
+    RequireAreas();
     if (_hostInterface->VelmoIRQ())
         HandleInterrupt();
     if (_mailbox->Update())
@@ -208,11 +195,8 @@ void Vt22Module::HandleInterrupt() {
     if (event && event->Fatal)
         ThrowFatalEvent();
     if (event && event->PowerOn)
-        System::_env_throw(
-            ModuleStateException::Create(StringBuilder()
-                                             .AppendLine("Unexpected poweron indication from module!")
-                                             .AppendLine(event->ToString())
-                                             .ToString()));
+        System::_env_throw(ModuleStateException::Create(
+            TextOf("Unexpected poweron indication from module!\n", event->ToString(), "\n")));
     _applicationIndication->Unlock();
     if (!event)
         return;
@@ -234,11 +218,6 @@ void Vt22Module::ThrowFatalEvent() {
     System::_env_throw(Vt22FatalEventException::Create(_fatalEventArea->GetFatalEventInfo()));
 }
 
-void Vt22Module::StartTimer(std::int64_t nanoseconds) {
-    _timer->_nanoseconds = nanoseconds;
-    _timer->Start();
-}
-
 void Vt22Module::ThrowIfExpired(const char* message) const {
     if (_timer->Expired())
         System::_env_throw(ModuleStateException::Create(message));
@@ -253,16 +232,16 @@ void Vt22Module::BeginInitialization() {
         System::_env_throw(ModuleStateException::Create("Module already initialized"));
     // The mappings are checked against the database, so it has to be known before the initialisation starts.
     if (_databaseInfo)
-        Enqueue(Slave::InitMessages::StartInit(), &Vt22Module::Init_StartInit, INIT_SECONDS);
+        Ask(Slave::InitMessages::StartInit(), &Vt22Module::Init_StartInit, INIT_SECONDS);
     else
-        Enqueue(DPVMMessages::GetDatabaseInfo(), &Vt22Module::Init_GetDatabaseInfo, DATABASE_INFO_SECONDS);
-    StartTimer(INITIALIZATION_NANOSECONDS);
+        Ask(DPVMMessages::GetDatabaseInfo(), &Vt22Module::Init_GetDatabaseInfo, DATABASE_INFO_SECONDS);
+    _timer->Start(INITIALIZATION_NANOSECONDS);
     ChangeState(ModuleState_e::INITIALIZING);
 }
 
 void Vt22Module::Init_GetDatabaseInfo(std::shared_ptr<IResponse> response) {
     _databaseInfo = DatabaseInfo::FromMailboxResponse(response);
-    Enqueue(Slave::InitMessages::StartInit(), &Vt22Module::Init_StartInit, INIT_SECONDS);
+    Ask(Slave::InitMessages::StartInit(), &Vt22Module::Init_StartInit, INIT_SECONDS);
 }
 
 void Vt22Module::Init_StartInit(std::shared_ptr<IResponse> response) {
@@ -270,13 +249,13 @@ void Vt22Module::Init_StartInit(std::shared_ptr<IResponse> response) {
     CheckMappings();
     const unsigned short input = Database().InitInputLength;
     const unsigned short output = Database().InitOutputLength;
-    Enqueue(Vt22Messages::VelmoInit(input, input, input, output, output, output), &Vt22Module::Init_VelmoInit,
-            INIT_SECONDS);
+    Ask(Vt22Messages::VelmoInit(input, input, input, output, output, output), &Vt22Module::Init_VelmoInit,
+        INIT_SECONDS);
 }
 
 void Vt22Module::Init_VelmoInit(std::shared_ptr<IResponse> response) {
     Mailbox::MailboxResponseException::ThrowIfError(response);
-    Enqueue(Slave::InitMessages::EndInit(), &Vt22Module::Init_EndInit, END_INIT_SECONDS);
+    Ask(Slave::InitMessages::EndInit(), &Vt22Module::Init_EndInit, END_INIT_SECONDS);
 }
 
 void Vt22Module::Init_EndInit(std::shared_ptr<IResponse> response) {
@@ -286,14 +265,7 @@ void Vt22Module::Init_EndInit(std::shared_ptr<IResponse> response) {
 
 static void CheckMapping(const char* failure, unsigned short configured, unsigned short mapped) {
     if (mapped > configured)
-        System::_env_throw(ConfigException::Create(StringBuilder()
-                                                       .Append(failure)
-                                                       .Append(" [ ")
-                                                       .Append(configured)
-                                                       .Append(" < ")
-                                                       .Append(mapped)
-                                                       .Append(" ]")
-                                                       .ToString()));
+        System::_env_throw(ConfigException::Create(TextOf(failure, " [ ", configured, " < ", mapped, " ]")));
 }
 
 void Vt22Module::CheckMappings() const {
@@ -326,7 +298,7 @@ System::String Vt22Module::StateToString(ModuleState_e state) {
     case ModuleState_e::INITIALIZED:
         return "INITIALIZED";
     }
-    return StringBuilder().Append("UNKNOWN: ").Append(static_cast<int>(state)).ToString();
+    return TextOf("UNKNOWN: ", static_cast<int>(state));
 }
 
 } // namespace Vesk::Modules::DPVM

@@ -22,10 +22,10 @@ namespace Vesk::Modules::DPVM {
 /// pulse, the boot with its identity check, the download of the bus configuration where the module's database
 /// differs, the initialisation and from then on the exchange of process data and messages. No call waits for
 /// the module. From INITIALIZED on, an Update that carries no message costs its accesses to the DPRAM and two
-/// looks at the clock, and allocates nothing. Callbacks run inside Update; they may map, queue services and
-/// throw, but not call Update. An exception out of Update ends the use of the object; the state stays as it
-/// was.
-class Vt22Module : public IDPVMModule {
+/// looks at the clock, and allocates nothing. Callbacks run inside Update; they may map, queue services,
+/// throw and let go of the object, which then lasts until Update returns, but not call Update. An exception
+/// out of Update ends the use of the object; the state stays as it was.
+class Vt22Module : public IDPVMModule, public std::enable_shared_from_this<Vt22Module> {
 public:
     enum class ModuleState_e : int {
         POWER_OFF = 0,         ///< held in reset, until the pulse of 0.5 ms is over
@@ -168,20 +168,21 @@ private:
     void CommonStep();
     void HandleInterrupt();
 
-    void StartTimer(std::int64_t nanoseconds);
     void ThrowIfExpired(const char* message) const;
     [[noreturn]] void ThrowFatalEvent();
     void CheckMappings() const;
     bool DatabaseMatches() const;
     void StartDownload();
 
+    /// NullReferenceException before the first power-on and after one that has failed.
+    void RequireAreas() const;
     Vt22DeviceIdArea& DeviceId() const;
     Vt22OutArea& OutArea() const;
     DatabaseInfo& Database() const;
     Config::IBusConfig& BusConfig() const;
-    void Enqueue(std::shared_ptr<Mailbox::IRequest> request, ResponseStep step, int timeoutSeconds);
+    /// Queues a request whose answer is for `step`.
+    void Ask(std::shared_ptr<Mailbox::IRequest> request, ResponseStep step, int timeoutSeconds);
 
-    std::weak_ptr<Vt22Module> _self;
     ModuleState_e _state = ModuleState_e::POWER_OFF;
     std::shared_ptr<Config::IBusConfig> _busConfig; // null for an unconfigured module
     // The records still to be sent; null while none are.

@@ -25,7 +25,7 @@ static constexpr int NO_DATABASE_WORD = 7;
 static constexpr unsigned short NO_DATABASE = 1;
 
 void Vt22Module::Download_Begin() {
-    Enqueue(DPVMMessages::GetDatabaseInfo(), &Vt22Module::Download_GetDatabaseInfo, DOWNLOAD_SECONDS);
+    Ask(DPVMMessages::GetDatabaseInfo(), &Vt22Module::Download_GetDatabaseInfo, DOWNLOAD_SECONDS);
 }
 
 static bool SaysNoDatabase(IResponse& response) {
@@ -63,8 +63,7 @@ bool Vt22Module::DatabaseMatches() const {
 }
 
 void Vt22Module::StartDownload() {
-    Enqueue(DPVMMessages::StartDatabaseDownload(), &Vt22Module::Download_StartDatabaseDownload,
-            DOWNLOAD_SECONDS);
+    Ask(DPVMMessages::StartDatabaseDownload(), &Vt22Module::Download_StartDatabaseDownload, DOWNLOAD_SECONDS);
 }
 
 void Vt22Module::Download_StartDatabaseDownload(std::shared_ptr<IResponse> response) {
@@ -72,14 +71,13 @@ void Vt22Module::Download_StartDatabaseDownload(std::shared_ptr<IResponse> respo
     const auto queue = System::Collections::Generic::Queue<std::shared_ptr<IRequest>>::Create();
     queue->Enqueue(DPVMMessages::MasterRecordDownload(BusConfig().Master()));
     const auto addresses = BusConfig().SlaveAddresses();
-    for (int slave = 0; slave < addresses->Count(); ++slave) {
-        const unsigned char address = addresses->Get(slave);
+    for (const unsigned char address : *addresses) {
         const auto fragments = DPVMMessages::SlaveRecordDownload(address, BusConfig().Slave(address));
-        for (int fragment = 0; fragment < fragments->Count(); ++fragment)
-            queue->Enqueue(fragments->Get(fragment));
+        for (const auto& fragment : *fragments)
+            queue->Enqueue(fragment);
     }
     _downloadQueue = queue;
-    Enqueue(DPVMMessages::DeleteDatabase(), &Vt22Module::Download_Next, DOWNLOAD_SECONDS);
+    Ask(DPVMMessages::DeleteDatabase(), &Vt22Module::Download_Next, DOWNLOAD_SECONDS);
 }
 
 void Vt22Module::Download_Next(std::shared_ptr<IResponse> response) {
@@ -87,11 +85,11 @@ void Vt22Module::Download_Next(std::shared_ptr<IResponse> response) {
     if (!_downloadQueue)
         System::_throw_null_reference_exception("_downloadQueue");
     if (_downloadQueue->Count() > 0)
-        return Enqueue(_downloadQueue->Dequeue(), &Vt22Module::Download_Next, DOWNLOAD_SECONDS);
+        return Ask(_downloadQueue->Dequeue(), &Vt22Module::Download_Next, DOWNLOAD_SECONDS);
     const System::String description =
         System::Convert::ToString(BusConfig().Checksum(), 16).PadLeft(DESCRIPTION_LENGTH, '0');
-    Enqueue(DPVMMessages::EndDatabaseDownload(description), &Vt22Module::Download_EndDataBaseDownload,
-            DOWNLOAD_SECONDS);
+    Ask(DPVMMessages::EndDatabaseDownload(description), &Vt22Module::Download_EndDataBaseDownload,
+        DOWNLOAD_SECONDS);
     _downloadQueue = nullptr;
 }
 

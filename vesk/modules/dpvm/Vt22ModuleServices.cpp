@@ -12,6 +12,11 @@ static constexpr int SERVICE_SECONDS = 3;
 
 // ---- what a power-on or an earlier step creates
 
+void Vt22Module::RequireAreas() const {
+    if (!_outArea) // the last one that a power-on creates
+        System::_throw_null_reference_exception("_outArea");
+}
+
 Vt22DeviceIdArea& Vt22Module::DeviceId() const {
     if (!_deviceIdArea)
         System::_throw_null_reference_exception("_deviceIdArea");
@@ -19,8 +24,7 @@ Vt22DeviceIdArea& Vt22Module::DeviceId() const {
 }
 
 Vt22OutArea& Vt22Module::OutArea() const {
-    if (!_outArea)
-        System::_throw_null_reference_exception("_outArea");
+    RequireAreas();
     return *_outArea;
 }
 
@@ -43,9 +47,9 @@ void Vt22Module::Enqueue(std::shared_ptr<Mailbox::IRequest> request, ResponseAct
     _mailbox->Enqueue(std::move(request), std::move(responseAction), timeoutSeconds);
 }
 
-void Vt22Module::Enqueue(std::shared_ptr<Mailbox::IRequest> request, ResponseStep step, int timeoutSeconds) {
+void Vt22Module::Ask(std::shared_ptr<Mailbox::IRequest> request, ResponseStep step, int timeoutSeconds) {
     using Action = System::WeakMethodArgFunc<Vt22Module, std::shared_ptr<Mailbox::IResponse>, void>;
-    Enqueue(std::move(request), Action::Create(_self, step), timeoutSeconds);
+    Enqueue(std::move(request), Action::Create(weak_from_this(), step), timeoutSeconds);
 }
 
 // ---- process data
