@@ -130,7 +130,7 @@ TEST_F(Vt22OutAreaTest, FillsTheListsInPlaceAndInOrder) {
 
 TEST_F(Vt22OutAreaTest, CallsBackWithEachNewModeThatIsOne) {
     for (const auto& [change, mode] :
-         {std::pair{0x08, 0x00}, {0x08, 0xC0}, {0x08, 0xC0}, {0x01, 0x40}, {0x08, 0x40}, {0x08, 0x80}})
+         {std::pair{0x08, 0x00}, {0x08, 0xC0}, {0x08, 0xC0}, {0x01, 0x80}, {0x08, 0x40}, {0x08, 0x80}})
         HandOver(2, 0, change, mode);
     EXPECT_EQ(_calls, (Log{"mode 192", "mode 64", "mode 128"}));
     ExpectFailureOf("Invalid operation mode: 0", 2, 0, 0x08, 0x00);

@@ -149,9 +149,14 @@ TEST_F(Vt22BootloaderTest, WritesAcknowledgementAndNextRequestTogether) {
 }
 
 TEST_F(Vt22BootloaderTest, EachRequestMayFailAndOnlyTheSlowOnesTakeTenSeconds) {
+    const std::vector<std::string> names[] = {
+        {"BlDownloadInit", "BlDownloadData", "BlDownloadData", "BlDownloadData", "BlDownloadLast"},
+        {"Enable", "FlashWriteEnable", "FlashErase", "FwDownloadInit", "FwDownloadData", "FwDownloadData",
+         "FwDownloadData", "FwDownloadLast"}};
     for (const int type : {1, 2})
-        for (int answered = 0; answered < (type == 2 ? 8 : 5); ++answered) {
-            SCOPED_TRACE(std::to_string(answered) + " answered, type " + std::to_string(type));
+        for (int answered = 0; answered < std::ssize(names[type - 1]); ++answered) {
+            const std::string& name = names[type - 1][static_cast<std::size_t>(answered)];
+            SCOPED_TRACE(name);
             StartOver();
             _host->beforeAccess = [this](const std::string& access) {
                 if (access.starts_with("W "))
@@ -160,7 +165,7 @@ TEST_F(Vt22BootloaderTest, EachRequestMayFailAndOnlyTheSlowOnesTakeTenSeconds) {
             Begin(type, 600);
             const State state = _module->State();
             AnswerRequests(answered);
-            const int seconds = type == 2 && (answered == 2 || answered == 7) ? 10 : 1; // erase and last
+            const int seconds = name == "FlashErase" || name == "FwDownloadLast" ? 10 : 1;
             EXPECT_EQ(Update(seconds * std::int64_t{1'000'000'000} - 1), Log{});
             Answer(0x87);
             ExpectFailure<Mailbox::MailboxResponseException>(
@@ -169,10 +174,12 @@ TEST_F(Vt22BootloaderTest, EachRequestMayFailAndOnlyTheSlowOnesTakeTenSeconds) {
             EXPECT_EQ(_host->TakeLog(), (Log{"irq", "R8 1fff", "R8 1fff", "R 1d1e+288"}));
             _clock.Advance(1);
             ExpectFailure<Mailbox::MailboxTimeoutException>(
-                "Timeout after " + std::to_string(seconds) + " seconds.\n...", [this] { _module->Update(); });
+                "Timeout after " + std::to_string(seconds) +
+                    " seconds.\nMailbox request:\nMailbox.Request: " + name + "\n...",
+                [this] { _module->Update(); });
             EXPECT_EQ(_module->State(), state);
             EXPECT_FALSE(_module->EndDownload(&_remaining));
-            EXPECT_EQ(_remaining, (type == 2 ? 8 : 5) - answered);
+            EXPECT_EQ(_remaining, std::ssize(names[type - 1]) - answered);
         }
 }
 

@@ -30,12 +30,16 @@ static Bytes SlaveOf(std::size_t inputs, std::size_t outputs, std::size_t extend
     return File::SlaveRecord(content);
 }
 
-/// A file with a master and fragments of slave records: address, number, last and data.
+namespace {
+
 struct Fragment {
     int address, number, last;
     Bytes data = Bytes(256);
 };
 
+} // namespace
+
+/// A file with a master and fragments of slave records.
 static Bytes FileOf(const std::vector<Fragment>& fragments) {
     File file;
     file.Master();
