@@ -46,9 +46,10 @@ private:
 
 /// What is thrown for an exception of class T, so that it is a T, too: a copy of the exception.
 template <class T>
-class [[gnu::visibility("hidden")]] ThrownAs final
-    : public Thrown,
-      public T{public : explicit ThrownAs(const std::shared_ptr<T>& cause) : Thrown(cause), T(*cause){}};
+class __attribute__((visibility("hidden"))) ThrownAs final : public Thrown, public T {
+public:
+    explicit ThrownAs(const std::shared_ptr<T>& cause) : Thrown(cause), T(*cause) {}
+};
 
 /// Throws `exception` as Thrown. ArgumentNullException without an exception.
 [[noreturn]] void _env_throw(std::shared_ptr<Exception> exception);
