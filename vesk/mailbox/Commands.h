@@ -13,7 +13,9 @@ struct MailboxCommand {
 };
 
 /// Every command that the library knows. Hidden: each program has them from this header.
-namespace [[gnu::visibility("hidden")]] Commands {
+#pragma GCC visibility push(hidden)
+
+namespace Commands {
 
 inline constexpr MailboxCommand START_INIT{MessageType::APPLICATION, 0x01, "StartInit"};
 inline constexpr MailboxCommand VELMO_INIT{MessageType::APPLICATION, 0x02, "VelmoInit"};
@@ -52,6 +54,8 @@ inline constexpr MailboxCommand ENABLE{MessageType::PRODUCTION, 1, "Enable"};
 inline constexpr MailboxCommand FLASH_WRITE_ENABLE{MessageType::PRODUCTION, 2, "FlashWriteEnable"};
 inline constexpr MailboxCommand FLASH_ERASE{MessageType::PRODUCTION, 3, "FlashErase"};
 
-} // namespace gnu::visibility("hidden")]]Commands
+} // namespace Commands
+
+#pragma GCC visibility pop
 
 } // namespace Vesk::Mailbox
