@@ -35,7 +35,7 @@ public:
 
     /// The register after one more byte.
     static constexpr Register Shift(Register value, unsigned char byte) {
-        const Register shifted = static_cast<Register>(REFLECTED ? value >> 8 : value << 8);
+        const auto shifted = static_cast<Register>(REFLECTED ? value >> 8 : value << 8);
         return static_cast<Register>(shifted ^ SLICES[0][ByteOf(value, 0) ^ byte]);
     }
 
