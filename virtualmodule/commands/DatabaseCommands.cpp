@@ -118,6 +118,7 @@ Answer DatabaseCommands::EndDatabaseDownload(const Message& request) {
     return Answer(request);
 }
 
+// NOLINTNEXTLINE(readability-make-member-function-const): it stands in the table with those that write
 Answer DatabaseCommands::GetDatabaseInfo(const Message& request) {
     const Database& database = _flash.database;
     if (!database.Complete())
