@@ -13,7 +13,6 @@
 
 namespace VeskTool {
 
-using System::Array;
 using Vesk::Modules::Bootloader::CRC16;
 using Vesk::Modules::Bootloader::FirmwareHeader;
 using Vesk::Modules::Bootloader::FirmwareType_e;

@@ -17,6 +17,7 @@ std::vector<T> Elements(System::IArray<T>& array) {
 template <class T>
 std::vector<T> Elements(const System::Collections::Generic::ReadOnlyCollection<T>& collection) {
     std::vector<T> elements;
+    elements.reserve(static_cast<std::size_t>(collection.Count()));
     for (int i = 0; i < collection.Count(); ++i)
         elements.push_back(collection.Get(i));
     return elements;
