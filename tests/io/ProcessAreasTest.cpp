@@ -138,6 +138,21 @@ TEST(OutAreaTest, ReadsEverySegmentInTheOrderOfItsMapping) {
     EXPECT_EQ(Values(dst), (std::vector<int>{11, 0, 0, 0, 13, 14}));
 }
 
+TEST(ProcessAreasTest, NeighboursInTheAreaArePartWhereDpRamOffsetsWrap) {
+    const auto dpRam = std::make_shared<RecordingHostInterface>(0x10000);
+    const auto in = InArea::Create(0xFFF0, 0x20, dpRam);
+    const auto out = OutArea::Create(0xFFF0, 0x20, dpRam);
+    const Bytes bytes = Array<unsigned char>::Create(0x20);
+    for (unsigned short offset = 0; offset < 0x20; offset = static_cast<unsigned short>(offset + 8)) {
+        in->MapInputData(offset, bytes, offset, 8);
+        out->MapOutputData(offset, bytes, offset, 8);
+    }
+    in->Acquired();
+    in->Update();
+    out->Update();
+    EXPECT_EQ(dpRam->TakeLog(), (Log{"W fff0+16", "W 0000+16", "R fff0+16", "R 0000+16"}));
+}
+
 /// The places in the log of blocks, byte by byte.
 static std::vector<int> BytesOf(const Log& log) {
     std::vector<int> bytes;

@@ -22,11 +22,11 @@ InArea::InArea(unsigned short offset, unsigned short size,
 void InArea::MapInputData(unsigned short offset, std::shared_ptr<System::IArray<unsigned char>> src,
                           int srcOffset, int count) {
     _placement.Check(offset, count);
-    auto segment =
-        InputSegment::Create(_hostInterface, _placement.DpRamOffset(offset), src, srcOffset, count);
+    const unsigned short dpRamOffset = _placement.DpRamOffset(offset);
+    auto segment = InputSegment::Create(_hostInterface, dpRamOffset, src, srcOffset, count);
     segment->KeepShadowIn(_shadow, offset);
     _placement.Add(std::move(segment));
-    _runs.Add(offset, *src, srcOffset, count);
+    _runs.Add(dpRamOffset, offset, *src, srcOffset, count);
     _mapped = true;
 }
 
@@ -45,7 +45,7 @@ bool InArea::Update() {
 }
 
 void InArea::WriteRuns() {
-    _runs.Write(*_hostInterface, _placement.DpRamOffset(0), _shadow);
+    _runs.Write(*_hostInterface, _shadow);
     if (_mapped)
         for (const auto& segment : _placement.Segments())
             segment->Written();

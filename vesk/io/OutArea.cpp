@@ -19,15 +19,15 @@ OutArea::OutArea(unsigned short offset, unsigned short size,
 void OutArea::MapOutputData(unsigned short offset, std::shared_ptr<System::IArray<unsigned char>> dst,
                             int dstOffset, int count) {
     _placement.Check(offset, count);
-    _placement.Add(
-        OutputSegment::Create(_hostInterface, _placement.DpRamOffset(offset), dst, dstOffset, count));
-    _runs.Add(offset, *dst, dstOffset, count);
+    const unsigned short dpRamOffset = _placement.DpRamOffset(offset);
+    _placement.Add(OutputSegment::Create(_hostInterface, dpRamOffset, dst, dstOffset, count));
+    _runs.Add(dpRamOffset, offset, *dst, dstOffset, count);
 }
 
 void OutArea::Update() {
     const auto& segments = _placement.Segments();
     for (const Runs::Run& run : _runs) {
-        if (run.segmentCount > 1 && _runs.Read(run, *_hostInterface, _placement.DpRamOffset(0), _image))
+        if (run.segmentCount > 1 && _runs.Read(run, *_hostInterface, _image))
             continue;
         // A segment of its own, or all up to the one that has left its array and says so.
         for (std::size_t i = 0; i < run.segmentCount; ++i)

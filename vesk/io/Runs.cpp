@@ -41,14 +41,15 @@ void Copy(unsigned char* to, const unsigned char* from, std::size_t count) {
 
 } // namespace
 
-void Runs::Add(unsigned short offset, System::IArray<unsigned char>& array, int arrayOffset, int count) {
+void Runs::Add(unsigned short dpRamOffset, unsigned short offset, System::IArray<unsigned char>& array,
+               int arrayOffset, int count) {
     const std::size_t segment = _segments++;
     if (count == 0) // nothing to move, wherever it is
         return;
-    const bool neighbour = !_runs.empty() && _runs.back().offset + _runs.back().count == offset &&
+    const bool neighbour = !_runs.empty() && _runs.back().dpRamOffset + _runs.back().count == dpRamOffset &&
                            _runs.back().firstSegment + _runs.back().segmentCount == segment;
     if (!neighbour)
-        _runs.push_back({offset, 0, _pieces.size(), 0, segment, 0});
+        _runs.push_back({dpRamOffset, offset, 0, _pieces.size(), 0, segment, 0});
     Run& run = _runs.back();
     run.count += count;
     ++run.segmentCount;
@@ -72,22 +73,22 @@ Runs::Found Runs::Locate(const unsigned char* image) {
     return equal ? Found::SAME : Found::CHANGED;
 }
 
-void Runs::Write(HostInterface::IHostInterface& dpRam, unsigned short areaOffset,
+void Runs::Write(HostInterface::IHostInterface& dpRam,
                  const std::shared_ptr<System::IArray<unsigned char>>& image) {
     unsigned char* const bytes = image->Data();
     for (const Run& run : _runs) {
         for (const Piece& piece : PiecesOf(run))
             Copy(bytes + piece.offset, piece.bytes, piece.count);
-        dpRam.Write(areaOffset + run.offset, image, run.offset, run.count);
+        dpRam.Write(run.dpRamOffset, image, run.offset, run.count);
     }
 }
 
-bool Runs::Read(const Run& run, HostInterface::IHostInterface& dpRam, unsigned short areaOffset,
+bool Runs::Read(const Run& run, HostInterface::IHostInterface& dpRam,
                 const std::shared_ptr<System::IArray<unsigned char>>& image) {
     for (Piece& piece : PiecesOf(run))
         if (!piece.Locate())
             return false;
-    dpRam.Read(areaOffset + run.offset, image, run.offset, run.count);
+    dpRam.Read(run.dpRamOffset, image, run.offset, run.count);
     const unsigned char* const bytes = image->Data();
     for (const Piece& piece : PiecesOf(run))
         Copy(piece.bytes, bytes + piece.offset, piece.count);

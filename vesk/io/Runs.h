@@ -15,6 +15,7 @@ namespace Vesk::IO {
 class Runs {
 public:
     struct Run {
+        unsigned short dpRamOffset;
         unsigned short offset; // from the start of the area
         int count;
         std::size_t firstPiece, pieceCount;
@@ -22,8 +23,9 @@ public:
     };
 
     /// Appends a segment: `count` bytes of `array`, which the segment keeps, from `arrayOffset` on, at
-    /// `offset` from the start of the area.
-    void Add(unsigned short offset, System::IArray<unsigned char>& array, int arrayOffset, int count);
+    /// `dpRamOffset`, which is `offset` from the start of the area.
+    void Add(unsigned short dpRamOffset, unsigned short offset, System::IArray<unsigned char>& array,
+             int arrayOffset, int count);
 
     enum class Found : std::uint8_t { SAME, CHANGED, OUTSIDE };
 
@@ -31,12 +33,12 @@ public:
     /// CHANGED if a byte differs from `image`, that of the whole area. Nothing is compared after the first.
     Found Locate(const unsigned char* image);
 
-    /// Writes the located bytes by way of the image of the whole area, which is at DPRAM `areaOffset`.
-    void Write(HostInterface::IHostInterface& dpRam, unsigned short areaOffset,
+    /// Writes the located bytes by way of the image of the whole area.
+    void Write(HostInterface::IHostInterface& dpRam,
                const std::shared_ptr<System::IArray<unsigned char>>& image);
 
     /// Reads one run likewise; false, with nothing read, if one of its segments has left its array.
-    bool Read(const Run& run, HostInterface::IHostInterface& dpRam, unsigned short areaOffset,
+    bool Read(const Run& run, HostInterface::IHostInterface& dpRam,
               const std::shared_ptr<System::IArray<unsigned char>>& image);
 
     std::vector<Run>::const_iterator begin() const { return _runs.begin(); }
