@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "vesk/lines/InUse.h"
 #include "vesk/system/Delegates.h"
 
 #include <cerrno>
@@ -20,7 +21,8 @@ public:
     };
 
     /// Takes the lines of `chip`: a name, number, label or device path. The module is held in reset from then
-    /// on, and is told to boot as the master. std::system_error naming chip and line where one cannot be had.
+    /// on, and is told to boot as the master. InUse where somebody has a line, with the name that he gave to
+    /// the kernel; std::system_error naming chip and line where one cannot be had otherwise.
     static std::shared_ptr<GpioLines> Open(const std::string& chip, const Numbers& numbers) {
         return std::shared_ptr<GpioLines>(new GpioLines(chip, numbers));
     }
@@ -58,9 +60,9 @@ private:
         _irq = Find(chip, "irq", numbers.irq);
         _reset = Find(chip, "reset", numbers.reset);
         _boot = Find(chip, "boot", numbers.boot);
-        Check(gpiod_line_request_output(_reset.handle, CONSUMER, 0) == 0, _reset.name);
-        Check(gpiod_line_request_output(_boot.handle, CONSUMER, 1) == 0, _boot.name);
-        Check(gpiod_line_request_input(_irq.handle, CONSUMER) == 0, _irq.name);
+        CheckTaken(gpiod_line_request_output(_reset.handle, CONSUMER, 0) == 0, _reset);
+        CheckTaken(gpiod_line_request_output(_boot.handle, CONSUMER, 1) == 0, _boot);
+        CheckTaken(gpiod_line_request_input(_irq.handle, CONSUMER) == 0, _irq);
     }
 
     Line Find(const std::string& chip, const std::string& role, unsigned int number) const {
@@ -73,6 +75,15 @@ private:
     static void Check(bool done, const std::string& what) {
         if (!done)
             throw std::system_error(errno, std::generic_category(), what);
+    }
+
+    static void CheckTaken(bool taken, const Line& line) {
+        if (!taken && errno == EBUSY) {
+            const bool known = gpiod_line_update(line.handle) == 0; // what was read before the request is old
+            const char* const consumer = known ? gpiod_line_consumer(line.handle) : nullptr;
+            throw InUse(line.name, consumer ? consumer : "somebody whom the kernel does not name");
+        }
+        Check(taken, line.name);
     }
 
     static bool Level(const Line& line) {

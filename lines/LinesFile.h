@@ -1,11 +1,11 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "vesk/lines/LockedFile.h"
 #include "vesk/system/Delegates.h"
 
 #include <atomic>
 #include <cerrno>
-#include <fcntl.h>
 #include <memory>
 #include <string>
 #include <sys/mman.h>
@@ -13,14 +13,16 @@
 #include <unistd.h>
 
 /// The three control lines of a virtual module that runs as a process of its own: four bytes in a file that
-/// both map. On a controller, functions that read and drive real lines take its place.
+/// both map. On a controller, functions that read and drive real lines take its place. They belong to this
+/// host for as long as the object, or one of its callbacks, lives.
 ///
 /// Byte 0, irq: not 0 when the module asserts its interrupt, and then the generation in which it does. Byte
 /// 1: level of the reset line. Byte 2: level of the bootloader-enable line. Byte 3, generation: counts the
 /// releases of reset, 1 to 255 over and over.
 class LinesFile : public std::enable_shared_from_this<LinesFile> {
 public:
-    /// Maps the file; std::system_error naming it when it cannot be opened or has fewer than four bytes.
+    /// Maps the file. InUse, which names the process, when another host has the lines, in this process or
+    /// another one; std::system_error naming the file when it cannot be opened or has fewer than four bytes.
     static std::shared_ptr<LinesFile> Open(const std::string& path) {
         return std::shared_ptr<LinesFile>(new LinesFile(path));
     }
@@ -51,19 +53,12 @@ private:
     using Byte = std::atomic<unsigned char>;
     static_assert(sizeof(Byte) == 1 && Byte::is_always_lock_free);
 
-    explicit LinesFile(const std::string& path) {
-        const int file = open(path.c_str(), O_RDWR | O_CLOEXEC);
-        if (file < 0)
-            throw std::system_error(errno, std::generic_category(), path);
-        if (lseek(file, 0, SEEK_END) < SIZE) {
-            close(file);
+    explicit LinesFile(const std::string& path) : _file(path, LockedFile::Side::HOST) {
+        if (lseek(_file.Descriptor(), 0, SEEK_END) < SIZE)
             throw std::system_error(EINVAL, std::generic_category(), path + ": shorter than the four lines");
-        }
-        void* const memory = mmap(nullptr, SIZE, PROT_READ | PROT_WRITE, MAP_SHARED, file, 0);
-        const int error = errno;
-        close(file);
+        void* const memory = mmap(nullptr, SIZE, PROT_READ | PROT_WRITE, MAP_SHARED, _file.Descriptor(), 0);
         if (memory == MAP_FAILED)
-            throw std::system_error(error, std::generic_category(), path);
+            throw std::system_error(errno, std::generic_category(), path);
         _bytes = static_cast<Byte*>(memory);
     }
 
@@ -92,5 +87,6 @@ private:
         }
     }
 
+    LockedFile _file;
     Byte* _bytes = nullptr;
 };

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "tests/support/ModuleFiles.h"
 #include "tests/support/RunTool.h"
+#include "vesk/lines/LinesFile.h"
 
 using testing::HasSubstr;
 using testing::MatchesRegex;
@@ -55,6 +56,11 @@ TEST_F(ApplicationTest, EachDoesItsTask) {
         EXPECT_EQ(result.status, err.empty() ? 0 : 1);
         EXPECT_EQ(result.out, out);
         EXPECT_EQ(result.err, err);
+    }
+    {
+        const auto lines = LinesFile::Open(files.lines);
+        EXPECT_THAT(RunTool::Run(On({PLANT}), Path("application")).err,
+                    StartsWith(files.lines + " is in use by process " + std::to_string(::getpid()) + " ("));
     }
     for (int life = 0; life < 2; ++life) { // with another firmware's database, and with its own
         const ToolResult result = RunTool::Run(On({PLANT}), Path("application"));

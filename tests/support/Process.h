@@ -43,6 +43,8 @@ public:
         return first;
     }
 
+    ::pid_t Id() const { return _child; }
+
     /// Waits for its end: its exit status, or the number of the signal that ended it, negative.
     int Wait() {
         if (!HasEnded())

@@ -22,6 +22,7 @@ enum LineNumber : unsigned int { RESET = 2, BOOT = 4, IRQ = 17, TAKEN = 20, LINE
 
 VirtualModule::InProcess* module;
 std::vector<std::string> requests; // in the order of the host
+const char* consumer;              // of the line that is taken
 int failures;                      // errno of the next reading or driving; 0 for none
 
 int Drive(unsigned int line, int level) {
@@ -79,6 +80,14 @@ int gpiod_line_request_output(gpiod_line* line, const char* consumer, int level)
     return Drive(line->number, level);
 }
 
+int gpiod_line_update(gpiod_line*) {
+    return 0;
+}
+
+const char* gpiod_line_consumer(gpiod_line*) {
+    return consumer;
+}
+
 int gpiod_line_get_value(gpiod_line* line) {
     if (Fails())
         return -1;
@@ -131,7 +140,11 @@ TEST_F(GpioTest, ALineThatFailsIsNamed) {
     };
     expectFailure("gpiochip9: No such file", [&] { Open("gpiochip9:irq=17,reset=2,boot=4"); });
     expectFailure("line 99 (irq): Invalid", [&] { Open("gpiochip0:a:irq=99,reset=2,boot=4"); });
-    expectFailure("line 20 (boot): Device", [&] { Open("gpiochip0:a:irq=17,reset=2,boot=20"); });
+    for (const auto& [name, shown] : {std::pair{"plc", "plc"}, {nullptr, "somebody whom the kernel"}}) {
+        consumer = name;
+        expectFailure(("line 20 (boot) is in use by " + std::string(shown)).c_str(),
+                      [&] { Open("gpiochip0:a:irq=17,reset=2,boot=20"); });
+    }
     EXPECT_EQ(requests.back(), "close") << "what was taken is given back";
 
     const Link link = Open("gpiochip0:a:irq=17,reset=2,boot=4");

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 // What the commands print, as a person sees it: tests/data/transcripts. There a line behind "$ " is a command
 // for a shell; below it stands what it prints, errors behind "! ", and its exit status behind "= " if that is
-// not 0. VESK_WRITE_TRANSCRIPTS=1 writes the files anew, for a look at what has changed.
+// not 0. VESK_WRITE_DATA=1 writes the files anew, for a look at what has changed.
 #include "tests/support/DatabaseFileBuilder.h"
 #include "tests/support/Golden.h"
 #include "tests/support/RunTool.h"

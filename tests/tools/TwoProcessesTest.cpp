@@ -153,7 +153,7 @@ TEST_F(TwoProcessesTest, TheFlashHoldsWhatWasAnsweredAndIsNeverHalfWritten) {
     }
     files.folder.Put("flash.new", "what a save that was cut off may leave");
     const auto module = files.StartModule();
-    EXPECT_EQ(files.folder.Count(), 3) << "the DPRAM, the lines and the flash";
+    EXPECT_EQ(files.folder.Count(), 4) << "the DPRAM, the lines, the flash and its lock";
     ExpectRecovery();
     EXPECT_TRUE(Flash::Load(files.flash).database.Complete());
 }
@@ -222,17 +222,49 @@ TEST_F(TwoProcessesTest, ASlaveThatIsOffTheBusIsNamed) {
                 HasFacts(R"({"step": "slaves", "what": "Slave 9 does not exchange data"})"));
 }
 
-TEST_F(TwoProcessesTest, FilesThatAreInUseServeOneModule) {
-    const auto running = files.StartModule();
+TEST_F(TwoProcessesTest, WhatIsInUseStaysWithWhoHasIt) {
+    const auto module = files.StartModule();
+    {
+        const auto lines = LinesFile::Open(files.lines);
+        std::ifstream(files.lines).get(); // closing the file elsewhere in the process changes nothing
+        RunTool::ExpectFailure(
+            files.With({"identify"}), 1,
+            HasSubstr(files.lines + " is in use by process " + std::to_string(::getpid())));
+        EXPECT_THROW(LinesFile::Open(files.lines), InUse);
+    }
+    const auto host = files.StartHost(ENDLESS);
+    ASSERT_TRUE(module->WaitForOut("indication 0x03"));
     const TemporaryFolder other;
-    for (const auto& [dpRam, lines, taken] : {std::array{files.dpRam, other.Path("lines"), files.dpRam},
-                                              {other.Path("dpram"), files.lines, files.lines}})
-        RunTool::ExpectFailure({"module", "--dpram", dpRam, "--lines", lines}, 1,
-                               HasSubstr(taken + " is in use by another"));
+    const auto moduleOn = [&](const std::string& dpRam, const std::string& lines, const std::string& flash) {
+        return RunTool::Arguments{"module", "--dpram", dpRam, "--lines", lines, "--flash", flash};
+    };
+
+    const struct {
+        RunTool::Arguments arguments;
+        std::string taken;
+        const Process& user;
+    } cases[]{
+        {files.With({"diag", "5"}), files.lines, *host},
+        {files.With({"status", "--watch"}), files.lines, *host},
+        {files.With({"run"}), files.lines, *host},
+        {files.With(UPDATE), files.lines, *host},
+        {moduleOn(files.dpRam, other.Path("lines"), other.Path("flash")), files.dpRam, *module},
+        {moduleOn(other.Path("dpram"), files.lines, other.Path("flash")), files.lines, *module},
+        {moduleOn(other.Path("dpram"), other.Path("lines"), files.flash), files.flash, *module},
+    };
+
+    for (const auto& [arguments, taken, user] : cases)
+        RunTool::ExpectFailure(
+            arguments, 1,
+            HasSubstr("vesk: " + taken + " is in use by process " + std::to_string(user.Id()) + " ("));
+    for (const char* layout : {"--json", "--bootloader"})
+        EXPECT_THAT(RunTool::Text({"dump", "--dpram", files.dpRam, layout}),
+                    testing::ContainsRegex("[sS]napshot"));
+    EXPECT_EQ(host->End(SIGKILL), -SIGKILL) << "it has noticed nothing: " << host->Err();
     EXPECT_THAT(RunTool::Run(files.With({"run", ModuleFiles::PLANT, "--offset", "1"})).err,
                 HasSubstr("8193"));
     ExpectRecovery();
-    EXPECT_EQ(running->Err(), "");
+    EXPECT_EQ(module->Err(), "");
 }
 
 } // namespace

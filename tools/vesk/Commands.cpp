@@ -142,7 +142,11 @@ const std::vector<Command>& Commands() {
         {"dump", FILES,
          "Show a dump of the dual-port RAM, such as an application leaves behind, as a readable map: every "
          "block and register with its bits, both mailbox messages, the process data.\n"
-         "Example: vesk dump /tmp/hostinterface.bin",
+         "--dpram shows the DPRAM of a module in use instead: a snapshot, without a reset and without a "
+         "write, "
+         "also beside a running host.\n"
+         "Example: vesk dump /tmp/hostinterface.bin\n"
+         "Example: vesk dump --dpram /tmp/dpram",
          AddDump},
         {"explain", FILES,
          "Say what a word means and what to check: an exception type, a message or its beginning, an error "

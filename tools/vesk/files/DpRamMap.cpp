@@ -24,8 +24,8 @@ static_assert(DpRamMap::SIZE == MasterDpRam::SIZE && DpRamMap::SIZE == Bootloade
 
 // ---- the blocks of both layouts
 
-DpRamMap DpRamMap::Master(Bytes dpRam) {
-    DpRamMap map("master", dpRam);
+DpRamMap DpRamMap::Master(Bytes dpRam, Source source) {
+    DpRamMap map("master", dpRam, source);
     map.AddIdentity();
     map.AddFatalEvent();
     map.AddMailbox("mailboxIn", MasterDpRam::MAILBOX_IN);
@@ -39,21 +39,19 @@ DpRamMap DpRamMap::Master(Bytes dpRam) {
     constexpr int end = MasterDpRam::OUTPUT_AREA + MasterDpRam::OUTPUT_AREA_SIZE;
     map.AddHexBlock("outputArea", MasterDpRam::OUTPUT_AREA, end);
     map.AddHexBlock("unused", end, MasterDpRam::APPLICATION_INDICATION);
-    map.AddHandshake();
+    if (!map._snapshot)
+        map.AddMasterHandshake();
     return map;
 }
 
-DpRamMap DpRamMap::Bootloader(Bytes dpRam) {
-    using namespace Vesk::Handshake;
-    DpRamMap map("bootloader", dpRam);
+DpRamMap DpRamMap::Bootloader(Bytes dpRam, Source source) {
+    DpRamMap map("bootloader", dpRam, source);
     map.AddHexBlock("unused", 0, BootloaderDpRam::MAILBOX_IN);
     map.AddMailbox("mailboxIn", BootloaderDpRam::MAILBOX_IN);
     map.AddMailbox("mailboxOut", BootloaderDpRam::MAILBOX_OUT);
     map.AddBootloaderCtrl();
-    constexpr int handshake = BootloaderDpRam::APPLICATION_INDICATION;
-    map.AddBlock("handshake", handshake);
-    map.AddRegister<ApplicationIndication_t>("applicationIndication", 0);
-    map.AddRegister<VelmoIndication_t>("velmoIndication", BootloaderDpRam::VELMO_INDICATION - handshake);
+    if (!map._snapshot)
+        map.AddBootloaderHandshake();
     return map;
 }
 
@@ -75,7 +73,10 @@ void DpRamMap::AddFatalEvent() {
     AddBlock("fatalEvent", Event::OFFSET);
     const bool reported =
         Number(MasterDpRam::VELMO_INDICATION, 1) & Vesk::Modules::DPVM::Vt22VelmoIndication_t::FATAL;
-    AddField("reported", reported ? "yes" : "no, the module indication's bit fatal is not set", reported);
+    if (_snapshot)
+        AddField("reported", "not known, the module indication was not read", nullptr);
+    else
+        AddField("reported", reported ? "yes" : "no, the module indication's bit fatal is not set", reported);
     AddNumber("errorCode", Event::ERROR_CODE, 2);
     AddNumber("errorCause", Event::ERROR_CAUSE, 2);
     AddNumber("taskId", Event::TASK_ID, 2);
@@ -151,7 +152,7 @@ void DpRamMap::AddFieldbusStatus() {
     AddStations("dpv1Connection", Status::DPV1_CONNECTION_LIST);
 }
 
-void DpRamMap::AddHandshake() {
+void DpRamMap::AddMasterHandshake() {
     using namespace Vesk::Modules::DPVM;
     constexpr int start = MasterDpRam::APPLICATION_INDICATION;
     AddBlock("handshake", start);
@@ -159,6 +160,14 @@ void DpRamMap::AddHandshake() {
     AddRegister<Vt22VelmoIndication_t>("velmoIndication", MasterDpRam::VELMO_INDICATION - start);
     AddNumber("applicationCompanion", MasterDpRam::APPLICATION_INDICATION_COMPANION - start, 1);
     AddNumber("velmoCompanion", MasterDpRam::VELMO_INDICATION_COMPANION - start, 1);
+}
+
+void DpRamMap::AddBootloaderHandshake() {
+    using namespace Vesk::Handshake;
+    constexpr int start = BootloaderDpRam::APPLICATION_INDICATION;
+    AddBlock("handshake", start);
+    AddRegister<ApplicationIndication_t>("applicationIndication", 0);
+    AddRegister<VelmoIndication_t>("velmoIndication", BootloaderDpRam::VELMO_INDICATION - start);
 }
 
 void DpRamMap::AddBootloaderCtrl() {
@@ -231,6 +240,11 @@ void DpRamMap::AddHexBlock(const std::string& name, int offset, int end) {
 
 std::string DpRamMap::ToText() const {
     std::string text = "DPRAM of the module as the " + _layout + "\n";
+    if (_snapshot)
+        text +=
+            "A snapshot of something that moves: its bytes were read one after the other, and may not "
+            "belong\n"
+            "together. The handshake registers were not read, which would take an interrupt from the host.\n";
     for (const Block& block : _blocks) {
         text += "\n" + HexOffset(block.offset) + "  " + block.name + "\n";
         for (const Field& field : block.fields) {
@@ -248,7 +262,7 @@ std::string DpRamMap::ToText() const {
 }
 
 ordered_json DpRamMap::ToJson() const {
-    ordered_json map{{"layout", _layout}};
+    ordered_json map{{"layout", _layout}, {"snapshot", _snapshot}};
     for (const Block& block : _blocks) {
         ordered_json& object = map[block.name];
         object["offset"] = block.offset;

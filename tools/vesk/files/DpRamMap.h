@@ -17,9 +17,14 @@ public:
     static constexpr int SIZE = 0x2000;
     using Bytes = std::span<const unsigned char, SIZE>;
 
+    enum class Source {
+        DUMP,     // all of it, at one time
+        SNAPSHOT, // of a DPRAM in use, without its handshake registers
+    };
+
     /// The layout of the module while it runs as the DP-V1 master, or its bootloader.
-    static DpRamMap Master(Bytes dpRam);
-    static DpRamMap Bootloader(Bytes dpRam);
+    static DpRamMap Master(Bytes dpRam, Source source = Source::DUMP);
+    static DpRamMap Bootloader(Bytes dpRam, Source source = Source::DUMP);
 
     std::string ToText() const;
     /// One object with a member for each block, which has its offset and a member for each field.
@@ -38,7 +43,8 @@ private:
         std::vector<Field> fields;
     };
 
-    DpRamMap(std::string layout, Bytes dpRam) : _layout(std::move(layout)), _dpRam(dpRam) {}
+    DpRamMap(std::string layout, Bytes dpRam, Source source)
+        : _layout(std::move(layout)), _dpRam(dpRam), _snapshot(source == Source::SNAPSHOT) {}
 
     unsigned int Number(int offset, int bytes) const;
 
@@ -66,11 +72,13 @@ private:
     void AddMailbox(const std::string& name, int offset);
     void AddMessage(const Vesk::Mailbox::Header& header);
     void AddFieldbusStatus();
-    void AddHandshake();
+    void AddMasterHandshake();
+    void AddBootloaderHandshake();
     void AddBootloaderCtrl();
 
     std::string _layout;
     Bytes _dpRam;
+    bool _snapshot;
     std::vector<Block> _blocks;
 };
 

@@ -2,9 +2,11 @@
 #include "tools/vesk/files/DpRamMap.h"
 #include "tools/vesk/files/FileBytes.h"
 #include "tools/vesk/files/FileCommands.h"
+#include "tools/vesk/files/Snapshot.h"
 #include "tools/vesk/text/ByteText.h"
 
 #include <iostream>
+#include <limits>
 
 namespace VeskTool {
 
@@ -12,19 +14,28 @@ namespace {
 
 struct DumpOptions {
     std::string path;
+    std::string dpRamPath; // of a DPRAM in use, instead of the dump
+    int offset = 0;
     bool bootloader = false;
     bool json = false;
 };
 
-void ShowDump(const DumpOptions& options) {
+std::vector<unsigned char> ReadDump(const DumpOptions& options) {
     const auto check = [&options](std::int64_t length) {
         if (length != DpRamMap::SIZE)
             throw Failure(options.path + ": " + std::to_string(length) + " bytes; a dump of the DPRAM has " +
                           std::to_string(DpRamMap::SIZE));
     };
-    const auto file = ReadFile(options.path, check);
-    const DpRamMap::Bytes bytes(file);
-    const DpRamMap map = options.bootloader ? DpRamMap::Bootloader(bytes) : DpRamMap::Master(bytes);
+    return ReadFile(options.path, check);
+}
+
+void ShowDump(const DumpOptions& options) {
+    const bool live = !options.dpRamPath.empty();
+    const auto content = live ? ReadSnapshot(options.dpRamPath, options.offset) : ReadDump(options);
+    const DpRamMap::Bytes bytes(content);
+    const auto source = live ? DpRamMap::Source::SNAPSHOT : DpRamMap::Source::DUMP;
+    const DpRamMap map =
+        options.bootloader ? DpRamMap::Bootloader(bytes, source) : DpRamMap::Master(bytes, source);
     std::cout << (options.json ? JsonText(map.ToJson()) : map.ToText());
 }
 
@@ -32,10 +43,20 @@ void ShowDump(const DumpOptions& options) {
 
 Action AddDump(CLI::App& command) {
     const auto options = std::make_shared<DumpOptions>();
-    AddArgument(command, "FILE", options->path, "Dump of 8192 bytes");
+    // Not from the environment: that would be in the way of every FILE.
+    CLI::Option* const dpRam =
+        command.add_option("--dpram", options->dpRamPath, "DPRAM of a module in use: a file or a device")
+            ->type_name("FILE");
+    command.add_option("--offset", options->offset, "Where in that file the DPRAM begins (0)")
+        ->type_name("BYTES")
+        ->check(CLI::Range(0, std::numeric_limits<int>::max()).description(""))
+        ->needs(dpRam);
+    command.add_option("FILE", options->path, "Dump of 8192 bytes")->type_name("")->excludes(dpRam);
     command.add_flag("--bootloader", options->bootloader, "The module ran its bootloader");
     AddJson(command, options->json);
     return [options] {
+        if (options->path.empty() && options->dpRamPath.empty())
+            throw CLI::RequiredError("FILE or --dpram");
         ShowDump(*options);
         return DONE;
     };

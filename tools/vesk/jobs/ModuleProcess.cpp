@@ -4,6 +4,7 @@
 #include "tools/vesk/text/Failure.h"
 
 #include <cstdio>
+#include <fcntl.h>
 #include <filesystem>
 #include <ostream>
 
@@ -40,20 +41,28 @@ VirtualModule::Options ModuleProcess::ModuleOptions() {
 }
 
 /// A module that has no flash file yet gets one at once, so that a path that cannot be written shows now.
-VirtualModule::Flash ModuleProcess::LoadFlash() const {
+VirtualModule::Flash ModuleProcess::LoadFlash() {
     const std::string& path = _options.flashPath;
     if (path.empty())
         return {};
+    if (std::filesystem::exists(path) && !std::filesystem::is_regular_file(path))
+        throw Failure(path + " is not a regular file");
+    LockFlash();
     std::error_code notThere;
     std::filesystem::remove(path + VirtualModule::Flash::UNFINISHED, notThere);
-    if (std::filesystem::exists(path)) {
-        if (!std::filesystem::is_regular_file(path))
-            throw Failure(path + " is not a regular file");
+    if (std::filesystem::exists(path))
         return VirtualModule::Flash::Load(path);
-    }
     const VirtualModule::Flash flash;
     flash.Save(path);
     return flash;
+}
+
+void ModuleProcess::LockFlash() {
+    try {
+        _flashLock.emplace(_options.flashPath + LOCK, LockedFile::Side::MODULE, O_CREAT);
+    } catch (const InUse& inUse) {
+        throw InUse(_options.flashPath, inUse.User());
+    }
 }
 
 void ModuleProcess::Execute() {

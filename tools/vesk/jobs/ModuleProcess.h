@@ -7,6 +7,7 @@
 
 #include <chrono>
 #include <csignal>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -16,6 +17,9 @@ namespace VeskTool {
 /// that both map, with its flash in a file.
 class ModuleProcess {
 public:
+    /// The flash file is a new one after each change, so this one beside it is locked for it.
+    static constexpr const char* LOCK = ".lock";
+
     struct Options {
         std::string dpRamPath;
         std::string linesPath;
@@ -26,7 +30,8 @@ public:
         bool log = false;
     };
 
-    /// Takes the files; Failure, or std::runtime_error for the flash, where one cannot be used.
+    /// Takes the files, each of which serves one module at a time: InUse. Failure, or std::runtime_error for
+    /// the flash, where one cannot be used.
     ModuleProcess(Options options, const Console& console);
 
     /// Plays the module until SIGINT or SIGTERM.
@@ -35,7 +40,8 @@ public:
 private:
     std::int64_t ModuleTime() const;
     VirtualModule::Options ModuleOptions();
-    VirtualModule::Flash LoadFlash() const;
+    VirtualModule::Flash LoadFlash();
+    void LockFlash();
     void SaveFlash();
     void ReportViolations();
     void Log(const std::string& text);
@@ -45,6 +51,7 @@ private:
     std::chrono::steady_clock::time_point _start = std::chrono::steady_clock::now();
     SharedFile _dpRam;
     SharedFile _lines;
+    std::optional<LockedFile> _flashLock;
     VirtualModule::Flash _flash;
     std::uint64_t _savedWrites = 0;
     VirtualModule::Module _module;

@@ -80,11 +80,21 @@ Link LinkOptions::Open(VirtualModule::Flash flash) const {
     if (!_linesPath && !_gpio)
         throw CLI::RequiresError("--dpram", "--lines or --gpio");
     CheckThere(*_dpRamPath, _linesPath ? START_MODULE : "Check the name of the device and its driver");
-    Link link = _linesPath ? FileLink(*_linesPath) : GpioLink(*_gpio);
+    Link link = TakeLines();
     link.description = "module at " + *_dpRamPath;
     link.dpRamPath = *_dpRamPath;
     link.offset = _offset;
     return link;
+}
+
+Link LinkOptions::TakeLines() const {
+    try {
+        return _linesPath ? FileLink(*_linesPath) : GpioLink(*_gpio);
+    } catch (const InUse& inUse) {
+        throw Failure(inUse.what(),
+                      "A module has one host at a time: end that one first. `vesk dump --dpram` "
+                      "shows the DPRAM without disturbing it.");
+    }
 }
 
 LinkOptions::Gpio LinkOptions::ParseGpio(const std::string& text) {

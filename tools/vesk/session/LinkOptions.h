@@ -15,8 +15,9 @@ public:
     /// Adds the options to `command`, whose parsing fills this object.
     void AddTo(CLI::App& command);
 
-    /// The way to the module behind DPRAM and lines; Failure where one of them cannot be used. Without any of
-    /// them a new virtual module in this process, with `flash`, which a line on standard error says.
+    /// The way to the module behind DPRAM and lines; Failure where one of them cannot be used, or another
+    /// host has the lines. Without any of them a new virtual module in this process, with `flash`, which a
+    /// line on standard error says.
     Link Open(VirtualModule::Flash flash = {}) const;
 
 private:
@@ -28,6 +29,7 @@ private:
 
     static Gpio ParseGpio(const std::string& text);
     static Link GpioLink(const Gpio& gpio);
+    Link TakeLines() const;
 
     std::optional<std::string> _dpRamPath;
     int _offset = 0;
