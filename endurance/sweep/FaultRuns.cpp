@@ -55,6 +55,8 @@ FaultRuns::FaultRuns() {
     }
 }
 
+/// The life runs without a fault, but on the module that can have them, as an honest one counts no steps: the
+/// fault that Life arms never strikes.
 FaultRuns::Good FaultRuns::LiveWell(Kind kind) {
     constexpr long never = std::numeric_limits<long>::max();
     Good good;

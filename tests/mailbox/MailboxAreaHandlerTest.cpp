@@ -71,8 +71,6 @@ protected:
 };
 
 TEST_F(MailboxAreaHandlerTest, WritesHeaderAndDataInOneGoOnceTheModuleHasBooted) {
-    ExpectFailure<System::ArgumentNullException>("hostInterface must not be null",
-                                                 [] { return MailboxAreaHandler::Create(IN, nullptr); });
     _dpram->bytes.assign(_dpram->bytes.size(), 0xEE);
     const auto data = Array<unsigned char>::Create(std::vector<unsigned char>(256, 0xDA));
     const auto request = Ping()->TotalFrameCount(0x0304)->FrameNumber(0x0506)->Offset(0x0708090A);
@@ -130,21 +128,17 @@ TEST_F(MailboxAreaHandlerTest, SendsInOrderOnceTheLastOneIsTakenAndAnswered) {
     EXPECT_THAT(_answers, ElementsAre("a: " + ResponseText(), "b: " + ResponseText()));
 }
 
-TEST_F(MailboxAreaHandlerTest, TimesOutAtTheNanosecondCountedFromAfterTheWrite) {
-    _dpram->beforeAccess = [this](const std::string&) { _clock.Advance(5 * SECOND); };
-    for (const int seconds : {2, 2147483647}) {
-        Queue("a", seconds);
-        _clock.Advance(5 * SECOND);
-        Send();
-        _clock.Advance(seconds * SECOND - 1);
-        EXPECT_FALSE(_handler->Update());
-        _clock.Advance(1);
-        ExpectFailure<MailboxTimeoutException>("Timeout after " + std::to_string(seconds) +
-                                                   " seconds.\nMailbox request:\n" + REQUEST_TEXT + "\n",
-                                               [this] { return _handler->Update(); });
-        Respond(seconds == 2 ? 1 : 2); // after all
-    }
-    EXPECT_EQ(_answers.size(), 2u);
+TEST_F(MailboxAreaHandlerTest, TimesOutAtTheNanosecondAndTakesTheAnswerAfterAll) {
+    Queue("a", 2147483647);
+    Send();
+    _clock.Advance(2147483647 * SECOND - 1);
+    EXPECT_FALSE(_handler->Update());
+    _clock.Advance(1);
+    ExpectFailure<MailboxTimeoutException>("Timeout after 2147483647 seconds.\nMailbox request:\n" +
+                                               REQUEST_TEXT + "\n",
+                                           [this] { return _handler->Update(); });
+    Respond(1);
+    EXPECT_EQ(_answers.size(), 1u);
 }
 
 TEST_F(MailboxAreaHandlerTest, SpendsAnIdOnEveryRequestAndStartsAgainAt0) {

@@ -19,6 +19,9 @@
 #include "vesk/modules/dpvm/config/CRC32.h"
 #include "vesk/modules/dpvm/config/DdbParser.h"
 #include "vesk/modules/dpvm/config/SlaveRecord.h"
+#include "vesk/system/io/BinaryReader.h"
+#include "vesk/system/io/BinaryWriter.h"
+#include "vesk/system/io/FileStream.h"
 
 #include <functional>
 
@@ -26,18 +29,30 @@ using namespace Vesk::Mailbox;
 using namespace Vesk::Modules::Bootloader;
 using namespace Vesk::Modules::DPVM;
 using namespace Vesk::Modules::DPVM::Config;
+using namespace Vesk::IO;
+using namespace System::IO;
 
 TEST(NullArgumentsTest, AreNamed) {
     const auto span = System::TimeSpan::Create(0);
     const auto bytes = System::Array<unsigned char>::Create(24);
-    const auto bootloader = Vt22Bootloader::Create(std::make_shared<RecordingHostInterface>());
-    const auto master = Vt22Module::Create(std::make_shared<RecordingHostInterface>(), {}, {}, {}, {});
+    const auto host = std::make_shared<RecordingHostInterface>();
+    const auto bootloader = Vt22Bootloader::Create(host);
+    const auto master = Vt22Module::Create(host, {}, {}, {}, {});
     const auto firmware = FirmwareFileBuilder().Read();
     const auto request = DPVMMessages::GetLiveList();
     const auto info = [](auto timeStamp, auto additionalInfo) {
         return Vt22FatalEventInfo::Create(0, 0, 0, timeStamp, additionalInfo, 0, nullptr);
     };
     const std::pair<const char*, std::function<void()>> cases[] = {
+        {"hostInterface", [] { InArea::Create(0, 1, nullptr); }},
+        {"hostInterface", [] { OutArea::Create(0, 1, nullptr); }},
+        {"hostInterface", [] { InputSegment::Create(nullptr, 0, nullptr, 0, 1); }},
+        {"hostInterface", [] { OutputSegment::Create(nullptr, 0, nullptr, 0, 1); }},
+        {"src", [&] { InputSegment::Create(host, 0, nullptr, 0, 1); }},
+        {"dst", [&] { OutputSegment::Create(host, 0, nullptr, 0, 1); }},
+        {"hostInterface", [] { Vesk::Handshake::ApplicationIndication::Create(0, nullptr); }},
+        {"hostInterface", [] { Vesk::Handshake::VelmoIndication::Create(0, nullptr); }},
+        {"hostInterface", [] { MailboxAreaHandler::Create(0, nullptr); }},
         {"hostInterface", [] { BootloaderCtrl::Create(0, nullptr); }},
         {"hostInterface", [] { Vt22VelmoIndication::Create(0, 0, nullptr); }},
         {"hostInterface", [] { Vt22ApplicationIndication::Create(0, 0, nullptr); }},
@@ -72,6 +87,10 @@ TEST(NullArgumentsTest, AreNamed) {
         {"master", [] { BusConfig::Builder::Create()->Build(); }},
         {"array", [] { CRC16::Create()->Digest(nullptr); }},
         {"array", [] { CRC32::Create()->Digest(nullptr, 0, 1); }},
+        {"path", [] { FileStream::Create(nullptr, FileMode::OPEN, FileAccess::READ); }},
+        {"array", [] { MemoryStream::Create(nullptr); }},
+        {"stream", [] { BinaryReader::Create(nullptr, true); }},
+        {"stream", [] { BinaryWriter::Create(nullptr); }},
         {"stream", [] { TarnFile::FromStream(nullptr); }},
         {"stream", [] { DdbParser::FromStream(nullptr); }},
         {"stream", [] { SlaveRecord::FromStream(nullptr); }},

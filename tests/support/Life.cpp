@@ -17,7 +17,8 @@ static constexpr std::int64_t PATIENCE = 15'000 * MILLISECOND;
 /// And no life is longer; a good one takes a tenth.
 static constexpr int MOST_UPDATES = 8'000;
 
-/// A module with faults counts what it does, and so does one whose fault never strikes.
+/// An honest module counts nothing, so each life is on one that has a fault, if only one that never strikes:
+/// waiting looks at the counts, and from those of its good lives the sweep knows at which steps to strike.
 static VirtualModule::Options Counting(VirtualModule::Options options) {
     constexpr unsigned never = std::numeric_limits<unsigned>::max();
     options.faults.push_back({VirtualModule::FaultId::DEAD, never});

@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "tests/support/ExpectFailure.h"
 
-#include "vesk/system/collections/KeyNotFoundException.h"
 #include "vesk/system/io/IOException.h"
 
 using namespace System;
@@ -66,23 +65,8 @@ TEST(Exception, IsCaughtByReferenceToItsOwnClass) {
     EXPECT_THROW(_env_throw(std::make_shared<Standard>()), std::exception);
 }
 
-TEST(Exception, EveryTypeSaysItsDottedName) {
-    const std::pair<std::shared_ptr<Exception>, const char*> cases[] = {
-        {ArgumentException::Create("m"), "ArgumentException"},
-        {ArgumentNullException::Create("m"), "ArgumentNullException"},
-        {ArgumentOutOfRangeException::Create("m"), "ArgumentOutOfRangeException"},
-        {FormatException::Create("m"), "FormatException"},
-        {InvalidOperationException::Create("m"), "InvalidOperationException"},
-        {NullReferenceException::Create("m"), "NullReferenceException"},
-        {IO::IOException::Create("m"), "IO.IOException"},
-        {IO::FileNotFoundException::Create("m"), "IO.FileNotFoundException"},
-        {IO::EndOfStreamException::Create("m"), "IO.EndOfStreamException"},
-        {Collections::Generic::KeyNotFoundException::Create("m"), "Collections.Generic.KeyNotFoundException"},
-    };
-    for (const auto& [exception, name] : cases)
-        EXPECT_EQ(exception->ToString().Value(), "System." + std::string(name) + ": m");
-
-    EXPECT_EQ(cases[0].first->InnerException(), nullptr);
-    const auto& cause = cases[0].first;
+TEST(Exception, KeepsItsCause) {
+    const std::shared_ptr<Exception> cause = FormatException::Create("m");
+    EXPECT_EQ(cause->InnerException(), nullptr);
     EXPECT_EQ(InvalidOperationException::Create("m", cause)->InnerException(), cause);
 }

@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "tests/support/ExpectFailure.h"
 #include "tests/support/RecordingHostInterface.h"
-#include "tests/support/Values.h"
 
 #include "vesk/core/VeskException.h"
 #include "vesk/modules/dpvm/Vt22FatalEventArea.h"
@@ -110,22 +109,6 @@ TEST_F(Vt22OutAreaTest, ForgetsAStatusWhoseCallbackThrew) {
     EXPECT_EQ(calls, 2);
     HandOver(2, 0, 0x08, 0x20);
     EXPECT_EQ(_dpRam->log.back(), "R16 1046") << "nobody asks for the mode";
-}
-
-TEST_F(Vt22OutAreaTest, FillsTheListsInPlaceAndInOrder) {
-    const auto fieldbus = _area->FieldbusOut();
-    const auto lists = {fieldbus->SlaveConfiguredList(), fieldbus->DataTransferList(),
-                        fieldbus->SlaveDiagnosticList(), fieldbus->Dpv1ConnectionLiveList()};
-    for (const auto& [offset, value] : {std::pair{0x1048, 1}, {0x1058, 2}, {0x1068, 3}, {0x1086, 4}})
-        _dpRam->Put(offset + 15, {value});
-    HandOver(2, 0, 0x1F, 0xC0);
-    EXPECT_EQ(_dpRam->TakeLog(),
-              (Log{"R16 1042", "R16 1046", "R 1048+16", "R 1058+16", "R 1068+16", "R 1086+16", "R 1078+14"}));
-    std::vector<int> expected(16);
-    for (const auto& list : lists) {
-        ++expected.back();
-        EXPECT_EQ(Values(list), expected);
-    }
 }
 
 TEST_F(Vt22OutAreaTest, CallsBackWithEachNewModeThatIsOne) {

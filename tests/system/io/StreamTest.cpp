@@ -110,10 +110,3 @@ TEST(FileStream, OpensARegularFileOnlyAndForReading) {
     ExpectFailure<InvalidOperationException>(folder.Path("file") + ": opened for reading",
                                              [&] { file->WriteByte(1); });
 }
-
-TEST(Streams, NeedWhatTheyWorkOn) {
-    ExpectFailure<ArgumentNullException>("stream must not be null", [] { BinaryReader::Create({}, true); });
-    ExpectFailure<ArgumentNullException>("stream must not be null", [] { BinaryWriter::Create({}); });
-    ExpectFailure<ArgumentNullException>("array must not be null", [] { MemoryStream::Create({}); });
-    ExpectFailure<ArgumentNullException>("path must not be null", [] { Open({}); });
-}

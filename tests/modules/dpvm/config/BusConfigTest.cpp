@@ -19,19 +19,11 @@ protected:
     std::shared_ptr<ISlaveRecord> large = Read<SlaveRecord>(DatabaseFileBuilder::SlaveRecord({{1, 2}, {0}}));
 };
 
-TEST_F(BusConfigTest, ChecksumCoversRecordsAddressesAndTheirOrder) {
-    EXPECT_EQ(WithMaster()->Build()->Checksum(), 0x23AA6E71u); // CRC-32/BZIP2 of the master record
+TEST_F(BusConfigTest, KeepsAndPrintsTheSlavesInTheirOrder) {
     const auto builder = WithMaster()->Slave(7, small);
     const auto first = builder->Build();
-    EXPECT_EQ(builder->Slave(3, large)->Build()->Checksum(), 0x955197E3u);
-    EXPECT_EQ(WithMaster()->Slave(3, large)->Slave(7, small)->Build()->Checksum(), 0x6E353EC2u);
-    EXPECT_EQ(WithMaster()->Slave(3, small)->Slave(7, large)->Build()->Checksum(), 0xD2A84E15u);
-    EXPECT_EQ(first->Checksum(), 0x628E0ADFu);
+    const auto config = builder->Slave(3, large)->Build();
     EXPECT_EQ(first->SlaveAddresses()->Count(), 1) << "out of the builder's reach";
-}
-
-TEST_F(BusConfigTest, KeepsAndPrintsTheSlavesInTheirOrder) {
-    const auto config = WithMaster()->Slave(7, small)->Slave(3, large)->Build();
     EXPECT_EQ(config->Slave(3), large);
     ExpectFailure<System::Collections::Generic::KeyNotFoundException>("10", [&] { config->Slave(10); });
     EXPECT_EQ(config->ToString().Value(), "BusConfig{\nChecksum: 955197e3\n\nMaster{\n" +

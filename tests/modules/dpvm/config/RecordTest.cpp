@@ -17,7 +17,6 @@
 using namespace Vesk;
 using namespace Vesk::Modules::DPVM::Config;
 using System::IO::EndOfStreamException;
-using Numbers = std::vector<unsigned int>;
 
 /// A master record, whose name fills its 32 bytes.
 static const Bytes MASTER = [] {
@@ -51,64 +50,6 @@ static constexpr int EXTENDED = 58;
 
 static Bytes FirstOf(const Bytes& bytes, int count) {
     return {bytes.begin(), bytes.begin() + count};
-}
-
-TEST(MasterRecord, OffersEveryFieldUnderItsNameAndPrintsIt) {
-    const auto master = Read<MasterRecord>(MASTER);
-    const auto user = master->UserData();
-    EXPECT_EQ((Numbers{master->StationAddress(), master->DataRate(), master->SlotTime(),
-                       master->MinStationDelayTime(), master->MaxStationDelayTime(), master->QuietTime(),
-                       master->SetupTime(), master->TargetRotationTime(), master->GapUpdateFactor(),
-                       master->HighestStationAddress(), master->MaxRetryLimit(), master->BpFlag(),
-                       master->MinSlaveInterval(), master->PollTimeout(), master->DataControlTime(),
-                       master->AlarmMax(), master->MaxUserGlobalControl()}),
-              (Numbers{2, 6, 300, 11, 900, 5, 7, 100000, 10, 126, 3, 0x80, 20, 1000, 120, 8, 9}));
-    EXPECT_EQ(
-        (Numbers{user->IdleTime1(), user->IdleTime2(), user->DeltaT_TR(), user->Repeater(), user->GroupSync(),
-                 user->GroupFreeze(), user->IdentNr(), user->AddressingMode(), user->StorageFormat(),
-                 user->T_CT(), user->MaxT_SH()}),
-        (Numbers{0x0102, 0x0304, 0x05060708, 0x090A, 0x0B, 0x0C, 0x1234, 0x0D, 0x0E, 0x0F101112, 0x13}));
-    EXPECT_EQ(user->Class2Name().Value(), "C2M" + std::string(28, '\0') + "\xC4");
-    EXPECT_EQ(
-        master->ToString().Value(),
-        "stationAddress: 2\ndataRate: 6\nslotTime: 300\nminStationDelayTime: 11\nmaxStationDelayTime: 900\n"
-        "quietTime: 5\nsetupTime: 7\ntargetRotationTime: 100000\ngapUpdateFactor: 10\n"
-        "highestStationAddress: 126\nmaxRetryLimit: 3\nbpFlag: 128\nminSlaveInterval: 20\n"
-        "pollTimeout: 1000\ndataControlTime: 120\nalarmMax: 8\nmaxUserGlobalControl: 9\n\n"
-        "User data{\nclass2Name: " +
-            user->Class2Name().Value() +
-            "\nidleTime1: 258\nidleTime2: 772\ndeltaT_TR: 84281096\nrepeater: 2314\ngroupSync: 11\n"
-            "groupFreeze: 12\nidentNr: 4660\naddressingMode: 13\nstorageFormat: 14\nt_CT: 252711186\n"
-            "maxT_SH: 19\n}\n");
-}
-
-TEST(SlaveRecord, OffersEveryFieldUnderItsNameAndPrintsIt) {
-    const auto slave = Read<SlaveRecord>(SLAVE);
-    const auto parameters = slave->ParameterData();
-    EXPECT_EQ((Numbers{slave->SlaveFlags(), slave->SlaveType(), slave->MaxDiagnosticDataLength(),
-                       slave->MaxChannelDataLength(), slave->DiagUpdDelay(), slave->AlarmMode(),
-                       slave->AdditionalSlaveFlags(), slave->MSAC1Timeout(),
-                       slave->UserData()->InputDataLength(), slave->UserData()->OutputDataLength()}),
-              (Numbers{0x80, 1, 0xF4, 0xF0, 5, 6, 7, 100, 2, 1}));
-    EXPECT_EQ((Numbers{parameters->StationStatus(), parameters->WatchdogFactor1(),
-                       parameters->WatchdogFactor2(), parameters->MinStationDelayTimeResponder(),
-                       parameters->IdentNr(), parameters->GroupIdent()}),
-              (Numbers{0x88, 2, 10, 11, 0x1234, 3}));
-    EXPECT_EQ(Values(parameters->UserParameters())[9], 0xA9);
-    EXPECT_EQ(Values(slave->ConfigurationData()->IdentifierBytes()), (std::vector<int>{0xC0, 1, 2, 3}));
-    EXPECT_EQ(Values(slave->AddressTable()->InputOffsetTable()), (std::vector<int>{0x0102, 0x0304}));
-    EXPECT_EQ(Values(slave->AddressTable()->OutputOffsetTable()), (std::vector<int>{0x0DAB}));
-    EXPECT_EQ(Values(slave->ExtendedUserParameterData()->ExtUsrPrmData()).back(), 0xE4);
-    EXPECT_EQ(slave->ToString().Value(),
-              "slaveFlags: 128\nslaveType: 1\nmaxDiagnosticDataLength: 244\nmaxChannelDataLength: 240\n"
-              "diagUpdDelay: 5\nalarmMode: 6\nadditionalSlaveFlags: 7\nmSAC1Timeout: 100\n\n"
-              "Parameter data{\nstationStatus: 136\nwatchdogFactor1: 2\nwatchdogFactor2: 10\n"
-              "minStationDelayTimeResponder: 11\nidentNr: 4660\ngroupIdent: 3\n"
-              "userParameters: [a0, a1, a2, a3, a4, a5, a6, a7, a8, a9]\n}\n\n"
-              "Configuration data{\nidentifierBytes: [c0, 01, 02, 03]\n}\n\n"
-              "Address table{\ninputOffsetTable: [0102, 0304]\noutputOffsetTable: [0dab]\n}\n\n"
-              "User data{\ninputDataLength: 2\noutputDataLength: 1\n}\n\n"
-              "Extended user data{\nextUsrPrmData: [e0, e1, e2, e3, e4]\n}\n");
 }
 
 TEST(RecordTest, WritesWhatItReadWithReservedAndPadBytesZero) {
