@@ -83,18 +83,15 @@ TEST(SegmentTest, NamesPlaceIndexAndCount) {
     ExpectSegment<OutputSegment>("OutputSegment dpRamOffset: 4246, dst: 4, count: 8");
 }
 
-TEST(InAreaTest, WritesEverySegmentOnceWhenOneHasChanged) {
+TEST(InAreaTest, LooksAtTheMappedBytesOnlyAndKeepsWhatItCouldNotWrite) {
     const auto dpRam = std::make_shared<RecordingHostInterface>();
+    const Bytes src = Array<unsigned char>::Create(8);
     const auto area = InArea::Create(0x296, 3500, dpRam);
-    const Bytes src = Array<unsigned char>::Create({1, 2, 3, 4, 5, 6, 7, 8});
     area->MapInputData(4, src, 2, 2);
-    area->MapInputData(0, src, 6, 1);
     EXPECT_FALSE(area->Update()) << "the area is the module's";
     area->Acquired();
-    EXPECT_TRUE(area->Update()) << "new segments are written even if nothing changed";
-    EXPECT_EQ(dpRam->TakeLog(), (Log{"W 029a+2", "W 0296+1"})) << "in the order of their mapping";
-    EXPECT_EQ(dpRam->Bytes(0x296, 6), (std::vector<int>{7, 0, 0, 0, 3, 4}));
-    src->Set(6, 70);
+    EXPECT_TRUE(area->Update());
+    src->Set(3, 40);
     EXPECT_FALSE(area->Update()) << "released, and the change is kept";
     area->Acquired();
     EXPECT_TRUE(area->Update());
@@ -102,9 +99,6 @@ TEST(InAreaTest, WritesEverySegmentOnceWhenOneHasChanged) {
     src->Set(1, 99);
     src->Set(4, 99);
     EXPECT_FALSE(area->Update()) << "neighbours of the mapped bytes do not count";
-    src->Set(3, 40);
-    EXPECT_TRUE(area->Update()) << "still acquired";
-    EXPECT_EQ(dpRam->Bytes(0x296, 6), (std::vector<int>{70, 0, 0, 0, 3, 40}));
 
     const auto broken = [&](int index, const char* message) {
         const auto part = InArea::Create(0x296, 3500, dpRam);

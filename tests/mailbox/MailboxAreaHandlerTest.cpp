@@ -14,8 +14,6 @@
 
 #include <gmock/gmock.h>
 
-#include <tuple>
-
 using namespace Vesk::Mailbox;
 using System::ArgumentOutOfRangeException;
 using System::Array;
@@ -166,18 +164,12 @@ TEST_F(MailboxAreaHandlerTest, RefusesAResponseThatNobodyAskedForOrThatCannotBeR
     ExpectFailure<MailboxResponseException>(
         "Received response without an outstanding request:\n" + text + "\n", [this] { Respond(1); });
     Send();
-    const std::tuple<std::string, int, int, const char*> cases[] = {
-        {"MessageId", 2, 0x0003, "2\nType: Memory"},
-        {"MessageType", 1, 0x0003, "1\nType: Memory"},
-        {"Command", 1, 0x0002, "1\nType: Fieldbus"},
-    };
-    for (const auto& [what, id, information, header] : cases)
-        ExpectFailure<MailboxResponseException>(
-            what + " of response header does not match outstanding request:\nResponse\nID: 0x" + header +
-                "\nCommand: 0x17\nData size: 0x101\nTotal frame count: 0x1\nFrame number: 0x1\nOffset: 0x0\n"
-                "Extended: [1234, 0000, 0000, 0000, 0000, 0000, 0000, 0000]\n\n" +
-                REQUEST_TEXT + "\n",
-            [&, i = id, bits = information] { Respond(i, bits, 0x17, 257); });
+    ExpectFailure<MailboxResponseException>(
+        "MessageId of response header does not match outstanding request:\nResponse\nID: 0x2\nType: Memory"
+        "\nCommand: 0x17\nData size: 0x101\nTotal frame count: 0x1\nFrame number: 0x1\nOffset: 0x0\n"
+        "Extended: [1234, 0000, 0000, 0000, 0000, 0000, 0000, 0000]\n\n" +
+            REQUEST_TEXT + "\n",
+        [this] { Respond(2, 0x0003, 0x17, 257); });
     ExpectFailure<System::ArgumentException>("7", [this] { Respond(2, 0x0007); });
     ExpectFailure<ArgumentOutOfRangeException>(
         "offset (32) + count (257) must not be greater than the length of array (288)",

@@ -6,11 +6,8 @@
 #include "virtualmodule/faults/Faults.h"
 
 #include <regex>
-#include <sstream>
 
-using testing::AllOf;
 using testing::AnyOf;
-using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::Not;
 

@@ -129,16 +129,6 @@ TEST_F(TwoProcessesTest, ANewHostRecoversAfterEitherWasKilled) {
         }
 }
 
-TEST_F(TwoProcessesTest, AHostNoticesThatItsModuleIsAnotherOne) {
-    auto module = files.StartModule();
-    const auto host = files.StartHost(ENDLESS);
-    ASSERT_TRUE(module->WaitForOut("indication 0x03"));
-    module->End(SIGKILL);
-    module = files.StartModule();
-    EXPECT_EQ(host->Wait(), 1);
-    EXPECT_THAT(host->Err(), HasSubstr("Unexpected poweron indication from module!"));
-}
-
 TEST_F(TwoProcessesTest, TheFlashHoldsWhatWasAnsweredAndIsNeverHalfWritten) {
     // Each request of a download from the third to the last changes the flash, right after its line.
     for (int request = 2; request <= 19; ++request) {

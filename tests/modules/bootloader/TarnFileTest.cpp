@@ -10,16 +10,6 @@ using System::FormatException;
 using System::IO::EndOfStreamException;
 using Vesk::Modules::Bootloader::TarnFile;
 
-TEST(TarnFileTest, ReadsEveryFieldAndWritesALineForEach) {
-    EXPECT_EQ(Builder().Read()->ToString().Value(),
-              "Description: Demo\nFirmware Type: APPLICATION_FIRMWARE\nModule ID: 0x1234\n"
-              "Erase Segments: 0x56\nAddress burn start: 0x20000\nProgram length: 0x0\nCRC Start: 0x20010\n"
-              "CRC Length: 0x1020304\nCRC: 0xbeef\nOldest major: 2\nOldest minor: 7\nErase segments count: "
-              "[01, 02, 03, 04, 05, 06, 07, 08, 09, 0a, 0b, 0c, 0d, 0e, 0f, 10, 11, 12, 13, 14, 15, 16]\n");
-    for (const auto& [type, name] : {std::pair{1, "BOOTLOADER_FIRMWARE"}, {3, "CONFIGURATION_FIRMWARE"}})
-        EXPECT_EQ(TarnFile::FirmwareTypeToString(Builder().Type(type).Read()->FirmwareType).Value(), name);
-}
-
 TEST(TarnFileTest, DescriptionEndsAtItsFirstZeroOrAt64Bytes) {
     EXPECT_EQ(Builder().Put(4, {0, 'x', 0xFF, 0}).Read()->Description.Value(), "Demo");
     Builder builder;

@@ -7,8 +7,6 @@
 #include "vesk/core/VeskException.h"
 #include "vesk/modules/dpvm/config/Block.h"
 #include "vesk/modules/dpvm/config/MasterRecord.h"
-#include "vesk/modules/dpvm/config/MasterUserData.h"
-#include "vesk/modules/dpvm/config/SlaveBlocks.h"
 #include "vesk/modules/dpvm/config/SlaveRecord.h"
 #include "vesk/system/io/IOException.h"
 
