@@ -108,10 +108,8 @@ private:
     }
 
     void EndModule() {
-        if (!_module)
-            return;
-        EXPECT_EQ(_module->End(SIGTERM), 0);
-        EXPECT_EQ(_module->Err(), "");
+        if (_module)
+            ModuleFiles::ExpectRightHost(*_module);
     }
 
     TemporaryFolder _folder;

@@ -19,11 +19,6 @@ struct ApplicationTest : testing::Test {
     /// The arguments that begin with the files of the module.
     Arguments On(const Arguments& more) const { return RunTool::Join({files.dpRam, files.lines}, more); }
 
-    static void ExpectRightHost(Process& module) {
-        EXPECT_EQ(module.End(SIGTERM), 0);
-        EXPECT_EQ(module.Err(), "") << "what a module must never see";
-    }
-
     ModuleFiles files;
 };
 
@@ -68,7 +63,7 @@ TEST_F(ApplicationTest, EachDoesItsTask) {
         EXPECT_THAT(result.out, StartsWith("online\nnew mode\n42 went to the bus and came back\n"));
         EXPECT_THAT(result.out, HasSubstr("\nError: No error\n"));
     }
-    ExpectRightHost(*module);
+    ModuleFiles::ExpectRightHost(*module);
 }
 
 TEST_F(ApplicationTest, EachSaysHowItIsUsed) {
@@ -91,8 +86,8 @@ TEST_F(ApplicationTest, AModuleThatFailsDoesNotStopTheOthers) {
     EXPECT_EQ(result.err,
               failing.dpRam +
                   ": Vesk.Modules.DPVM.Vt22FatalEventException: Fatal event reported by VT22 module\n");
-    ExpectRightHost(*module);
-    ExpectRightHost(*failingModule);
+    ModuleFiles::ExpectRightHost(*module);
+    ModuleFiles::ExpectRightHost(*failingModule);
 }
 
 TEST_F(ApplicationTest, TheFaultLogSurvivesTheModule) {
@@ -109,7 +104,7 @@ TEST_F(ApplicationTest, TheFaultLogSurvivesTheModule) {
     const std::string fatal =
         "Modules.DPVM.Vt22FatalEventException ErrorCode: 0x102 .* SourceFile: dpmaster.c +\n";
     EXPECT_THAT(TemporaryFolder::Read(log), MatchesRegex(at + reboot + at + fatal));
-    ExpectRightHost(*module);
+    ModuleFiles::ExpectRightHost(*module);
 }
 
 } // namespace

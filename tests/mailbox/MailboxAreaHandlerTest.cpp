@@ -101,31 +101,6 @@ TEST_F(MailboxAreaHandlerTest, DropsARequestOfAnotherClassWithMoreData) {
     EXPECT_EQ(IdInMailboxIn(), 3);
 }
 
-TEST_F(MailboxAreaHandlerTest, SendsInOrderOnceTheLastOneIsTakenAndAnswered) {
-    for (const char* name : {"a", "b", "c"})
-        Queue(name);
-    Send();
-    _dpram->TakeLog();
-
-    // Acknowledged, then answered.
-    _handler->RequestAcknowledged();
-    EXPECT_FALSE(_handler->Update());
-    ExpectFailure<System::InvalidOperationException>(nullptr, [this] { _handler->RequestAcknowledged(); });
-    Respond(1);
-    EXPECT_THAT(_dpram->TakeLog(), ElementsAre("R 0176+288"));
-    EXPECT_TRUE(_handler->Update());
-    EXPECT_EQ(IdInMailboxIn(), 2);
-
-    // Answered, then acknowledged.
-    Respond(2);
-    EXPECT_FALSE(_handler->Update());
-    _handler->RequestAcknowledged();
-    EXPECT_TRUE(_handler->Update());
-    EXPECT_EQ(IdInMailboxIn(), 3);
-
-    EXPECT_THAT(_answers, ElementsAre("a: " + ResponseText(), "b: " + ResponseText()));
-}
-
 TEST_F(MailboxAreaHandlerTest, TimesOutAtTheNanosecondAndTakesTheAnswerAfterAll) {
     Queue("a", 2147483647);
     Send();

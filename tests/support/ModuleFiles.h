@@ -3,6 +3,8 @@
 
 #include "tests/support/Process.h"
 
+#include <gtest/gtest.h>
+
 #include <memory>
 
 /// The files of a virtual module in a process of its own, `vesk module`, and how to start it on them.
@@ -30,6 +32,12 @@ struct ModuleFiles {
         if (!module->WaitForOut("module ready on " + dpRam + ", " + lines + "\n"))
             throw std::runtime_error("the module does not start: " + module->Err());
         return module;
+    }
+
+    /// The module ends when it is told to, and has nothing to complain of.
+    static void ExpectRightHost(Process& module) {
+        EXPECT_EQ(module.End(SIGTERM), 0);
+        EXPECT_EQ(module.Err(), "") << "what a module must never see";
     }
 
     /// `vesk run` with so many cycles of process data; 20 do for a whole life.

@@ -44,9 +44,6 @@ void RecordingHostInterface::Store(int offset, int width, unsigned int value) {
 void RecordingHostInterface::Read(int offset, const std::shared_ptr<System::IArray<unsigned char>>& array,
                                   int arrayOffset, int count) {
     Note(Text("R %04x+%d", offset, count));
-    if (arrayOffset + count > array->Count())
-        System::_throw_range_exception(arrayOffset, count, array->Count(), "arrayoffset", "arraycount",
-                                       "array");
     std::copy_n(&bytes.at(static_cast<std::size_t>(offset)), count, array->Data() + arrayOffset);
 }
 

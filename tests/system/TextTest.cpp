@@ -3,7 +3,6 @@
 
 #include "vesk/system/Convert.h"
 #include "vesk/system/TimeSpan.h"
-#include "vesk/system/diagnostics/Trace.h"
 
 #include <cstdint>
 #include <limits>
@@ -48,10 +47,4 @@ TEST(TimeSpan, WritesDaysAndFractionOnlyWhenThereAreAny) {
     };
     for (const auto& [nanoseconds, text] : cases)
         EXPECT_EQ(TimeSpan(nanoseconds).ToString().Value(), text);
-}
-
-TEST(Trace, GoesToStandardErrorWithoutAListener) {
-    testing::internal::CaptureStderr();
-    Diagnostics::Trace::TraceDebug("one");
-    EXPECT_EQ(testing::internal::GetCapturedStderr(), "one\n");
 }

@@ -40,12 +40,6 @@ struct TwoProcessesTest : testing::Test {
         EXPECT_EQ(host->Err(), "");
     }
 
-    /// The module ends when it is told to, and has nothing to complain of.
-    static void ExpectRightHost(Process& module) {
-        EXPECT_EQ(module.End(SIGTERM), 0);
-        EXPECT_EQ(module.Err(), "");
-    }
-
     /// What was answered to a host that traces its mailbox, from the start of a download, is in the flash.
     void ExpectKept(const Process& host) const {
         const auto plant = DPVM::Config::DdbParser::FromPath(ModuleFiles::PLANT);
@@ -82,7 +76,7 @@ TEST_F(TwoProcessesTest, AWholeLifeIsThatOfOneProcess) {
     ASSERT_EQ(host->Wait(), 0) << host->Err();
     EXPECT_EQ(Facts(host->Out()), Facts(alone.out));
     EXPECT_EQ(host->Err(), "");
-    ExpectRightHost(*module);
+    ModuleFiles::ExpectRightHost(*module);
 
     const auto next = files.StartModule();
     const auto again = files.StartHost(20, {"--json"});
@@ -168,7 +162,7 @@ TEST_F(TwoProcessesTest, AFirmwareUpdateThatWasCutOffIsRunAgain) {
 
     module = files.StartModule();
     EXPECT_THAT(RunTool::Text(files.With(UPDATE)), HasSubstr("The module runs firmware 1.5.0"));
-    ExpectRightHost(*module);
+    ModuleFiles::ExpectRightHost(*module);
     EXPECT_TRUE(Flash::Load(files.flash).application.valid);
 }
 

@@ -9,12 +9,14 @@
 #include "vesk/modules/dpvm/Vt22Bootloader.h"
 
 #include <algorithm>
+#include <tuple>
 
 using namespace Vesk;
 using Modules::DPVM::Vt22Bootloader;
 using State = Vt22Bootloader::ModuleState_e;
 using System::ArgumentException;
 using System::ArgumentOutOfRangeException;
+using Bytes = std::vector<int>;
 using Log = std::vector<std::string>;
 
 /// A bootloader module object in front of a DPRAM whose other side, the module, is played by the test.
@@ -112,17 +114,28 @@ TEST_F(Vt22BootloaderTest, ChecksBeforeItBegins) {
     EXPECT_EQ(_module->State(), State::BOOTED) << "what cannot be queued is not begun";
 }
 
-TEST_F(Vt22BootloaderTest, LeavesTheModuleAloneAfterADownload) {
-    Begin(1, 600);
-    AnswerRequests(_remaining - 1);
-    Answer();
-    Update();
-    EXPECT_TRUE(_module->EndDownload(&_remaining) && _module->Booted());
-    EXPECT_EQ(_remaining, 0);
-    _host->Put(0x1FFF, {0x40});
-    _clock.Advance(20'000'000'000);
-    _module->Update();
-    EXPECT_EQ(_host->TakeLog(), Log{});
+TEST_F(Vt22BootloaderTest, SaysWhereTheProgramBelongsAndThenLeavesTheModuleAlone) {
+    const std::tuple<int, Bytes, Bytes> cases[] = {
+        // type, address of the first segment, checksum, and of which bytes
+        {1, {0, 0, 0, 0}, {0x37, 0x4B, 0, 0, 0, 0, 1, 2, 3, 3}},
+        {2, {0, 2, 0, 0}, {0x37, 0x4B, 0, 2, 0, 0x10, 1, 4, 3, 0x13}}};
+    for (const auto& [type, address, checked] : cases) {
+        StartOver();
+        Begin(FirmwareFileBuilder().Type(type).Program("123456789"));
+        AnswerRequests(_remaining - 2);
+        EXPECT_EQ(_host->Bytes(0x1C0A, 4), address);
+        Answer();
+        NextRequest();
+        EXPECT_EQ(_host->Bytes(0x1C1E, 10), checked);
+        Answer();
+        Update();
+        EXPECT_TRUE(_module->EndDownload(&_remaining) && _module->Booted());
+        EXPECT_EQ(_remaining, 0);
+        _host->Put(0x1FFF, {0x40});
+        _clock.Advance(20'000'000'000);
+        _module->Update();
+        EXPECT_EQ(_host->TakeLog(), Log{});
+    }
 }
 
 TEST_F(Vt22BootloaderTest, WritesAcknowledgementAndNextRequestTogether) {
@@ -146,7 +159,9 @@ TEST_F(Vt22BootloaderTest, EachRequestMayFailAndOnlyTheSlowOnesTakeTenSeconds) {
     for (const auto& [type, requests] : {std::pair(1, 5), {2, 8}})
         for (int answered = 0; answered < requests; ++answered) {
             SCOPED_TRACE(answered);
+            const std::weak_ptr<Vt22Bootloader> before = _module;
             StartOver();
+            EXPECT_TRUE(before.expired()) << "with its last reference, whatever it waits for";
             _host->beforeAccess = [this](const std::string& access) {
                 if (access.starts_with("W "))
                     _clock.Advance(700'000'000); // the time of an answer begins after the request's writing
