@@ -64,8 +64,9 @@ TEST_F(Vt22HandshakeTest, TracesWhatItReadsAndWritesButNothingEmpty) {
         EXPECT_EQ(Read(0x69)->ToString().Value(), "Fatal MailboxInAcknowledged OutAcquired Log ");
     }
     TraceListener trace(RuntimeConfig::_printApplicationHandshake);
-    _application->Unlock();
     _application->ReleaseOut();
+    EXPECT_EQ(Update(), _nothing) << "locked until the module's interrupt; the mark stays";
+    _application->Unlock();
     _application->ReleaseIn();
     _application->AckMailboxOut();
     _application->NotifyMailboxIn();
