@@ -84,6 +84,8 @@ public:
 
     /// Becomes the program.
     [[noreturn]] static void Execute(const std::string& program, const Arguments& arguments) {
+        for (const int signal : {SIGINT, SIGTERM, SIGHUP, SIGPIPE}) // whoever runs the tests may ignore some
+            ::signal(signal, SIG_DFL);
         // Where the module is, is the test's affair alone.
         for (const char* variable : {"VESK_DPRAM", "VESK_OFFSET", "VESK_LINES", "VESK_GPIO"})
             ::unsetenv(variable);

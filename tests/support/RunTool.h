@@ -51,9 +51,10 @@ public:
         EXPECT_THAT(result.err, error);
     }
 
-    /// Runs it on a terminal, where `typed` is typed. `out` has all that the terminal shows, line ends as a
-    /// terminal has them.
-    static ToolResult RunOnTerminal(const Arguments& arguments, const std::string& typed) {
+    /// Runs it on a terminal, where `typed` is typed as soon as it shows `prompt`. `out` has all that the
+    /// terminal shows, line ends as a terminal has them.
+    static ToolResult RunOnTerminal(const Arguments& arguments, std::string typed,
+                                    const std::string& prompt = "") {
         int terminal = -1;
         const auto child = ::forkpty(&terminal, nullptr, nullptr, nullptr);
         if (child == 0)
@@ -61,13 +62,17 @@ public:
         if (child < 0)
             throw std::runtime_error("no terminal");
         std::string shown;
-        if (::write(terminal, typed.data(), typed.size()) == static_cast<::ssize_t>(typed.size())) {
-            char part[4096];
-            ::ssize_t count = 0;
-            // The end of the last process on a terminal is an error of its reading.
-            while ((count = ::read(terminal, part, sizeof part)) > 0 || (count < 0 && errno == EINTR))
-                shown.append(part, static_cast<std::size_t>(count > 0 ? count : 0));
-        }
+        char part[4096];
+        ::ssize_t count = 0;
+        do {
+            shown.append(part, static_cast<std::size_t>(count > 0 ? count : 0));
+            if (!typed.empty() && shown.find(prompt) != std::string::npos) {
+                EXPECT_EQ(::write(terminal, typed.data(), typed.size()),
+                          static_cast<::ssize_t>(typed.size()));
+                typed.clear();
+            }
+            count = ::read(terminal, part, sizeof part);
+        } while (count > 0 || (count < 0 && errno == EINTR)); // the end of its last process is an error
         const int status = Process::WaitFor(child);
         ::close(terminal);
         return {status, shown, ""};

@@ -89,6 +89,14 @@ TEST(CommandsTest, ColourOnATerminalOnly) {
     ::setenv("NO_COLOR", "1", 1);
     EXPECT_THAT(RunTool::RunOnTerminal({"status"}, "").out, AllOf(HasSubstr("ok "), Not(HasSubstr("\033"))));
     ::unsetenv("NO_COLOR");
+    const char* const update = SOURCE_DIR "/examples/firmware/vt22-1.5.0.fw";
+    ::setenv("TERM", "dumb", 1); // which can do nothing but write line after line
+    for (const Arguments& arguments : {Arguments{"status"}, {"flash", update, "--yes"}})
+        EXPECT_THAT(RunTool::RunOnTerminal(arguments, "").out, Not(testing::ContainsRegex("\033|\r[^\n]")));
+    ::setenv("TERM", "vt100", 1);
+    EXPECT_THAT(RunTool::RunOnTerminal({"run", "--cycles", "1001"}, "").out,
+                HasSubstr("\r[##########] 1001/1001 cycles, 0.0 s left\033[K"));
+    EXPECT_THAT(RunTool::Text({"run", "--cycles", "1001"}), HasSubstr("\n   50 %  501/1001 cycles, "));
 }
 
 #ifndef TEST_EMULATOR // the script starts the program itself

@@ -6,8 +6,11 @@
 
 #include "tools/vesk/jobs/Flash.h"
 #include "tools/vesk/text/Failure.h"
+#include "tools/vesk/text/Interruption.h"
 #include "vesk/system/DateTime.h"
 
+#include <csignal>
+#include <map>
 #include <sstream>
 
 using testing::AllOf;
@@ -35,6 +38,9 @@ TEST(FlashCommand, AsksOnATerminalAndDrawsABar) {
         EXPECT_EQ(no.status, 1) << no.out;
         EXPECT_THAT(no.out, AllOf(HasSubstr("vesk: Nothing was written"), Not(HasSubstr("requests"))));
     }
+    const auto interrupted = RunTool::RunOnTerminal({"flash", EXAMPLE}, "\x03", "[y/N] ");
+    EXPECT_EQ(interrupted.status, 128 + SIGINT) << interrupted.out;
+    EXPECT_THAT(interrupted.out, HasSubstr("vesk: stopped by SIGINT at the question; nothing was changed"));
 }
 
 /// The update against a module that fails at a chosen request, in virtual time.
@@ -46,6 +52,8 @@ protected:
             if (line == "boots as the bootloader")
                 _taken = 0;
             _taken += line.rfind("request ", 0) == 0;
+            if (const auto signal = _signals.extract(line.rfind("request ", 0) == 0 ? _taken : 0))
+                std::raise(signal.mapped());
         });
     }
 
@@ -71,12 +79,15 @@ protected:
         } catch (const VeskTool::Failure& failure) {
             EXPECT_THAT(failure.Hint(), AnyOf("Run the update again.", ""));
             return failure.what();
+        } catch (const VeskTool::Interrupted& interrupted) {
+            return words.str() + interrupted.What();
         }
         return words.str();
     }
 
     VirtualModule::Flash _flash;
     VirtualModule::InProcess _module{_flash, Ticking};
+    std::map<int, int> _signals; // by the request at which each comes
     int _taken = 0;
     bool _master = true;
 };
@@ -92,6 +103,29 @@ TEST_F(FlashFailureTest, TellsTheRequestTheAddressAndWhatIsLeft) {
                 "\n";
         }
     ExpectGolden("flash-failures.txt", told);
+}
+
+TEST_F(FlashFailureTest, IsNotStoppedInTheMiddleByAccident) {
+    VeskTool::WatchSignals();
+    const auto file = FirmwareFileBuilder().Program(600);
+    const auto done = HasSubstr("The module runs firmware");
+    const auto goesOn =
+        HasSubstr("vesk: stopping now would end it at request 6 of 8 (FwDownloadData, 0x20100). "
+                  "The application is erased; the module keeps its bootloader.\n");
+    const std::pair<std::map<int, int>, testing::Matcher<std::string>> cases[]{
+        {{{2, SIGPIPE}, {5, SIGHUP}}, AllOf(done, Not(HasSubstr("stop")))},
+        {{{5, SIGINT}}, AllOf(goesOn, done)},
+        {{{5, SIGTERM}, {6, SIGINT}},
+         AllOf(goesOn, testing::EndsWith("stopped by SIGINT at request 7 of 8 (FwDownloadData, 0x20200). The "
+                                         "application is erased; the module keeps its bootloader."))},
+    };
+    for (const auto& [signals, told] : cases) {
+        _signals = signals;
+        EXPECT_THAT(FailureAt(100, file, false), told);
+    }
+    VeskTool::WatchSignals(); // and what came is forgotten
+    for (const int signal : {SIGINT, SIGTERM, SIGHUP, SIGPIPE})
+        std::signal(signal, SIG_DFL);
 }
 
 TEST_F(FlashFailureTest, UpdatesAModuleWithoutAnApplication) {

@@ -42,7 +42,9 @@ const std::vector<Command>& Commands() {
          AddDatabase},
         {"download", MODULE,
          "Bring the module's database in line with a configuration; nothing is sent where it is already.\n"
-         "Resets the module, once more after a download.\n"
+         "Resets the module, once more after a download. It goes on without its terminal; in the middle "
+         "Ctrl-C "
+         "stops it the second time.\n"
          "Example: vesk download examples/plant.ddb",
          AddDownload},
         {"verify", MODULE,
@@ -54,7 +56,9 @@ const std::vector<Command>& Commands() {
         {"flash", MODULE,
          "Replace the application of the module, or with --bootloader its bootloader, by the program in the "
          "file FIRMWARE, and show which version runs then.\n"
-         "The module is reset and its bus stands still. An update that was cut off can always be run again.\n"
+         "The module is reset and its bus stands still. An update that was cut off can always be run again. "
+         "It goes "
+         "on without its terminal; in the middle Ctrl-C stops it the second time.\n"
          "Example: vesk flash examples/firmware/vt22-1.5.0.fw --yes",
          AddFlash},
 

@@ -3,6 +3,8 @@
 #include "tools/vesk/explain/Advice.h"
 #include "tools/vesk/text/ByteText.h"
 #include "tools/vesk/text/Failure.h"
+#include "tools/vesk/text/Interruption.h"
+#include "tools/vesk/text/StandardOutput.h"
 #include "vesk/core/Version.h"
 #include "vesk/hostinterface/RuntimeConfig.h"
 
@@ -10,8 +12,9 @@
 #include <iostream>
 
 /// Errors come as JSON too where facts would; known from the arguments, for they may be what is wrong.
-static bool WantsJson(int argc, char** argv) {
-    return std::find(argv, argv + argc, std::string("--json")) != argv + argc;
+static void PrintJson(int argc, char** argv, const nlohmann::ordered_json& error) {
+    if (std::cout.good() && std::find(argv, argv + argc, std::string("--json")) != argv + argc)
+        std::cout << VeskTool::JsonText(error) << std::flush;
 }
 
 /// The library's own traces, on standard error, for every command.
@@ -46,25 +49,42 @@ static int Execute(int argc, char** argv) {
         program.parse(argc, argv);
     } catch (const CLI::ParseError& error) {
         const bool done = program.exit(error) == 0; // which prints it
-        if (!done && WantsJson(argc, argv))
-            std::cout << VeskTool::JsonText(VeskTool::ErrorToJson("Usage", error.what(), "See --help"));
+        if (!done)
+            PrintJson(argc, argv, VeskTool::ErrorToJson("Usage", error.what(), "See --help"));
         return done ? VeskTool::DONE : VeskTool::USAGE;
     }
     return status;
 }
 
-int main(int argc, char** argv) {
-    // A dump after every command would only be in the way of the one that an application left behind.
-    Vesk::RuntimeConfig::_hostInterfaceDumpPath = nullptr;
+/// The same, with words for whatever goes wrong.
+static int ExecuteAndReport(int argc, char** argv, VeskTool::StandardOutput& output) {
     try {
-        return Execute(argc, argv);
+        const int status = Execute(argc, argv);
+        output.Finish();
+        return status;
+    } catch (const VeskTool::Interrupted& interrupted) {
+        std::cerr << "vesk: " << interrupted.What() << "\n";
+        PrintJson(argc, argv, VeskTool::ErrorToJson("Interrupted", interrupted.What(), ""));
+        return VeskTool::SIGNALLED + interrupted.Signal();
     } catch (const std::exception& exception) {
         const VeskTool::Advice advice = VeskTool::AdviceFor(exception);
         std::cerr << "vesk: " << VeskTool::OneLine(exception) << "\n";
         for (const std::string& line : {advice.cause, advice.next})
             std::cerr << (line.empty() ? "" : "      " + line + "\n");
-        if (WantsJson(argc, argv))
-            std::cout << VeskTool::JsonText(VeskTool::ErrorToJson(exception));
+        PrintJson(argc, argv, VeskTool::ErrorToJson(exception));
     }
     return VeskTool::FAILED;
+}
+
+int main(int argc, char** argv) {
+    VeskTool::OpenStandardDescriptors();
+    VeskTool::StandardOutput output;
+    // A dump after every command would only be in the way of the one that an application left behind.
+    Vesk::RuntimeConfig::_hostInterfaceDumpPath = nullptr;
+    try {
+        return ExecuteAndReport(argc, argv, output);
+    } catch (const std::exception& exception) { // the failure could not be printed as JSON
+        std::cerr << "vesk: " << exception.what() << "\n";
+        return VeskTool::FAILED;
+    }
 }

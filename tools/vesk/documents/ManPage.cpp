@@ -110,10 +110,12 @@ std::string Environment(const CommandTree& program) {
     return text + ".TP\n" + Bold("NO_COLOR") + "\nNo colours, even on a terminal.\n";
 }
 
-constexpr auto* EXIT_STATUS = ".SH EXIT STATUS\n"
-                              ".TP\n\\fB0\\fR\nDone.\n"
-                              ".TP\n\\fB1\\fR\nThe module or a file said no.\n"
-                              ".TP\n\\fB2\\fR\nWrong usage.\n";
+constexpr auto* EXIT_STATUS =
+    ".SH EXIT STATUS\n"
+    ".TP\n\\fB0\\fR\nDone.\n"
+    ".TP\n\\fB1\\fR\nThe module or a file said no, or the output could not be written.\n"
+    ".TP\n\\fB2\\fR\nWrong usage.\n"
+    ".TP\n\\fB128\\fR and more\nStopped by the signal of the number above 128.\n";
 
 } // namespace
 

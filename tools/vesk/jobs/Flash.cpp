@@ -8,6 +8,7 @@
 #include "tools/vesk/session/LinkOptions.h"
 #include "tools/vesk/session/Session.h"
 #include "tools/vesk/text/Failure.h"
+#include "tools/vesk/text/Interruption.h"
 #include "tools/vesk/text/Progress.h"
 #include "tools/vesk/text/Text.h"
 #include "vesk/mailbox/MailboxResponseException.h"
@@ -23,6 +24,7 @@ Flash::Flash(Options options, Link link, Console console)
     : _options(std::move(options)), _link(std::move(link)), _console(console) {}
 
 void Flash::Execute() {
+    const CarefulWork nothingChanged(_console);
     if (!_options.yes && !_options.dryRun && !_console.asks)
         throw Failure("There is no terminal to ask at; give --yes to write without being asked");
     _file = LoadFirmwareFile(_options.firmwarePath);
@@ -121,9 +123,13 @@ static std::string Reason(const System::Exception& exception, bool atLast) {
 
 void Flash::Download(BootloaderSession& session) {
     const DownloadPlan plan(*_file);
-    Progress progress(_console.out, _console.draws, plan.Requests(), _file->ProgramData->Count());
+    Progress progress(_console, "requests", plan.Requests(), _file->ProgramData->Count());
     const auto start = System::DateTime::Now();
     int remaining = plan.Requests();
+    const CarefulWork work(_console, [&] {
+        progress.End();
+        return "at " + plan.Request(remaining) + ". " + plan.ModuleState(remaining, false);
+    });
     try {
         session.Download(_file, [&](int stillRemaining) {
             remaining = stillRemaining;

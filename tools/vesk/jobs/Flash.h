@@ -25,7 +25,7 @@ public:
 
     Flash(Options options, Link link, Console console);
 
-    /// Failure, or an exception of the library, where something does not go well.
+    /// Failure, or an exception of the library, where something does not go well; Interrupted by a signal.
     void Execute();
 
 private:

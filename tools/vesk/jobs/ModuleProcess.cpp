@@ -66,11 +66,11 @@ void ModuleProcess::LockFlash() {
 }
 
 void ModuleProcess::Execute() {
-    // The two signals stay pending until the end of a step, so that they cut nothing off.
+    // The signals stay pending until the end of a step, so that they cut nothing off.
     sigset_t ends;
     sigemptyset(&ends);
-    sigaddset(&ends, SIGINT);
-    sigaddset(&ends, SIGTERM);
+    for (const int signal : {SIGINT, SIGTERM, SIGHUP})
+        sigaddset(&ends, signal);
     sigprocmask(SIG_BLOCK, &ends, nullptr);
     const auto& lines = VirtualModule::Lines::At(_lines.Memory());
     for (const unsigned int address : _options.absentSlaves)

@@ -34,7 +34,7 @@ public:
     /// the flash, where one cannot be used.
     ModuleProcess(Options options, const Console& console);
 
-    /// Plays the module until SIGINT or SIGTERM.
+    /// Plays the module until SIGINT, SIGTERM or SIGHUP.
     void Execute();
 
 private:

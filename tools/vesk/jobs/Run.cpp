@@ -8,10 +8,11 @@
 #include "tools/vesk/session/StationLists.h"
 #include "tools/vesk/text/Elements.h"
 #include "tools/vesk/text/Failure.h"
+#include "tools/vesk/text/Progress.h"
 #include "tools/vesk/text/Text.h"
 
 #include <algorithm>
-#include <iostream>
+#include <ostream>
 
 namespace VeskTool {
 
@@ -34,8 +35,8 @@ static nlohmann::json StatesToJson(const Session& session) {
     return states;
 }
 
-Run::Run(Options options, std::shared_ptr<Config::IBusConfig> config, Link link, std::ostream& out)
-    : _options(std::move(options)), _config(std::move(config)), _link(std::move(link)), _out(out) {}
+Run::Run(Options options, std::shared_ptr<Config::IBusConfig> config, Link link, const Console& console)
+    : _options(std::move(options)), _config(std::move(config)), _link(std::move(link)), _console(console) {}
 
 void Run::Execute() {
     const std::string name = _options.configPath.empty() ? "the plant of the examples" : _options.configPath;
@@ -103,17 +104,22 @@ void Run::ShowModule(Session& session) {
 }
 
 void Run::Exchange(Session& session, ProcessImage& image) {
-    const auto start = std::chrono::steady_clock::now();
-    for (unsigned int cycle = 0; cycle < _options.cycles; ++cycle)
+    const bool shows = !_options.json && _options.cycles > Options().cycles; // the usual number is soon over
+    Progress progress(_console, "cycles", _options.cycles);
+    const auto start = System::DateTime::Now();
+    for (unsigned int cycle = 0; cycle < _options.cycles; ++cycle) {
         ExchangeOnce(session, image, cycle);
-    const std::chrono::duration<double, std::milli> passed = std::chrono::steady_clock::now() - start;
+        if (shows)
+            progress.Show(std::int64_t{cycle} + 1, 0, SecondsSince(start));
+    }
+    const double milliseconds = SecondsSince(start) * 1000;
     Line("  " + std::to_string(_options.cycles) + " cycles of " + std::to_string(image.InputLength()) +
          " bytes in and " + std::to_string(image.OutputLength()) + " bytes out in " +
-         Milliseconds(passed.count()) + ", every byte as expected");
+         Milliseconds(milliseconds) + ", every byte as expected");
     _report["exchange"] = {{"cycles", _options.cycles},
                            {"inputLength", image.InputLength()},
                            {"outputLength", image.OutputLength()},
-                           {"milliseconds", passed.count()},
+                           {"milliseconds", milliseconds},
                            {"mismatches", 0}};
 }
 
@@ -204,12 +210,12 @@ void Run::Summarize() {
     Line("\nAll held: " + std::to_string(_config->SlaveAddresses()->Count()) + " slaves, " +
          std::to_string(_options.cycles) + " cycles, 0 mismatches, 2 lives.");
     if (_options.json)
-        _out << _report.dump(2) << "\n";
+        _console.out << _report.dump(2) << "\n";
 }
 
 void Run::Line(const std::string& text) {
     if (!_options.json)
-        _out << text << std::endl;
+        _console.out << text << std::endl;
 }
 
 Action AddRun(CLI::App& command) {
@@ -222,7 +228,7 @@ Action AddRun(CLI::App& command) {
     link->AddTo(command);
     return [options, link] {
         const auto config = options->configPath.empty() ? Plant() : LoadDatabaseFile(options->configPath);
-        Run(*options, config, link->Open(), std::cout).Execute();
+        Run(*options, config, link->Open(), Console::Standard()).Execute();
         return DONE;
     };
 }

@@ -3,9 +3,9 @@
 
 #include "tools/vesk/jobs/ProcessImage.h"
 #include "tools/vesk/session/Session.h"
+#include "tools/vesk/text/Console.h"
 
 #include <nlohmann/json.hpp>
-#include <ostream>
 
 namespace VeskTool {
 
@@ -22,7 +22,7 @@ public:
 
     /// `config` is what the file in the options holds.
     Run(Options options, std::shared_ptr<Vesk::Modules::DPVM::Config::IBusConfig> config, Link link,
-        std::ostream& out);
+        const Console& console);
 
     /// Failure, or an exception of the library, where something does not hold.
     void Execute();
@@ -44,7 +44,7 @@ private:
     Options _options;
     std::shared_ptr<Vesk::Modules::DPVM::Config::IBusConfig> _config;
     Link _link;
-    std::ostream& _out;
+    Console _console;
     nlohmann::json _report; // what --json prints
 };
 

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "tools/vesk/session/BootloaderSession.h"
 
+#include "tools/vesk/text/Interruption.h"
 #include "vesk/modules/dpvm/Vt22.h"
 
 #include <chrono>
@@ -39,6 +40,7 @@ void BootloaderSession::Download(const std::shared_ptr<TarnFile>& file,
 
 /// One Update, and a rest for the processor that is short against the 0.5 ms between two requests.
 void BootloaderSession::Update() {
+    StopIfSignalled([] { return "in the bootloader; the module is in reset"; });
     _module->Update();
     std::this_thread::sleep_for(std::chrono::microseconds(20));
 }

@@ -11,7 +11,7 @@ namespace VeskTool {
 
 /// One life of the module in its bootloader: the module object and the loop around its Update, which ends in
 /// any case because the library limits every wait. A new session resets the module. The library's exceptions
-/// pass through.
+/// pass through; Interrupted when a signal has come.
 class BootloaderSession {
 public:
     explicit BootloaderSession(const Link& link);

@@ -2,6 +2,7 @@
 #include "tools/vesk/session/LinkOptions.h"
 
 #include "tools/vesk/text/Failure.h"
+#include "tools/vesk/text/Interruption.h"
 #include "tools/vesk/text/Numbers.h"
 #include "vesk/lines/LinesFile.h"
 
@@ -72,6 +73,7 @@ void LinkOptions::AddTo(CLI::App& command) {
 }
 
 Link LinkOptions::Open(VirtualModule::Flash flash) const {
+    WatchSignals();
     if (!_dpRamPath) {
         std::cerr << "vesk: no --dpram, so a virtual module in this process serves"
                   << (flash.database.Complete() ? ", with the plant of the examples" : "") << std::endl;

@@ -17,7 +17,7 @@ public:
 
     /// The way to the module behind DPRAM and lines; Failure where one of them cannot be used, or another
     /// host has the lines. Without any of them a new virtual module in this process, with `flash`, which a
-    /// line on standard error says.
+    /// line on standard error says. From then on signals are watched: they must not leave a module running.
     Link Open(VirtualModule::Flash flash = {}) const;
 
 private:

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "tools/vesk/session/Session.h"
 
+#include "tools/vesk/text/Interruption.h"
 #include "tools/vesk/text/Text.h"
 #include "vesk/modules/dpvm/CreateHostInterface.h"
 #include "vesk/modules/dpvm/DPVMMessages.h"
@@ -16,6 +17,9 @@ using System::DateTime;
 using Vesk::Mailbox::ErrorCode;
 
 static constexpr double TIMEOUT_SECONDS = 15;
+
+/// What an interruption does to the module.
+static constexpr const char* END_OF_LIFE = "; the module is in reset";
 
 /// How long slaves may take to be parameterised, configured and taken into the exchange.
 static constexpr double SETTLING_SECONDS = 1;
@@ -109,6 +113,9 @@ bool Session::AllExchange() {
 // ---- the loop
 
 void Session::Update() {
+    StopIfSignalled([this] {
+        return "in the state " + Vt22Module::StateToString(_module->State()).Value() + END_OF_LIFE;
+    });
     _module->Update();
     NoteState();
     if (_updateObserver)
@@ -130,6 +137,7 @@ void Session::UpdateUntil(const std::function<bool()>& reached, const std::strin
     while (!reached()) {
         if (SecondsSince(start) > TIMEOUT_SECONDS)
             throw Failure("Timeout waiting for " + what, "See what is not right: vesk status");
+        StopIfSignalled([&] { return "while waiting for " + what + END_OF_LIFE; });
         Update();
     }
 }

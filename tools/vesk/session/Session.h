@@ -73,7 +73,8 @@ public:
     /// module holds no database.
     void Reach(Need need);
 
-    /// One Update, and a moment's rest for the processor.
+    /// One Update, and a moment's rest for the processor. Interrupted, here and wherever it waits, when a
+    /// signal has come.
     void Update();
 
     /// Updates until `reached` says so; Failure "Timeout waiting for `what`" after 15 s, which is longer than

@@ -13,6 +13,7 @@ namespace VeskTool {
 inline constexpr int DONE = 0;
 inline constexpr int FAILED = 1; // the module or a file said no
 inline constexpr int USAGE = 2;
+inline constexpr int SIGNALLED = 128; // and the signal's number
 
 /// What a command does once it was chosen; its exit status. A function `Add…` gives a command its arguments
 /// and options, and returns what it does with them.

@@ -1,18 +1,37 @@
 // SPDX-License-Identifier: MIT
 #include "tools/vesk/text/Console.h"
 
+#include "tools/vesk/text/Interruption.h"
+
+#include <cstdlib>
 #include <iostream>
+#include <string_view>
+#include <sys/ioctl.h>
 #include <unistd.h>
 
 namespace VeskTool {
 
+/// A terminal that does not say gets what most have.
+static std::size_t Columns() {
+    winsize size{};
+    return ::ioctl(STDOUT_FILENO, TIOCGWINSZ, &size) == 0 && size.ws_col > 0 ? size.ws_col : 80;
+}
+
+static bool Draws() {
+    const char* const terminal = std::getenv("TERM");
+    return isatty(STDOUT_FILENO) == 1 && (terminal == nullptr || std::string_view(terminal) != "dumb");
+}
+
 Console Console::Standard() {
-    return {std::cout, std::cerr, std::cin, isatty(STDIN_FILENO) == 1 && isatty(STDERR_FILENO) == 1,
-            isatty(STDOUT_FILENO) == 1};
+    const bool asks = isatty(STDIN_FILENO) == 1 && isatty(STDERR_FILENO) == 1;
+    return {std::cout, std::cerr, std::cin, asks, Draws(), Columns};
 }
 
 bool Console::Confirm(const std::string& question) const {
     err << question << " [y/N] " << std::flush;
+    if (asks)
+        WaitForInput();
+    StopIfSignalled([] { return "at the question; nothing was changed"; });
     std::string answer;
     std::getline(in, answer);
     return !answer.empty() && (answer.front() == 'y' || answer.front() == 'Y');

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include <cstddef>
 #include <iosfwd>
 #include <string>
 
@@ -12,12 +13,15 @@ struct Console {
     std::ostream& err;  // questions and warnings
     std::istream& in;   // answers
     bool asks = false;  // questions reach a person
-    bool draws = false; // `out` is a terminal, on which a line can be drawn over
+    bool draws = false; // `out` is a terminal that knows colours, and on which a line can be drawn over
+
+    /// How wide that terminal is now.
+    std::size_t (*columns)() = [] { return std::size_t{80}; };
 
     /// The program's own standard streams.
     static Console Standard();
 
-    /// Asks and returns whether the answer begins with "y".
+    /// Asks and returns whether the answer begins with "y". Interrupted where a signal ends the wait for it.
     bool Confirm(const std::string& question) const;
 };
 

@@ -2,6 +2,7 @@
 #include "tools/vesk/files/DatabaseFile.h"
 #include "tools/vesk/text/Console.h"
 #include "tools/vesk/text/Elements.h"
+#include "tools/vesk/text/Interruption.h"
 #include "tools/vesk/text/Progress.h"
 #include "tools/vesk/text/Text.h"
 #include "tools/vesk/verbs/Verb.h"
@@ -117,32 +118,44 @@ std::vector<int> RecordSizes(const Config::IBusConfig& config) {
     return sizes;
 }
 
-/// The progress of a session's download, which shows in how many of its records are still to be sent.
+/// How far a session's download is, which shows in how many of its records are still to be sent.
 class DownloadProgress {
 public:
-    DownloadProgress(const Config::IBusConfig& config, const Console& console)
-        : _sizes(RecordSizes(config)),
-          _progress(console.out, console.draws, static_cast<int>(_sizes.size()),
+    DownloadProgress(Session& session, const Config::IBusConfig& config)
+        : _session(session),
+          _sizes(RecordSizes(config)),
+          _progress(Console::Standard(), "requests", static_cast<std::int64_t>(_sizes.size()),
                     std::accumulate(_sizes.begin(), _sizes.end(), 0)) {}
 
-    ~DownloadProgress() { _progress.End(); }
-
-    void Show(std::size_t left) {
-        if (_sent == 0 && left == 0)
-            return; // not begun
+    /// To be called after each Update.
+    void Note(bool show) {
+        const auto left = static_cast<std::size_t>(_session.Module().RecordsToDownload());
+        _begun = _begun || left > 0;
         bool moved = false;
-        for (; _sent < _sizes.size() - left; moved = true)
+        for (; _begun && _sent < _sizes.size() - left; moved = true)
             _bytes += _sizes[_sent++];
-        if (moved)
-            _progress.Show(static_cast<int>(_sent), _bytes, SecondsSince(_start));
+        if (moved && show)
+            _progress.Show(static_cast<std::int64_t>(_sent), _bytes, SecondsSince(_start));
+    }
+
+    /// What the module would be left with if the download ended now; see CarefulWork.
+    std::string LeftBehind() {
+        if (!_begun || _session.Module().State() != Vt22Module::ModuleState_e::DOWNLOADING)
+            return "";
+        _progress.End();
+        return "with " + std::to_string(_sent) + " of " + std::to_string(_sizes.size()) +
+               " requests sent. The module's database is not complete, and it cannot go onto its bus until a "
+               "download has ended.";
     }
 
 private:
+    Session& _session;
     std::vector<int> _sizes;
     Progress _progress;
     System::DateTime _start = System::DateTime::Now();
+    bool _begun = false;
     std::size_t _sent = 0;
-    int _bytes = 0;
+    std::int64_t _bytes = 0;
 };
 
 } // namespace
@@ -168,12 +181,9 @@ Action AddDownload(CLI::App& app) {
     VerbCommand* const self = command.get();
     self->AddFile([self](const std::string& path) { self->config = LoadDatabaseFile(path); });
     self->run = [self, run = self->run](Session& session) {
-        if (self->PrintsJson())
-            return run(session);
-        const auto progress = std::make_shared<DownloadProgress>(*self->config, Console::Standard());
-        session.OnUpdate([progress, &session] {
-            progress->Show(static_cast<std::size_t>(session.Module().RecordsToDownload()));
-        });
+        const auto progress = std::make_shared<DownloadProgress>(session, *self->config);
+        const CarefulWork work(Console::Standard(), [progress] { return progress->LeftBehind(); });
+        session.OnUpdate([progress, show = !self->PrintsJson()] { progress->Note(show); });
         return run(session);
     };
     return [command] { return command->Execute(); };

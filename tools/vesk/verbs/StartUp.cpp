@@ -263,21 +263,19 @@ std::string StartUpText(const Json& facts, const Paint& paint) {
 }
 
 Json WatchStartUp(Session& session, const Json& arguments, double seconds,
-                  const std::function<void(const Json& facts)>& show, const std::function<bool()>& stopped) {
+                  const std::function<void(const Json& facts)>& show) {
     while (true) {
         const Json facts = ExamineStartUp(session, arguments);
         show(facts);
-        if (stopped() || !facts["alive"])
+        if (!facts["alive"])
             return facts;
         try {
-            session.UpdateFor(seconds, stopped);
+            session.UpdateFor(seconds, [] { return false; });
         } catch (const std::exception& exception) {
             const Json end = Examination(session, arguments).ExamineEnd(exception);
             show(end);
             return end;
         }
-        if (stopped())
-            return facts;
     }
 }
 

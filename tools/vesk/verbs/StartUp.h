@@ -17,9 +17,9 @@ Json ExamineStartUp(Session& session, const Json& arguments);
 /// The facts for people.
 std::string StartUpText(const Json& facts, const Paint& paint);
 
-/// Examines and shows again and again, with `seconds` in between in which the session goes on, until
-/// `stopped` says so or the session has come to its end; the last facts.
+/// Examines and shows again and again, with `seconds` in between in which the session goes on, until the
+/// session has come to its end; the last facts.
 Json WatchStartUp(Session& session, const Json& arguments, double seconds,
-                  const std::function<void(const Json& facts)>& show, const std::function<bool()>& stopped);
+                  const std::function<void(const Json& facts)>& show);
 
 } // namespace VeskTool

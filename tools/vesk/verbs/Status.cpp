@@ -5,18 +5,11 @@
 #include "tools/vesk/verbs/StartUp.h"
 #include "tools/vesk/verbs/Verbs.h"
 
-#include <csignal>
 #include <iostream>
 
 namespace VeskTool {
 
 static constexpr double WATCH_SECONDS = 1;
-
-static volatile std::sig_atomic_t interrupted = 0;
-
-static void Interrupt(int) {
-    interrupted = 1;
-}
 
 static Json AnswerStatus(Session& session, const Json& arguments) {
     return ExamineStartUp(session, arguments);
@@ -28,8 +21,6 @@ static constexpr Verb STATUS{Need::NOTHING, AnswerStatus, StartUpText};
 /// Shows the status each second: on a terminal over and over in the same place, otherwise one after the
 /// other, as JSON a line each.
 static int Watch(Session& session, const VerbCommand& command) {
-    std::signal(SIGINT, Interrupt);
-    std::signal(SIGTERM, Interrupt);
     const bool redraw = Console::Standard().draws && !command.PrintsJson();
     const auto show = [&](const Json& facts) {
         std::cout << (redraw ? "\033[H\033[J" : "")
@@ -37,8 +28,7 @@ static int Watch(Session& session, const VerbCommand& command) {
                                            : StartUpText(facts, Paint::Standard()))
                   << std::endl;
     };
-    return StatusOf(
-        WatchStartUp(session, command.arguments, WATCH_SECONDS, show, [] { return interrupted != 0; }));
+    return StatusOf(WatchStartUp(session, command.arguments, WATCH_SECONDS, show));
 }
 
 Action AddStatus(CLI::App& app) {
