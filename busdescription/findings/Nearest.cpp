@@ -1,0 +1,53 @@
+// SPDX-License-Identifier: MIT
+#include "busdescription/findings/Nearest.h"
+
+#include <algorithm>
+#include <numeric>
+
+namespace BusDescription {
+
+static constexpr std::size_t LONGEST = 64;
+
+static char Small(char character) {
+    return character >= 'A' && character <= 'Z' ? static_cast<char>(character - 'A' + 'a') : character;
+}
+
+/// How many characters are to be put in, taken out or replaced to make `b` of `a`.
+static std::size_t Distance(std::string_view a, std::string_view b) {
+    std::vector<std::size_t> row(b.size() + 1);
+    std::iota(row.begin(), row.end(), std::size_t{0});
+    for (std::size_t i = 0; i < a.size(); ++i) {
+        std::size_t diagonal = row[0];
+        row[0] = i + 1;
+        for (std::size_t j = 0; j < b.size(); ++j) {
+            const std::size_t replaced = diagonal + (Small(a[i]) == Small(b[j]) ? 0 : 1);
+            diagonal = row[j + 1];
+            row[j + 1] = std::min({replaced, diagonal + 1, row[j] + 1});
+        }
+    }
+    return row.back();
+}
+
+std::string Nearest(std::string_view word, const std::vector<std::string>& names) {
+    const std::size_t furthest = std::max<std::size_t>(1, word.size() / 3);
+    std::string nearest;
+    std::size_t least = furthest + 1;
+    for (const std::string& name : names) {
+        const std::size_t lengths = std::max(word.size(), name.size()) - std::min(word.size(), name.size());
+        if (word.size() > LONGEST || lengths >= least)
+            continue;
+        const std::size_t distance = Distance(word, name);
+        if (distance < least) {
+            least = distance;
+            nearest = name;
+        }
+    }
+    return nearest;
+}
+
+std::string DidYouMean(std::string_view word, const std::vector<std::string>& names) {
+    const std::string nearest = Nearest(word, names);
+    return nearest.empty() ? "" : ", did you mean " + nearest + "?";
+}
+
+} // namespace BusDescription
