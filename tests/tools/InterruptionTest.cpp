@@ -55,8 +55,10 @@ TEST(InterruptionTest, CarefulWorkStopsWhenItIsAskedTwice) {
     TestClock clock;
     WatchSignals();
     std::stringstream words;
+    words.exceptions(std::ios::badbit);
     std::string left = "at 1.";
     const CarefulWork work({words, words, words}, [&] { return left; });
+    EXPECT_EQ(words.exceptions(), std::ios::goodbit) << "output that cannot be written does not stop it";
     const auto stops = [](int signal) {
         std::raise(signal);
         try {
