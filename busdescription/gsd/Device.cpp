@@ -89,6 +89,15 @@ bool Slot::Allows(std::uint32_t reference) const {
     return reference == defaultReference || Within(references, reference);
 }
 
+std::size_t Device::Reach(const ParameterPart& part) const {
+    std::size_t reach = 0;
+    for (const ParameterConstant& constant : part.constants)
+        reach = std::max(reach, constant.offset + constant.bytes.size());
+    for (const ParameterReference& reference : part.references)
+        reach = std::max<std::size_t>(reach, reference.offset + parameterTypes[reference.parameter].Size());
+    return reach;
+}
+
 bool Device::Modular() const {
     return modularStation ? modularStation.value : maxModules.ValueOr(1) > 1 && modules.size() > 1;
 }

@@ -56,6 +56,9 @@ struct RateSupport {
 
 enum class Alarm { DIAGNOSTIC, PROCESS, PULL_PLUG, STATUS, UPDATE, MANUFACTURER };
 inline constexpr std::size_t ALARM_COUNT = 6;
+/// The name of each Alarm.
+inline constexpr std::array<const char*, ALARM_COUNT> ALARM_NAMES{"diagnostic", "process", "pull/plug",
+                                                                  "status",     "update",  "manufacturer"};
 
 /// The values of a parameter in words (PrmText).
 struct ValueTexts {
@@ -228,6 +231,9 @@ struct Device {
     std::vector<Slot> slots;
     std::vector<DiagnosisBit> diagnosisBits;
     std::vector<DiagnosisArea> diagnosisAreas;
+
+    /// How far the constants and the references of a part reach, in bytes.
+    std::size_t Reach(const ParameterPart& part) const;
 
     /// Whether modules are plugged; of a compact station exactly one is used.
     bool Modular() const;

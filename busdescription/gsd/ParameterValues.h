@@ -54,6 +54,7 @@ public:
 
 private:
     ParameterValues(const Device& device, const ParameterPart& part, std::size_t size);
+    std::vector<std::string> Names() const;
     const ParameterReference& Find(const std::string& name, std::optional<unsigned int> offset) const;
     void Put(const ParameterReference& reference, std::int64_t value);
 
