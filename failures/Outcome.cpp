@@ -38,6 +38,7 @@ constexpr std::string_view MAPPING = "Check the offsets and lengths that the app
 constexpr std::string_view COMPLETE = "Check that the file is complete, and of the right kind.";
 constexpr std::string_view CALL =
     "Check the application's call: the message names the argument and its value.";
+constexpr std::string_view POWERED = "Call Update until Booted() is true before that.";
 constexpr std::string_view ORDER = "Check the order of the application's calls.";
 constexpr std::string_view PATH = "Check the path, and who may read and write it.";
 
@@ -355,10 +356,19 @@ static constexpr std::array OTHERS{
     Outcome{"Vesk.VeskException", "*", "The family of the library's own failures.", "Check the message.", ""},
     Outcome{"System.Exception", "*", "The family of all failures.", "Check the message.", ""},
     Outcome{ARGUMENT, "*", "An argument that is not accepted; the message is the value.", CALL, ""},
+    Outcome{"System.ArgumentNullException", "* must not be null",
+            "An argument is null where an object is needed; the message names it.", CALL, ""},
     Outcome{"System.ArgumentNullException", "*", "Null where an object is needed.", CALL, ""},
     Outcome{OUT_OF_RANGE, "*", "A number outside its range.", CALL, ""},
     Outcome{FORMAT, "*", "A text or file that does not have the expected form.", COMPLETE, ""},
     Outcome{INVALID_OPERATION, "*", "An operation that the object's state does not allow.", ORDER, ""},
+    Outcome{"System.NullReferenceException", "_mailbox is null",
+            "A service was asked for before the module was powered on.", POWERED, ""},
+    Outcome{"System.NullReferenceException", "_inArea is null", "A mapping came before the power-on.",
+            POWERED, "A mapping lasts until the next power-on: map when Configured() is true."},
+    Outcome{"System.NullReferenceException", "* is null",
+            "An operation came before the module was powered on, or before what it needs was there.", POWERED,
+            ""},
     Outcome{"System.NullReferenceException", "*", "Something is used before it was set.",
             "Check that Update was called until the module is powered on.", ""},
     Outcome{"System.Collections.Generic.KeyNotFoundException", "*",
@@ -383,10 +393,11 @@ const std::vector<const Outcome*>& AllFailures() {
 }
 
 const Outcome* FindFailure(std::string_view type, std::string_view message) {
-    const auto& all = AllFailures();
-    const auto found =
-        std::find_if(all.begin(), all.end(), [&](const Outcome* one) { return one->Is(type, message); });
-    return found == all.end() ? nullptr : *found;
+    for (const auto* const failures : {&AllFailures(), &ToolFailures()})
+        for (const Outcome* const one : *failures)
+            if (one->Is(type, message))
+                return one;
+    return nullptr;
 }
 
 bool Outcome::Is(std::string_view exceptionType, std::string_view exceptionMessage) const {

@@ -40,7 +40,11 @@ const std::vector<const Outcome*>& AllOutcomes();
 /// type whatever else it may say, with the message "*".
 const std::vector<const Outcome*>& AllFailures();
 
-/// The first of AllFailures() that is this exception; null for a type that is none of the library's.
+/// What the command line says by itself, with the type "Failure", or "Refusal" where it knows more of a
+/// refused request than its error code. The last one stands for whatever else it may say.
+const std::vector<const Outcome*>& ToolFailures();
+
+/// The first of AllFailures() and ToolFailures() that is this exception; null for a type that is in neither.
 const Outcome* FindFailure(std::string_view type, std::string_view message);
 
 /// Those that the virtual module's faults name.

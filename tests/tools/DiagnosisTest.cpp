@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "tools/vesk/verbs/Diagnosis.h"
+#include "tools/vesk/explain/Diagnosis.h"
 #include "tests/support/Golden.h"
 #include "tools/vesk/text/ByteText.h"
 

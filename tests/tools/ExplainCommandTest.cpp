@@ -17,11 +17,11 @@ using VeskTool::Explain;
 
 namespace {
 
-/// What `pattern` captures in the sources of the library.
-std::set<std::string> FindInLibrary(const char* pattern) {
+/// What `pattern` captures in the sources of a folder.
+std::set<std::string> FindIn(const char* folder, const char* pattern) {
     std::set<std::string> found;
     const std::regex regex(pattern);
-    for (const auto& entry : std::filesystem::recursive_directory_iterator(SOURCE_DIR "/vesk")) {
+    for (const auto& entry : std::filesystem::recursive_directory_iterator(folder)) {
         const auto extension = entry.path().extension();
         const std::string text =
             extension == ".h" || extension == ".cpp" ? TemporaryFolder::Read(entry.path()) : "";
@@ -30,18 +30,31 @@ std::set<std::string> FindInLibrary(const char* pattern) {
     return found;
 }
 
-TEST(ExplainCommandTest, KnowsWhatTheLibrarySaysAndNothingElse) {
+std::set<std::string> FindInLibrary(const char* pattern) {
+    return FindIn(SOURCE_DIR "/vesk", pattern);
+}
+
+/// Each failure says what to check, and each of its words stands in a literal of the folders; their types.
+std::set<std::string> ExpectSaid(const std::vector<const Failures::Outcome*>& failures,
+                                 const std::vector<const char*>& folders) {
     std::set<std::string> types;
     std::string literals;
-    for (const std::string& literal : FindInLibrary("\"([^\"\\n]+)\""))
-        literals += literal + "\n";
-    for (const auto* const failure : Failures::AllFailures()) {
+    for (const char* folder : folders)
+        for (const std::string& literal : FindIn(folder, "\"([^\"\\n]+)\""))
+            literals += literal + "\n";
+    for (const auto* const failure : failures) {
         types.insert(std::string(failure->type));
         EXPECT_FALSE(failure->means.empty() || failure->check.empty()) << failure->message;
         std::string words = std::regex_replace(std::string(failure->message), std::regex("[^A-Za-z_]"), " ");
         for (std::istringstream stream(words); stream >> words;)
             EXPECT_THAT(literals, HasSubstr(words)) << failure->message;
     }
+    return types;
+}
+
+TEST(ExplainCommandTest, KnowsWhatIsSaidAndNothingElse) {
+    ExpectSaid(Failures::ToolFailures(), {SOURCE_DIR "/tools", SOURCE_DIR "/virtualmodule"});
+    const auto types = ExpectSaid(Failures::AllFailures(), {SOURCE_DIR "/vesk"});
     EXPECT_EQ(types, FindInLibrary("TypeName\\(\\) const \\{\\s*return \"([A-Za-z0-9.]+)\""));
     // The names of the commands, and the first words of what is thrown, up to the first value in it.
     for (const auto& [kind, pattern] :
@@ -75,10 +88,18 @@ TEST(ExplainCommandTest, KnowsWhatIsWrongWithADamagedFile) {
 }
 
 TEST(ExplainCommandTest, SaysTheSameOfAFailureAsTheHintBelowIt) {
+    const auto meaningOf = [](const Failures::Outcome& failure, const std::string& text) {
+        return std::string(Failures::FindFailure(failure.type, text)->means);
+    };
     for (const auto* const failure : Failures::AllFailures()) {
         const auto text = std::regex_replace(std::string(failure->message), std::regex("[*#]"), "1");
         const std::string line = std::string(failure->type) + (text.empty() ? "" : ": " + text);
-        EXPECT_EQ(Explain("vesk: " + line).at(0).meaning, Failures::FindFailure(failure->type, text)->means);
+        EXPECT_EQ(Explain("vesk: " + line).at(0).meaning, meaningOf(*failure, text));
+    }
+    for (const auto* const failure : Failures::ToolFailures()) {
+        const auto text = std::regex_replace(std::string(failure->message), std::regex("[*#]"), "1");
+        if (failure->message != "*")
+            EXPECT_EQ(Explain("vesk: " + text).at(0).meaning, meaningOf(*failure, text)) << text;
     }
     const auto expectSame = [](const std::exception& failure) {
         const auto explained = Explain("vesk: " + VeskTool::OneLine(failure)).at(0);
@@ -91,11 +112,43 @@ TEST(ExplainCommandTest, SaysTheSameOfAFailureAsTheHintBelowIt) {
         expectSame(VeskTool::Refusal("it", *codes->Get(i)));
 }
 
+/// The names in all objects of the JSON.
+void CollectNames(const nlohmann::json& json, std::set<std::string>& names) {
+    for (const auto& [name, value] : json.items()) {
+        if (!json.is_structured())
+            return;
+        if (json.is_object())
+            names.insert(name);
+        CollectNames(value, names);
+    }
+}
+
+TEST(ExplainCommandTest, KnowsTheWordsOfWhatIsShown) {
+    const TemporaryFolder folder;
+    const std::string dump = folder.Put("dump", std::string(0x2000, '\0'));
+    const auto plant = RunTool::Json({"config", "show", SOURCE_DIR "/examples/plant.ddb"});
+    std::set<std::string> names;
+    CollectNames(RunTool::Json({"dump", dump}), names);
+    CollectNames(RunTool::Json({"dump", dump, "--bootloader"}), names);
+    CollectNames(RunTool::Json({"diag", "5"})["status"], names);
+    CollectNames(plant["master"], names);
+    CollectNames(plant["slaves"][0], names);
+    for (const std::string own : // of JSON alone
+         {"layout", "offset", "value", "bits", "reserved", "address", "userData", "parameterData",
+          "configurationData", "addressTable", "extendedUserParameterData"})
+        names.erase(own);
+    EXPECT_GT(names.size(), 90U);
+    for (const std::string& name : names)
+        EXPECT_FALSE(Explain(name).empty()) << name;
+    EXPECT_EQ(Explain("VelmoInd: powerOn").at(0).name, "velmoIndication.powerOn") << "as a trace has it";
+}
+
 TEST(ExplainCommandTest, UnderstandsWordsAsTheyAreSeen) {
     for (const std::string row :
          {"operate=OPERATE;", "0xc0=OPERATE;", "ADDRESS=Invalid Address;", "op=", "data size (y) >=",
-          "class2r=Class2Read;", "dpv1Connection=fieldbusStatus.change.dpv1Connection;",
-          "timeout waiting for init=Timeout waiting for initial IRQ;Timeout waiting for INITIALIZED;"}) {
+          "class2r=Class2Read;", "dpv1Connection=fieldbusStatus.change.dpv1Connection;dpv1Connection;",
+          "timeout waiting for init=Timeout waiting for initial IRQ;Timeout waiting for INITIALIZED;"
+          "Timeout waiting for …;"}) {
         std::string found = row.substr(0, row.find('=') + 1);
         for (const auto& explanation : Explain(row.substr(0, row.find('='))))
             found += explanation.name + ";";

@@ -2,7 +2,9 @@
 #include "tools/vesk/verbs/StartUp.h"
 #include "tests/support/Golden.h"
 #include "tests/support/ModuleLines.h"
+#include "tests/support/TemporaryFolder.h"
 #include "tests/support/TestClock.h"
+#include "tools/vesk/session/Dumps.h"
 #include "tools/vesk/session/PlantFlash.h"
 #include "tools/vesk/text/Text.h"
 #include "vesk/hostinterface/RuntimeConfig.h"
@@ -96,21 +98,34 @@ TEST(StartUpTest, NamesTheFirstThingThatIsNotRight) {
     ExpectGolden("startup.txt", shown);
 }
 
-TEST(StartUpTest, WatchesUntilTheEnd) {
+/// Not a failure of the module.
+struct Enough {};
+
+TEST(StartUpTest, WatchesUntilItIsToldToStop) {
     VirtualModule::FatalEvent event;
     event.errorCode = 0x1234;
     std::string shown;
     for (const std::string end : {"the module dies", "a fatal event"}) {
         Bench bench;
         int looks = 0;
-        const auto show = [&](const Json& facts) {
+        const TemporaryFolder dumps;
+        Dumps::SetFolder(dumps.Path(""));
+        const auto show = [&](Json facts) {
+            if (facts["problem"].contains("dump")) {
+                EXPECT_THAT(facts["problem"]["dump"].get<std::string>(),
+                            testing::MatchesRegex(dumps.Path("") + "/?vesk-[0-9]+-[0-9]+\\.bin"));
+                facts["problem"].erase("dump");
+            }
             shown += end + ", look " + std::to_string(++looks) + ": " + facts["problem"].dump() + "\n";
-            bench.dead = looks == 2 && end == "the module dies";
+            bench.dead = looks == 2 && end == "the module dies"; // and comes back
             if (looks == 1 && end == "a fatal event")
                 bench.module.GetModule().RaiseFatal(event);
+            if (looks == 4)
+                throw Enough();
         };
-        const Json last = WatchStartUp(bench.Begin(), bench.arguments, 1, show);
-        shown += "the last one: " + last["problem"].dump() + "\n";
+        EXPECT_THROW(WatchStartUp(bench.Begin(), bench.arguments, 1, show), Enough);
+        EXPECT_EQ(std::filesystem::is_empty(dumps.Path("")), end != "a fatal event");
+        Dumps::SetFolder("");
     }
     ExpectGolden("watch.txt", shown);
 }

@@ -72,6 +72,11 @@ protected:
         for (std::string line; std::getline(errors, line);)
             if (!line.starts_with("vesk: no --dpram, so a virtual module in this process serves"))
                 shown += "! " + line + "\n";
+        if (result.status == 1 && result.err.starts_with("vesk: ") &&
+            result.err.find("vesk: standard output: ") == std::string::npos)
+            EXPECT_THAT(result.err, testing::AllOf(testing::ContainsRegex("vesk: [^\n]*\n      [A-Z]"),
+                                                   testing::Not(testing::HasSubstr("the message says why"))))
+                << command;
         if (result.status != 0)
             shown += "= " + std::to_string(result.status) + "\n";
         return std::regex_replace(shown, std::regex("[0-9]+\\.[0-9] (ms|s|KiB/s)"), "# $1");

@@ -147,7 +147,7 @@ TEST_F(TwoProcessesTest, NothingIsAnsweredBeforeItIsInTheFlash) {
     std::filesystem::create_directory(files.flash + Flash::UNFINISHED); // from now on it cannot be saved
     const auto host = files.StartHost();
     EXPECT_EQ(module->Wait(), 1);
-    EXPECT_THAT(module->Err(), EndsWith(files.flash + Flash::UNFINISHED + ": File exists\n"));
+    EXPECT_THAT(module->Err(), HasSubstr(files.flash + Flash::UNFINISHED + ": File exists\n"));
     EXPECT_EQ(host->Wait(), 1);
     EXPECT_THAT(host->Err(), HasSubstr("Mailbox.Request: DeleteDatabase;")) << "the first one that writes";
 }
@@ -202,8 +202,16 @@ TEST_F(TwoProcessesTest, FaultsStrikeOnRequest) {
 TEST_F(TwoProcessesTest, ASlaveThatIsOffTheBusIsNamed) {
     const auto module = files.StartModule({"--absent", "9", "--absent", "20"});
     RunTool::Text(files.With({"download", ModuleFiles::PLANT}));
-    EXPECT_THAT(RunTool::Json(files.With({"status"}), 1)["problem"],
+    EXPECT_THAT(RunTool::Json(files.With({"status"}), 3)["problem"],
                 HasFacts(R"({"step": "slaves", "what": "Slave 9 does not exchange data"})"));
+    const auto host = files.StartHost();
+    EXPECT_EQ(host->Wait(), 1);
+    EXPECT_THAT(host->Err(),
+                HasSubstr("vesk: Slaves 9, 20 do not exchange data; slave 9: it does not answer"));
+    EXPECT_EQ(RunTool::Text(files.With({"stop", "9"})),
+              "Slave 9 is stopped; it exchanged no data before either\n");
+    EXPECT_THAT(RunTool::Text(files.With({"start", "9"}), 3),
+                HasSubstr("Slave 9 was started, but does not exchange data: it does not answer"));
 }
 
 TEST_F(TwoProcessesTest, WhatIsInUseStaysWithWhoHasIt) {

@@ -30,7 +30,7 @@ const std::vector<Command>& Commands() {
          AddIdentify},
         {"status", MODULE,
          "Show where the module stands on its way onto the bus, step by step, and the first thing that is "
-         "not right, with its cause and the next step; exit status 1 if there is one." +
+         "not right, with its cause and the next step; exit status 3 if there is one." +
              ON_THE_BUS +
              " --watch does that once.\n"
              "Example: vesk status --config examples/plant.ddb --watch",
@@ -48,7 +48,7 @@ const std::vector<Command>& Commands() {
          "Example: vesk download examples/plant.ddb",
          AddDownload},
         {"verify", MODULE,
-         "Compare the module's database with a configuration and change nothing; exit status 1 where they "
+         "Compare the module's database with a configuration and change nothing; exit status 3 where they "
          "differ.\n"
          "Resets the module.\n"
          "Example: vesk verify examples/plant.ddb",
@@ -129,10 +129,10 @@ const std::vector<Command>& Commands() {
          "Example: vesk config show examples/plant.ddb",
          AddConfigShow},
         {"config diff", FILES,
-         "Show the fields in which two configuration database files differ, a line each; the exit status is "
-         "1 when there are any.\n"
+         "Show the fields in which two configuration database files differ, a line each. The exit status is "
+         "diff's: 0 the same, 1 different, 2 trouble.\n"
          "Example: vesk config diff old.ddb new.ddb",
-         AddConfigDiff},
+         AddConfigDiff, DIFF_FAILED},
         {"firmware", FILES, "Make and show firmware files.", nullptr},
         {"firmware show", FILES,
          "Show what a firmware file says about its program, and whether its checksum fits.\n"
@@ -154,7 +154,8 @@ const std::vector<Command>& Commands() {
          AddDump},
         {"explain", FILES,
          "Say what a word means and what to check: an exception type, a message or its beginning, an error "
-         "code, an operation mode, a state, a register or one of its bits, a command.\n"
+         "code, an operation mode, a state, a register or one of its bits, a flag of a diagnosis, a bus "
+         "parameter, a command.\n"
          "Example: vesk explain 0x87\n"
          "Example: vesk explain Timeout waiting for initial IRQ",
          AddExplain},
@@ -164,17 +165,31 @@ const std::vector<Command>& Commands() {
     return COMMANDS;
 }
 
-void AddCommands(CLI::App& program, int& status) {
+/// Lets what is wrong with the arguments be said in the order in which they stand.
+static void TakeInOrder(CLI::App& command) {
+    for (CLI::Option* const option : command.get_options())
+        option->trigger_on_parse(option->get_items_expected_max() == 1);
+    for (CLI::App* const group :
+         command.get_subcommands([](const CLI::App* app) { return app->get_name().empty(); }))
+        TakeInOrder(*group);
+}
+
+void AddCommands(CLI::App& program, int& status, int& failed) {
     for (const Command& row : Commands()) {
         const auto blank = row.name.find(' ');
         const bool top = blank == std::string::npos;
         CLI::App& above = top ? program : *program.get_subcommand(row.name.substr(0, blank));
         CLI::App& command = *above.add_subcommand(row.name.substr(top ? 0 : blank + 1), row.help);
         command.group(top ? row.group : "Subcommands");
-        if (row.add)
-            command.callback([act = row.add(command), &status] { status = act(); });
-        else
+        if (!row.add) {
             command.require_subcommand(1);
+            continue;
+        }
+        command.callback([act = row.add(command), whenFailed = row.failed, &status, &failed] {
+            failed = whenFailed;
+            status = act();
+        });
+        TakeInOrder(command);
     }
 }
 

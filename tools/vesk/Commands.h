@@ -14,12 +14,14 @@ struct Command {
     std::string group;                // its heading in --help; without one it is hidden
     std::string help;                 // what it does, and examples, a line each that begins with "Example: "
     Action (*add)(CLI::App& command); // null where only the commands below it do something
+    int failed = FAILED;              // its exit status where it ends with an exception
 };
 
 /// The one table of them, in the order of the help.
 const std::vector<Command>& Commands();
 
-/// Adds them all to the program; the one that is chosen sets `status`, its exit status.
-void AddCommands(CLI::App& program, int& status);
+/// Adds them all to the program; the one that is chosen sets `failed`, its exit status when something fails, and
+/// then `status`, the one that it has ended with.
+void AddCommands(CLI::App& program, int& status, int& failed);
 
 } // namespace VeskTool

@@ -78,6 +78,15 @@ for whatever else an exception of that type says.
 |---|---|---|---|
 )";
 
+constexpr const char* TOOL_HEAD = R"(
+## What the command line says
+
+Behind `vesk: ` stands one of these where the command itself has found it, and below that what the other columns say.
+
+| What you see | What it means | What to check first | What to do then |
+|---|---|---|---|
+)";
+
 /// A fault that may end in every way there is says nothing about any of them.
 bool EndsAnyhow(const FaultKind& kind) {
     return kind.outcomes.size() > VirtualModule::AllOutcomes().size();
@@ -91,7 +100,9 @@ std::string Code(std::string_view text) {
 std::string Seen(const Outcome& outcome) {
     if (!outcome.IsException())
         return "no exception";
-    std::vector<std::string> lines{Code(outcome.type)};
+    std::vector<std::string> lines;
+    if (outcome.type.find('.') != std::string_view::npos)
+        lines.push_back(Code(outcome.type));
     std::string line;
     for (const char character : std::string(outcome.message) + "\n")
         if (character == '*' || character == '#')
@@ -151,6 +162,9 @@ std::string FaultsPage() {
     for (const Outcome* failure : Failures::AllFailures())
         if (std::count(outcomes.begin(), outcomes.end(), failure) == 0)
             page += Row(*failure) + "\n";
+    page += TOOL_HEAD;
+    for (const Outcome* failure : Failures::ToolFailures())
+        page += Row(*failure) + "\n";
     return page;
 }
 

@@ -4,11 +4,11 @@
 #include "tools/vesk/explain/Explanations.h"
 #include "tools/vesk/text/ByteText.h"
 #include "tools/vesk/text/Failure.h"
+#include "tools/vesk/text/Nearest.h"
 #include "tools/vesk/text/Text.h"
 
 #include <algorithm>
 #include <iostream>
-#include <numeric>
 #include <string_view>
 
 namespace VeskTool {
@@ -51,39 +51,27 @@ std::vector<Explanation> FindBeginning(const std::string& word) {
 
 /// Whether the text is that failure's message, or begins like it.
 bool Says(const Failures::Outcome& failure, const std::string& text) {
-    const auto match = Failures::Compare(Lower(OneLine(failure.message)), text);
-    return match == Failures::Match::WHOLE ||
-           (match == Failures::Match::BEGINNING && !failure.message.starts_with("*"));
+    const std::string pattern = Lower(OneLine(failure.message));
+    return Failures::Compare(pattern, text) == Failures::Match::WHOLE ||
+           Failures::Compare(pattern.substr(0, pattern.find('*')), text) == Failures::Match::BEGINNING;
 }
 
-/// A message behind the type of its exception is one failure; alone it may be several.
-std::vector<Explanation> FindMessage(const std::string& text) {
+/// A message behind the type of its exception is one failure; alone it may be several. Those that begin with
+/// any text are failures that name a file.
+std::vector<Explanation> FindMessage(const std::string& text, bool beginningWithAny) {
     std::vector<Explanation> found;
-    for (const Failures::Outcome* const failure : Failures::AllFailures()) {
+    std::vector<const Failures::Outcome*> failures = Failures::AllFailures();
+    failures.insert(failures.end(), Failures::ToolFailures().begin(), Failures::ToolFailures().end());
+    for (const Failures::Outcome* const failure : failures) {
         const std::string type = Lower(std::string(failure->type)) + ": ";
         if (text.starts_with(type) && Says(*failure, text.substr(type.size())))
             return {ExplanationOf(*failure)};
         const bool speaks = failure->message.find_first_not_of("*#") != std::string_view::npos;
-        if (speaks && text.size() >= SHORTEST_BEGINNING && Says(*failure, text))
+        if (speaks && failure->message.starts_with('*') == beginningWithAny &&
+            text.size() >= SHORTEST_BEGINNING && Says(*failure, text))
             found.push_back(ExplanationOf(*failure));
     }
     return found;
-}
-
-/// How many characters have to be added, removed or replaced to make one of the other.
-std::size_t Distance(std::string_view a, std::string_view b) {
-    std::vector<std::size_t> row(b.size() + 1);
-    std::iota(row.begin(), row.end(), std::size_t{0});
-    for (std::size_t i = 0; i < a.size(); ++i) {
-        std::size_t diagonal = row[0];
-        row[0] = i + 1;
-        for (std::size_t j = 0; j < b.size(); ++j) {
-            const std::size_t replaced = diagonal + (a[i] != b[j]);
-            diagonal = row[j + 1];
-            row[j + 1] = std::min({replaced, diagonal + 1, row[j] + 1});
-        }
-    }
-    return row.back();
 }
 
 struct ExplainOptions {
@@ -126,33 +114,24 @@ bool ShowExplanations(const ExplainOptions& options) {
 std::vector<Explanation> Explain(const std::string& word) {
     const std::string text = Lower(OneLine(word));
     std::vector<Explanation> found;
-    for (std::size_t start = 0; found.empty() && start < text.size();) {
-        found = FindExactly(text.substr(start));
-        if (found.empty())
-            found = FindMessage(text.substr(start));
-        const auto colon = text.find(": ", start);
-        start = colon == text.npos ? text.size() : colon + 2;
-    }
+    for (const bool beginningWithAny : {false, true})
+        for (std::size_t start = 0; found.empty() && start < text.size();) {
+            found = FindExactly(text.substr(start));
+            if (found.empty())
+                found = FindMessage(text.substr(start), beginningWithAny);
+            const auto colon = text.find(": ", start);
+            start = colon == text.npos ? text.size() : colon + 2;
+        }
     return found.empty() ? FindBeginning(text) : found;
 }
 
 std::vector<std::string> NearestNames(const std::string& word) {
-    const std::string text = Lower(word);
-    std::vector<std::pair<std::size_t, std::string>> names;
+    std::vector<std::string> names;
     for (const Explanation& one : Explanations()) {
-        // Of a long message, what was typed may be the beginning.
-        const auto note = [&](const std::string& name) {
-            names.emplace_back(Distance(text, Lower(name).substr(0, text.size() + 2)), name);
-        };
-        note(one.name);
-        std::for_each(one.otherNames.begin(), one.otherNames.end(), note);
+        names.push_back(one.name);
+        names.insert(names.end(), one.otherNames.begin(), one.otherNames.end());
     }
-    std::sort(names.begin(), names.end());
-    names.erase(std::unique(names.begin(), names.end()), names.end());
-    std::vector<std::string> nearest;
-    for (std::size_t i = 0; i < std::min(NEAREST, names.size()); ++i)
-        nearest.push_back(names[i].second);
-    return nearest;
+    return Nearest(word, names, NEAREST);
 }
 
 Action AddExplain(CLI::App& command) {

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "tools/vesk/explain/Explanations.h"
 
+#include "tools/vesk/explain/Diagnosis.h"
+#include "tools/vesk/explain/Parameters.h"
 #include "tools/vesk/explain/Requests.h"
 #include "tools/vesk/session/Session.h"
 #include "tools/vesk/text/Failure.h"
@@ -165,6 +167,120 @@ static void AddRegisterBits(All& all) {
          "toggle, the message in mailbox-out was taken.", "toggle, mailbox-in holds a new message."});
 }
 
+/// The registers themselves, under their names in a dump and in a trace.
+static void AddRegisters(All& all) {
+    struct Row {
+        const char* name;
+        std::vector<std::string> otherNames;
+        const char* meaning;
+    };
+
+    for (const Row& row : {
+             Row{"velmoIndication",
+                 {"VelmoInd", "indication register"},
+                 "The module's indication register: what the module has done. The host reads it at an "
+                 "interrupt."},
+             Row{"applicationIndication",
+                 {"ApplicationInd"},
+                 "The host's indication register: what the host has done, in answer to an interrupt."},
+             Row{"outArea.indication", {}, "Which parts of the output area are new."},
+             Row{"outArea.moduleStatus",
+                 {"module status register"},
+                 "Whether the module has gone on or off the bus."},
+             Row{"fieldbusStatus.change",
+                 {"change", "fieldbus status change register"},
+                 "Which of the lists of slaves are new."},
+             Row{"applicationCompanion", {}, "The byte that is written with the host's indication register."},
+             Row{"velmoCompanion", {}, "The byte that is read with the module's indication register."},
+         })
+        all.push_back({"register", row.name, row.otherNames, row.meaning,
+                       "See its bits in a dump of the DPRAM: vesk dump.", ""});
+}
+
+/// What else a dump and the lists of slaves show.
+static void AddFields(All& all) {
+    struct Row {
+        const char* name;
+        const char* meaning;
+    };
+
+    for (const Row& row : {
+             Row{"snapshot",
+                 "Whether the DPRAM was read while the module ran, so that it may have moved meanwhile."},
+             Row{"identity", "The block that says what the module is."},
+             Row{"bootloader", "The version of the module's bootloader."},
+             Row{"software", "The version of the module's firmware, the master."},
+             Row{"serial", "The module's serial number."},
+             Row{"moduleType", "0x201 for a VT22 as the master, 0x101 for its bootloader."},
+             Row{"vendorId", "The number of the module's vendor."},
+             Row{"fieldbusType", "5 for a PROFIBUS DP master."},
+             Row{"unused", "Bytes that nobody uses."},
+             Row{"unused1", "Bytes of the identity that nobody uses."},
+             Row{"unused2", "Bytes of the identity that nobody uses."},
+             Row{"fatalEvent", "The block in which a module leaves the reason why it has stopped."},
+             Row{"reported", "Whether the module says that the fatal-event block holds."},
+             Row{"errorCode", "The firmware's number for what stopped it."},
+             Row{"errorCause", "The firmware's number for why."},
+             Row{"taskId", "The firmware's task that has stopped."},
+             Row{"timeStamp", "The firmware's own clock then, in milliseconds."},
+             Row{"additionalInfo", "Bytes for the vendor."},
+             Row{"sourceLine", "The line of the firmware's source that has stopped."},
+             Row{"sourceFile", "The file of the firmware's source."},
+             Row{"mailboxIn", "The area for messages to the module."},
+             Row{"mailboxOut", "The area for messages from the module."},
+             Row{"message", "The message in a mailbox, in words."},
+             Row{"kind", "Whether a message is a request or a response."},
+             Row{"messageId", "The number of a request, which its answer repeats."},
+             Row{"type", "To which part of the module a message goes: Application, Fieldbus and others."},
+             Row{"error", "The error code of an answer."},
+             Row{"command", "The number of what a message asks for."},
+             Row{"dataSize", "How many bytes of data a message has, 0 to 256."},
+             Row{"totalFrameCount", "How many messages a transfer takes."},
+             Row{"frameNumber", "Which message of a transfer it is, from 1 on."},
+             Row{"dataOffset", "Where the data of a message belong in the whole transfer."},
+             Row{"extended", "Eight words with the parameters of a message."},
+             Row{"data", "The bytes of a message or an area."},
+             Row{"inputArea", "The process data to the bus."},
+             Row{"outputArea", "The process data from the bus."},
+             Row{"outArea", "What the module hands to the host: status, and the process data from the bus."},
+             Row{"fieldbusStatus", "The lists of slaves and the master's status."},
+             Row{"slaveConfigured", "The list of slaves in the module's database."},
+             Row{"dataTransfer", "The list of slaves that exchange data."},
+             Row{"slaveDiagnostic", "The list of slaves that have a diagnosis to tell."},
+             Row{"dpv1Connection", "The list of slaves with an open connection for acyclic services."},
+             Row{"operationMode", "The master's operation mode: OFFLINE, STOP, CLEAR or OPERATE."},
+             Row{"masterStatus", "Bytes of the master about itself; the first is the operation mode."},
+             Row{"bootloaderCtrl", "The block that says what the module is while it runs its bootloader."},
+             Row{"handshake", "The registers with which host and module hand areas to each other."},
+         })
+        all.push_back(
+            {"field", row.name, {}, row.meaning, "See its value in a dump of the DPRAM: vesk dump.", ""});
+}
+
+static void AddDiagnosisFlags(All& all) {
+    for (const DiagnosisFlag& flag : DiagnosisFlags())
+        all.push_back({"diagnosis flag",
+                       flag.name,
+                       {},
+                       std::string("Of a slave: ") + flag.meaning + "." +
+                           (flag.cause ? std::string(" Then it exchanges no data: ") + flag.cause + "." : ""),
+                       "See the whole diagnosis: vesk diag ADDRESS.",
+                       ""});
+}
+
+static void AddConfigParameters(All& all) {
+    for (const ConfigParameter& parameter : ConfigParameters()) {
+        const std::string path = parameter.path;
+        const std::string below = path.substr(path.find('.') + 1);
+        all.push_back({"bus parameter",
+                       path,
+                       {below, path.substr(path.rfind('.') + 1)},
+                       parameter.meaning,
+                       "The configuration tool sets it; see its value: vesk config show FILE.",
+                       ""});
+    }
+}
+
 static const char* CheckOf(const MessageType& type) {
     if (&type == MessageType::FIELDBUS.get())
         return "If it is refused, look at the error in the answer, and whether the slave that it names is "
@@ -226,9 +342,16 @@ const All& Explanations() {
         All made;
         for (const Failures::Outcome* failure : Failures::AllFailures())
             made.push_back(ExplanationOf(*failure));
+        for (const Failures::Outcome* failure : Failures::ToolFailures())
+            if (failure->message != "*")
+                made.push_back(ExplanationOf(*failure));
         AddErrorCodes(made);
         AddOperationModes(made);
         AddRegisterBits(made);
+        AddRegisters(made);
+        AddFields(made);
+        AddDiagnosisFlags(made);
+        AddConfigParameters(made);
         AddCommands(made);
         AddStates(made);
         return made;

@@ -10,8 +10,8 @@ namespace VeskTool {
 
 /// What one of the module's or the library's words means, and what to do when it turns up.
 struct Explanation {
-    std::string
-        kind; // "exception", "message", "error code", "operation mode", "register bit", "command", "state"
+    std::string kind; // "exception", "message", "error code", "operation mode", "register", "register bit",
+                      // "field", "diagnosis flag", "bus parameter", "command", "state"
     std::string name; // as it is written elsewhere; in a message "#" stands for a number, "…" for any text
     std::vector<std::string> otherNames;
     std::string meaning;

@@ -3,6 +3,7 @@
 #include "tools/vesk/files/DatabaseFile.h"
 #include "tools/vesk/files/FileCommands.h"
 #include "tools/vesk/text/ByteText.h"
+#include "tools/vesk/text/Failure.h"
 
 #include <iostream>
 #include <sstream>
@@ -17,12 +18,20 @@ struct ConfigOptions {
     std::string path;
     std::string otherPath; // of what it is compared with
     bool json = false;
+    bool force = false;
 };
 
 void ShowConfig(const ConfigOptions& options) {
-    const auto config = LoadDatabaseFile(options.path);
+    const DatabaseFile file = ReadDatabaseFile(options.path);
+    const auto& config = file.config;
+    if (file.Damaged() && !options.force)
+        throw Failure(file.Damage(options.path));
+    if (file.Damaged())
+        std::cerr << "vesk: warning: " << Harmless(file.Damage(options.path)) << std::endl;
     if (options.json) {
-        std::cout << JsonText(ToJson(*config));
+        auto json = ToJson(*config);
+        json["statedChecksum"] = file.checksum;
+        std::cout << JsonText(json);
         return;
     }
     std::istringstream lines(config->ToString().Value());
@@ -78,8 +87,8 @@ bool DiffConfigs(const ConfigOptions& options) {
     for (const ordered_json& difference : differences) {
         std::cout << difference.at("field").get<std::string>() << ": ";
         if (difference.at("a").is_null() || difference.at("b").is_null())
-            std::cout << "only in " << (difference.at("b").is_null() ? options.path : options.otherPath)
-                      << "\n";
+            std::cout << "only in "
+                      << Harmless(difference.at("b").is_null() ? options.path : options.otherPath) << "\n";
         else
             std::cout << difference.at("a").dump() << " -> " << difference.at("b").dump() << "\n";
     }
@@ -91,6 +100,8 @@ bool DiffConfigs(const ConfigOptions& options) {
 Action AddConfigShow(CLI::App& command) {
     const auto options = std::make_shared<ConfigOptions>();
     AddArgument(command, "FILE", options->path, "Configuration database file (.ddb)");
+    command.add_flag("--force", options->force,
+                     "Show a file that does not have the checksum of its first line, too");
     AddJson(command, options->json);
     return [options] {
         ShowConfig(*options);
@@ -103,7 +114,7 @@ Action AddConfigDiff(CLI::App& command) {
     AddArgument(command, "A", options->path, "Configuration database file (.ddb)");
     AddArgument(command, "B", options->otherPath, "The file that it is compared with");
     AddJson(command, options->json);
-    return [options] { return DiffConfigs(*options) ? DONE : FAILED; };
+    return [options] { return DiffConfigs(*options) ? DONE : DIFF_DIFFERENT; };
 }
 
 } // namespace VeskTool

@@ -1,33 +1,104 @@
 // SPDX-License-Identifier: MIT
 #include "tools/vesk/files/DatabaseFile.h"
 
+#include "tools/vesk/explain/Advice.h"
 #include "tools/vesk/files/FileBytes.h"
+#include "tools/vesk/text/Text.h"
+#include "vesk/core/VeskException.h"
+#include "vesk/hostinterface/MailboxDpRam.h"
 #include "vesk/modules/dpvm/config/DdbParser.h"
-#include "vesk/system/io/FileStream.h"
+#include "vesk/system/io/MemoryStream.h"
+
+#include <algorithm>
+#include <cctype>
+#include <cstdio>
+#include <optional>
 
 namespace VeskTool {
 
-/// What the format says about a file of this length that the library's number alone does not explain; or
-/// nothing.
-static std::string LengthHint(const std::string& path) {
-    constexpr std::int64_t line = 9;
-    constexpr std::int64_t message = 288;
-    const auto file =
-        System::IO::FileStream::Create(path, System::IO::FileMode::OPEN, System::IO::FileAccess::READ);
-    const std::int64_t length = file->Length();
-    if (length >= line + message && (length - line) % message == 0)
-        return "";
-    return " (" + std::to_string(length) + " bytes; a database file has a checksum line of " +
-           std::to_string(line) + " and messages of " + std::to_string(message) +
-           ", so it is cut short or something else)";
+using Vesk::Modules::DPVM::Config::DdbParser;
+using FileContent = std::vector<unsigned char>;
+
+namespace {
+
+constexpr std::size_t DIGITS = 8;
+constexpr std::size_t LINE = DIGITS + 1;
+constexpr std::size_t MESSAGE = Vesk::HostInterface::MailboxDpRam::AREA_SIZE;
+// A master record, and 126 slave records of 255 fragments.
+constexpr std::size_t MOST = LINE + MESSAGE * (1 + 126 * 255);
+
+std::shared_ptr<System::IO::MemoryStream> StreamOf(const FileContent& bytes) {
+    return System::IO::MemoryStream::Create(System::Array<unsigned char>::Create(bytes));
+}
+
+/// Whether it is the form of a database file that does not hold, and how; or nothing.
+std::string WrongDatabase(const FileContent& bytes) {
+    constexpr auto* first =
+        ", where a database file has its checksum, eight hexadecimal digits and a line feed";
+    if (bytes.size() > MOST)
+        return "has more than " + std::to_string(MOST) + " bytes, the most that a database file can have";
+    for (std::size_t at = 0; at < std::min(bytes.size(), LINE); ++at)
+        if (at < DIGITS ? std::isxdigit(bytes[at]) == 0 : bytes[at] != '\n')
+            return "byte " + std::to_string(at) + " is " + ByteText(bytes[at]) + first + LooksLike(bytes);
+    if (bytes.size() < LINE)
+        return "ends at byte " + std::to_string(bytes.size()) + first + LooksLike(bytes);
+    const std::size_t messages = (bytes.size() - LINE) / MESSAGE;
+    const std::size_t start = LINE + messages * MESSAGE;
+    if (bytes.size() > start)
+        return "ends at byte " + std::to_string(bytes.size()) + ", in the middle of message " +
+               std::to_string(messages + 1) + ", which begins at byte " + std::to_string(start) +
+               " and has " + std::to_string(MESSAGE);
+    return messages == 0 ? "ends behind its first line, without any message" : "";
+}
+
+/// Which message the parser has stopped at; `position` is behind what it has read of it.
+std::string MessageAt(std::int64_t position) {
+    const std::size_t index = (static_cast<std::size_t>(position) - LINE - 1) / MESSAGE;
+    return "message " + std::to_string(index + 1) + ", from byte " + std::to_string(LINE + index * MESSAGE) +
+           " on: ";
+}
+
+/// The checksum of the records, from what the parser says where the first line has another one.
+std::optional<std::string> CalculatedChecksum(const std::exception& exception) {
+    unsigned int calculated = 0;
+    if (std::sscanf(RawMessageOf(exception).c_str(), "calculated CRC (%u)", &calculated) != 1)
+        return std::nullopt;
+    return ChecksumText(calculated);
+}
+
+} // namespace
+
+bool DatabaseFile::Damaged() const {
+    return checksum != ChecksumText(config->Checksum());
+}
+
+std::string DatabaseFile::Damage(const std::string& path) const {
+    return path + ": its first line says the checksum " + checksum + ", and its records have " +
+           ChecksumText(config->Checksum());
+}
+
+DatabaseFile ReadDatabaseFile(const std::string& path) {
+    FileContent bytes = ReadFile(path, MOST);
+    if (const std::string wrong = WrongDatabase(bytes); !wrong.empty())
+        throw Failure(path + ": " + wrong);
+    const std::string checksum = Lower(std::string(bytes.begin(), bytes.begin() + DIGITS));
+    const auto stream = StreamOf(bytes);
+    try {
+        return {DdbParser::FromStream(stream), checksum};
+    } catch (const std::exception& exception) {
+        const auto calculated = CalculatedChecksum(exception);
+        if (!calculated)
+            throw FileFailure(path, MessageAt(stream->Position()), exception);
+        std::copy(calculated->begin(), calculated->end(), bytes.begin());
+    }
+    return {DdbParser::FromStream(StreamOf(bytes)), checksum};
 }
 
 std::shared_ptr<Vesk::Modules::DPVM::Config::IBusConfig> LoadDatabaseFile(const std::string& path) {
-    try {
-        return Vesk::Modules::DPVM::Config::DdbParser::FromPath(path);
-    } catch (const std::exception& exception) {
-        throw FileFailure(path, exception, [&path] { return LengthHint(path); });
-    }
+    const DatabaseFile file = ReadDatabaseFile(path);
+    if (file.Damaged())
+        throw Failure(file.Damage(path));
+    return file.config;
 }
 
 } // namespace VeskTool

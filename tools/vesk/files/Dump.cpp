@@ -21,12 +21,12 @@ struct DumpOptions {
 };
 
 std::vector<unsigned char> ReadDump(const DumpOptions& options) {
-    const auto check = [&options](std::int64_t length) {
-        if (length != DpRamMap::SIZE)
-            throw Failure(options.path + ": " + std::to_string(length) + " bytes; a dump of the DPRAM has " +
-                          std::to_string(DpRamMap::SIZE));
-    };
-    return ReadFile(options.path, check);
+    const auto file = ReadFile(options.path, DpRamMap::SIZE);
+    if (file.size() != DpRamMap::SIZE)
+        throw Failure(options.path + ": has " +
+                      (file.size() > DpRamMap::SIZE ? "more bytes" : std::to_string(file.size()) + " bytes") +
+                      ", and a dump of the DPRAM has " + std::to_string(DpRamMap::SIZE) + LooksLike(file));
+    return file;
 }
 
 void ShowDump(const DumpOptions& options) {

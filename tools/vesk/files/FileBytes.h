@@ -3,21 +3,23 @@
 
 #include "tools/vesk/text/Failure.h"
 
-#include <cstdint>
-#include <functional>
+#include <cstddef>
+#include <span>
 #include <string>
 #include <vector>
 
 namespace VeskTool {
 
-/// The bytes of the regular file at `path`. `check` gets their number first, and may throw; the library's
-/// exceptions for a file that cannot be read pass through.
-std::vector<unsigned char> ReadFile(const std::string& path,
-                                    const std::function<void(std::int64_t length)>& check);
+/// The bytes of the file or pipe at `path`, or of standard input for "-". No more than `most` and one; that
+/// one says that there are more. Failure, which names the path, for what cannot be read, a folder or a
+/// device.
+std::vector<unsigned char> ReadFile(const std::string& path, std::size_t most);
 
-/// What `exception` says, in words that name the file at `path`; those of opening a file do so themselves,
-/// and to all others `hint` is added.
-Failure FileFailure(const std::string& path, const std::exception& exception,
-                    const std::function<std::string()>& hint);
+/// "; it looks like a text", or what else the bytes of a file are, from their beginning; empty where that
+/// says nothing.
+std::string LooksLike(std::span<const unsigned char> bytes);
+
+/// What `exception` says about the file at `path`, which it does not name; `where`: the place in the file.
+Failure FileFailure(const std::string& path, const std::string& where, const std::exception& exception);
 
 } // namespace VeskTool

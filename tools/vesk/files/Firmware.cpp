@@ -84,9 +84,9 @@ void CheckOutput(const BuildOptions& options) {
     std::error_code ignored;
     const auto status = std::filesystem::status(options.outputPath, ignored);
     if (std::filesystem::exists(status) && !std::filesystem::is_regular_file(status))
-        throw Failure(options.outputPath + ": not a regular file");
+        throw Failure(options.outputPath + ": is no regular file, so it is not replaced");
     if (std::filesystem::equivalent(options.outputPath, options.imagePath, ignored))
-        throw Failure(options.outputPath + ": is the image itself");
+        throw Failure(options.outputPath + ": is the image itself, so it is not replaced");
 }
 
 void Write(const std::string& path, const std::vector<unsigned char>& bytes) {
@@ -113,8 +113,9 @@ void Build(const BuildOptions& options) {
     const auto bytes = EncodeFirmwareFile(header, program);
     CheckOutput(options);
     Write(options.outputPath, bytes);
-    const auto file = LoadFirmwareFile(options.outputPath);
-    std::cout << options.outputPath << ": " << bytes.size() << " bytes, checksum " << Hex(file->Crc) << "\n";
+    const auto file = FirmwareFile(options.outputPath).Content();
+    std::cout << Harmless(options.outputPath) << ": " << bytes.size() << " bytes, checksum " << Hex(file->Crc)
+              << "\n";
 }
 
 /// Failure when what the file says about its program is not true.
@@ -129,18 +130,26 @@ nlohmann::ordered_json ToJson(const Vesk::Modules::Bootloader::TarnFile& file, b
             {"crcStart", file.CrcStart},
             {"crcLength", file.CrcLength},
             {"crc", file.Crc},
+            {"checksum", Hex(file.Crc)},
             {"oldest", std::to_string(file.OldestMajor) + "." + std::to_string(file.OldestMinor)},
             {"eraseSegmentsCount", std::vector<unsigned int>(counts.Data(), counts.Data() + counts.Count())},
             {"checked", checked}};
 }
 
+/// The lines of the header, the description so that it can do nothing to a terminal.
+std::string HeaderText(const Vesk::Modules::Bootloader::TarnFile& file) {
+    std::string text = file.ToString().Value();
+    const std::string description = file.Description.Value();
+    return text.replace(text.find(description), description.size(), Printable(description));
+}
+
 /// A program that its checksum does not fit is a failure; the text shows the file all the same.
 void Show(const std::string& path, bool json) {
-    const auto file = LoadFirmwareFile(path);
+    const auto file = FirmwareFile(path).Content();
     const auto covered = CoveredChecksum(*file);
     const bool damaged = covered && *covered != file->Crc;
     if (!json)
-        std::cout << file->ToString().Value() << "Checksum: "
+        std::cout << HeaderText(*file) << "Checksum: "
                   << (!covered  ? "covers other bytes than the program's, cannot be checked"
                       : damaged ? "does not fit the program"
                                 : "fits the program")

@@ -4,7 +4,7 @@
 #include "tools/vesk/files/FileBytes.h"
 #include "tools/vesk/text/Text.h"
 #include "vesk/modules/bootloader/CRC16.h"
-#include "vesk/system/io/FileStream.h"
+#include "vesk/system/io/MemoryStream.h"
 #include "virtualmodule/flash/Firmware.h"
 
 #include <algorithm>
@@ -80,37 +80,77 @@ void Seal(Program& program) {
     program = std::move(writer.bytes);
 }
 
-std::shared_ptr<TarnFile> LoadFirmwareFile(const std::string& path) {
-    static constexpr auto* HINT = " (a firmware file has a header of 128 bytes, with the number 0xa55a at "
-                                  "byte 64, and then its program; this is something else or damaged)";
+namespace {
+
+// Places in the header.
+constexpr std::size_t MAGIC = 64;
+constexpr std::size_t TYPE = 66;
+constexpr std::size_t LENGTH = 76;
+constexpr std::size_t RESERVED = 114;
+
+std::uint32_t NumberAt(const std::vector<Byte>& bytes, std::size_t at, std::size_t size) {
+    std::uint32_t number = 0;
+    for (std::size_t i = 0; i < size; ++i)
+        number = number << 8 | bytes[at + i];
+    return number;
+}
+
+/// How the form of a firmware file does not hold; or nothing.
+std::string WrongFirmware(const std::vector<Byte>& bytes) {
+    constexpr std::size_t header = FirmwareHeader::SIZE;
+    if (bytes.size() >= MAGIC + 2 && NumberAt(bytes, MAGIC, 2) != FirmwareHeader::MAGIC)
+        return "bytes 64 and 65 are " + Hex(NumberAt(bytes, MAGIC, 2)) +
+               ", where a firmware file has 0xa55a" + LooksLike(bytes);
+    if (bytes.size() < header)
+        return "ends at byte " + std::to_string(bytes.size()) +
+               ", in the header of a firmware file, which has " + std::to_string(header) + LooksLike(bytes);
+    if (const auto type = NumberAt(bytes, TYPE, 2); type < 1 || type > 3)
+        return "bytes 66 and 67 are the type " + Hex(type) +
+               ", where a firmware file has 1 (bootloader), 2 (application) or 3 (configuration)";
+    for (std::size_t at = RESERVED; at < header; ++at)
+        if (bytes[at] != 0)
+            return "byte " + std::to_string(at) + " is " + ByteText(bytes[at]) +
+                   ", where the header of a firmware file has zero";
+    const std::uint32_t length = NumberAt(bytes, LENGTH, 4);
+    if (length > MAX_PROGRAM_SIZE)
+        return "its header says a program of " + std::to_string(length) + " bytes, and a program has up to " +
+               std::to_string(MAX_PROGRAM_SIZE);
+    if (length > bytes.size() - header)
+        return "ends at byte " + std::to_string(bytes.size()) + ", and its header says a program of " +
+               std::to_string(length) + " bytes from byte " + std::to_string(header) + " on";
+    return "";
+}
+
+} // namespace
+
+FirmwareFile::FirmwareFile(const std::string& path)
+    : _path(path), _bytes(ReadFile(path, FirmwareHeader::SIZE + MAX_PROGRAM_SIZE)) {}
+
+std::shared_ptr<TarnFile> FirmwareFile::Content() const {
+    if (const std::string wrong = WrongFirmware(_bytes); !wrong.empty())
+        throw Failure(_path + ": " + wrong);
     try {
-        const auto file =
-            System::IO::FileStream::Create(path, System::IO::FileMode::OPEN, System::IO::FileAccess::READ);
-        const auto limit = static_cast<std::int64_t>(FirmwareHeader::SIZE + MAX_PROGRAM_SIZE);
-        if (file->Length() > limit)
-            throw Failure(path + ": " + std::to_string(file->Length()) +
-                          " bytes; a firmware file has up to " + std::to_string(limit));
-        return TarnFile::FromStream(file);
-    } catch (const Failure&) {
-        throw;
+        return TarnFile::FromStream(
+            System::IO::MemoryStream::Create(System::Array<unsigned char>::Create(_bytes)));
     } catch (const std::exception& exception) {
-        throw FileFailure(path, exception, [] { return HINT; });
+        throw FileFailure(_path, "", exception);
     }
 }
 
+void FirmwareFile::SetType(FirmwareType_e type) {
+    _bytes.at(TYPE) = static_cast<Byte>(static_cast<unsigned int>(type) >> 8);
+    _bytes.at(TYPE + 1) = static_cast<Byte>(static_cast<unsigned int>(type) & 0xFF);
+}
+
 Program LoadProgram(const std::string& path) {
-    const auto check = [&path](std::int64_t length) {
-        if (length < 1 || length > static_cast<std::int64_t>(MAX_PROGRAM_SIZE))
-            throw Failure(path + ": " + std::to_string(length) + " bytes; a program has 1 to " +
-                          std::to_string(MAX_PROGRAM_SIZE));
-    };
-    try {
-        return ReadFile(path, check);
-    } catch (const Failure&) {
-        throw;
-    } catch (const std::exception& exception) {
-        throw FileFailure(path, exception, [] { return ""; });
-    }
+    Program program = ReadFile(path, MAX_PROGRAM_SIZE);
+    if (program.empty())
+        throw Failure(path + ": is empty, and a program has 1 to " + std::to_string(MAX_PROGRAM_SIZE) +
+                      " bytes");
+    if (program.size() > MAX_PROGRAM_SIZE)
+        throw Failure(path + ": has more than " + std::to_string(MAX_PROGRAM_SIZE) +
+                      " bytes, the most that a program can have");
+    return program;
 }
 
 std::optional<unsigned short> CoveredChecksum(const TarnFile& file) {

@@ -25,11 +25,23 @@ std::vector<unsigned char> EncodeFirmwareFile(Vesk::Modules::Bootloader::Firmwar
 /// everything before it.
 void Seal(Program& program);
 
-/// Reads the firmware file at `path`. Failure, which names the file and says what is wrong with it, when it
-/// cannot be read.
-std::shared_ptr<Vesk::Modules::Bootloader::TarnFile> LoadFirmwareFile(const std::string& path);
+/// A firmware file as it was read from `path`, or from standard input for "-". Failure, which names the file
+/// and says what is wrong with it and where, when it cannot be read or is none.
+class FirmwareFile {
+public:
+    explicit FirmwareFile(const std::string& path);
 
-/// Reads a program image of 1 to MAX_PROGRAM_SIZE bytes; Failure like LoadFirmwareFile.
+    std::shared_ptr<Vesk::Modules::Bootloader::TarnFile> Content() const;
+
+    /// Lets it be a file of that type from now on.
+    void SetType(Vesk::Modules::Bootloader::FirmwareType_e type);
+
+private:
+    std::string _path;
+    std::vector<unsigned char> _bytes;
+};
+
+/// Reads a program image of 1 to MAX_PROGRAM_SIZE bytes; Failure like FirmwareFile.
 Program LoadProgram(const std::string& path);
 
 /// The CRC-16 of those program bytes that the file's checksum is said to cover; nothing when the range is not

@@ -34,7 +34,7 @@ public:
 
     void Check(bool done) const {
         if (!done)
-            throw Failure(_path + ": " + std::strerror(errno));
+            throw Failure("cannot be used: " + _path + ": " + std::strerror(errno));
     }
 
     /// The size of a device says nothing.

@@ -1,12 +1,14 @@
 // SPDX-License-Identifier: MIT
 #include "tools/vesk/jobs/Flash.h"
 
+#include "tools/vesk/explain/Advice.h"
 #include "tools/vesk/files/FirmwareFile.h"
 #include "tools/vesk/jobs/DownloadPlan.h"
 #include "tools/vesk/jobs/Jobs.h"
 #include "tools/vesk/session/BootloaderSession.h"
 #include "tools/vesk/session/LinkOptions.h"
 #include "tools/vesk/session/Session.h"
+#include "tools/vesk/text/ByteText.h"
 #include "tools/vesk/text/Failure.h"
 #include "tools/vesk/text/Interruption.h"
 #include "tools/vesk/text/Progress.h"
@@ -20,66 +22,91 @@ using namespace Vesk::Modules::DPVM;
 using Vesk::Modules::Bootloader::FirmwareType_e;
 using Vesk::Modules::Bootloader::TarnFile;
 
+// The module type of a VT22 as the master, which its firmware files carry. It is what the library runs.
+static constexpr unsigned short VT22 = 0x0201;
+
 Flash::Flash(Options options, Link link, Console console)
     : _options(std::move(options)), _link(std::move(link)), _console(console) {}
 
+const std::vector<std::string>& Flash::Checks() {
+    static const std::vector<std::string> checks{"type", "checksum", "module-id", "version"};
+    return checks;
+}
+
 void Flash::Execute() {
     const CarefulWork nothingChanged(_console);
-    if (!_options.yes && !_options.dryRun && !_console.asks)
-        throw Failure("There is no terminal to ask at; give --yes to write without being asked");
-    _file = LoadFirmwareFile(_options.firmwarePath);
-    CheckFile();
+    _console.NeedAnswer(_options.yes || _options.dryRun);
+    const auto asked =
+        _options.bootloader ? FirmwareType_e::BOOTLOADER_FIRMWARE : FirmwareType_e::APPLICATION_FIRMWARE;
+    FirmwareFile file(_options.firmwarePath);
+    _file = file.Content();
+    CheckFile(asked);
+    file.SetType(asked); // which it is, or --force says that the file is wrong there
+    _file = file.Content();
     ShowFile();
     ShowMasterBefore();
     {
         BootloaderSession session(_link);
         session.Boot();
         ShowBootloader(session);
-        if (_options.dryRun) {
-            if (_damaged)
-                throw Failure(_options.firmwarePath + ": damaged, and should not be downloaded");
+        CheckVersion();
+        if (_options.dryRun)
             return Line("Dry run: nothing was written");
-        }
-        Consent();
+        _console.Confirm(_options.yes, "Replace the " + What() + " of this module?");
         Download(session);
     }
     ShowMasterAfter();
 }
 
-/// What would end in an error of the module, after its application was erased.
-void Flash::CheckFile() const {
-    const std::string type = TarnFile::FirmwareTypeToString(_file->FirmwareType).Value();
-    const std::string holds = _options.firmwarePath + " holds " + type;
-    switch (_file->FirmwareType) {
-    case FirmwareType_e::APPLICATION_FIRMWARE:
-        if (_options.bootloader)
-            throw Failure(holds + ", no bootloader: leave out --bootloader to replace the application");
-        break;
-    case FirmwareType_e::BOOTLOADER_FIRMWARE:
-        if (!_options.bootloader)
-            throw Failure(holds + ": give --bootloader to replace the bootloader");
-        break;
-    case FirmwareType_e::CONFIGURATION_FIRMWARE:
-        throw Failure(holds + ", which cannot be downloaded");
-    }
+std::string Flash::What() const {
+    return _options.bootloader ? "bootloader" : "application";
+}
+
+/// What one of the checks has found.
+void Flash::Refuse(const std::string& check, const std::string& what) const {
+    if (!_options.force.contains(check))
+        throw Failure(what);
+    _console.err << "vesk: warning: " << Harmless(what) << std::endl;
+}
+
+/// What the module would refuse or run after its application was erased.
+void Flash::CheckFile(FirmwareType_e asked) const {
+    const std::string& path = _options.firmwarePath;
+    if (_file->FirmwareType != asked)
+        Refuse("type", path + ": holds " + TarnFile::FirmwareTypeToString(_file->FirmwareType).Value() +
+                           ", and the " + What() + " is to be replaced");
     if (_file->ProgramData->Count() == 0)
-        throw Failure(_options.firmwarePath + " holds no program");
+        throw Failure(path + ": holds no program");
+    const auto covered = CoveredChecksum(*_file);
+    if (covered && *covered != _file->Crc)
+        Refuse("checksum", Damage(path, *_file, *covered));
+    if (_file->ModuleId != VT22)
+        Refuse("module-id",
+               path + ": is for module " + Hex(_file->ModuleId) + ", and this one is " + Hex(VT22));
+}
+
+/// The file says how old the version that it takes the place of may be.
+void Flash::CheckVersion() const {
+    const std::pair<unsigned int, unsigned int> oldest{_file->OldestMajor, _file->OldestMinor};
+    if (_replaced && *_replaced < oldest)
+        Refuse("version", _options.firmwarePath + ": takes the place of version " +
+                              Version({oldest.first, oldest.second}) + " or newer, and the module's " +
+                              What() + " is " + Version({_replaced->first, _replaced->second}));
 }
 
 void Flash::ShowFile() {
-    const auto covered = CoveredChecksum(*_file);
-    _damaged = covered && *covered != _file->Crc;
-    Line("File    " + _options.firmwarePath + ": \"" + _file->Description.Value() + "\"");
+    Line("File    " + Harmless(_options.firmwarePath) + ": \"" + Printable(_file->Description.Value()) +
+         "\"");
     Line("        " + TarnFile::FirmwareTypeToString(_file->FirmwareType).Value() + " for module " +
          Hex(_file->ModuleId) + ", " + std::to_string(_file->ProgramData->Count()) + " bytes to " +
          Hex(_file->AddressBurnStart) + ", checksum " + Hex(_file->Crc));
-    if (_damaged)
-        _console.err << "vesk: warning: " << Damage(_options.firmwarePath, *_file, *covered) << std::endl;
 }
 
 Flash::Versions Flash::RunMaster() {
     Session session(_link, nullptr);
     session.Reach(Need::BOOTED);
+    if (!_options.bootloader)
+        _replaced = {session.Module().SoftwareMajor(), session.Module().SoftwareMinor()};
     return {session.FirmwareVersion(), session.BootloaderVersion()};
 }
 
@@ -90,20 +117,16 @@ void Flash::ShowMasterBefore() {
         Line("Module  " + _link.description + ", firmware " + _before.firmware);
     } catch (const std::exception& exception) {
         _before = {"none", "unknown"};
-        Line("Module  " + _link.description + ", no firmware runs (" + OneLine(exception) + ")");
+        Line("Module  " + _link.description + ", no firmware runs (" + Told(exception) + ")");
     }
 }
 
 void Flash::ShowBootloader(BootloaderSession& session) {
     Vt22Bootloader& module = session.Module();
     _before.bootloader = Version({module.BootloaderMajor(), module.BootloaderMinor()});
+    if (_options.bootloader)
+        _replaced = {module.BootloaderMajor(), module.BootloaderMinor()};
     Line("        bootloader " + _before.bootloader + ", serial " + Hex(module.Serial()));
-}
-
-void Flash::Consent() {
-    const std::string what = _options.bootloader ? "bootloader" : "application";
-    if (!_options.yes && !_console.Confirm("Replace the " + what + " of this module?"))
-        throw Failure("Nothing was written");
 }
 
 /// What the module did, in a few words.
@@ -139,10 +162,7 @@ void Flash::Download(BootloaderSession& session) {
         progress.End();
         const bool refused = dynamic_cast<Vesk::Mailbox::MailboxResponseException*>(exception.get());
         throw Failure(plan.Request(remaining) + " " + Reason(*exception, plan.AtLast(remaining)) + ". " +
-                          plan.ModuleState(remaining, refused),
-                      refused && plan.AtLast(remaining)
-                          ? "Look at the file with `vesk firmware show`, and run the update again."
-                          : "Run the update again.");
+                      plan.ModuleState(remaining, refused));
     }
     Line("Downloaded " + std::to_string(_file->ProgramData->Count()) + " bytes in " +
          std::to_string(plan.Requests()) + " requests and " + Milliseconds(SecondsSince(start) * 1000));
@@ -155,7 +175,7 @@ void Flash::ShowMasterAfter() {
              after.bootloader + " (was " + _before.bootloader + ")");
     } catch (const std::exception& exception) {
         throw Failure("The download is complete, but the module does not start as the master: " +
-                      OneLine(exception));
+                      Told(exception));
     }
 }
 
@@ -169,8 +189,21 @@ Action AddFlash(CLI::App& command) {
     command.add_flag("--bootloader", options->bootloader, "Replace the bootloader");
     command.add_flag("--yes", options->yes, "Do not ask; needed where there is no terminal");
     command.add_flag("--dry-run", options->dryRun, "Do everything but write");
+    command
+        .add_option_function<std::vector<std::string>>(
+            "--force",
+            [options](const std::vector<std::string>& checks) {
+                options->force.insert(checks.begin(), checks.end());
+            },
+            "Go on although the file holds another program than is to be replaced (type), is damaged "
+            "(checksum), is for another module (module-id), or for a newer version than the module has "
+            "(version)")
+        ->delimiter(',')
+        ->allow_extra_args(false)
+        ->check(CLI::IsMember(Flash::Checks()))
+        ->type_name(Joined(Flash::Checks(), ","));
     const auto link = std::make_shared<LinkOptions>();
-    link->AddTo(command);
+    link->AddTo(command, LinkOptions::Unnamed::REFUSED);
     return [options, link] {
         Flash(*options, link->Open(), Console::Standard()).Execute();
         return DONE;

@@ -6,7 +6,10 @@
 #include "vesk/modules/bootloader/TarnFile.h"
 
 #include <memory>
+#include <optional>
+#include <set>
 #include <string>
+#include <vector>
 
 namespace VeskTool {
 
@@ -18,10 +21,15 @@ class Flash {
 public:
     struct Options {
         std::string firmwarePath;
-        bool bootloader = false; // replace the bootloader instead of the application
-        bool yes = false;        // do not ask
-        bool dryRun = false;     // do everything but write
+        bool bootloader = false;       // replace the bootloader instead of the application
+        bool yes = false;              // do not ask
+        bool dryRun = false;           // do everything but write
+        std::set<std::string> force{}; // the checks of Checks() that only warn
     };
+
+    /// The names of what an update is refused for, before anything is erased: "type", "checksum",
+    /// "module-id" and "version".
+    static const std::vector<std::string>& Checks();
 
     Flash(Options options, Link link, Console console);
 
@@ -35,12 +43,15 @@ private:
         std::string bootloader;
     };
 
-    void CheckFile() const;
+    /// "application" or "bootloader", what is replaced.
+    std::string What() const;
+    void Refuse(const std::string& check, const std::string& what) const;
+    void CheckFile(Vesk::Modules::Bootloader::FirmwareType_e asked) const;
+    void CheckVersion() const;
     void ShowFile();
     Versions RunMaster();
     void ShowMasterBefore();
     void ShowBootloader(BootloaderSession& session);
-    void Consent();
     void Download(BootloaderSession& session);
     void ShowMasterAfter();
 
@@ -50,8 +61,8 @@ private:
     Link _link;
     Console _console;
     std::shared_ptr<Vesk::Modules::Bootloader::TarnFile> _file;
-    bool _damaged = false; // its own checksum does not fit
     Versions _before;
+    std::optional<std::pair<unsigned int, unsigned int>> _replaced; // version of the program that goes
 };
 
 } // namespace VeskTool

@@ -38,6 +38,7 @@ private:
     void UseServices(Session& session);
     void ShowBus(Session& session);
     void Summarize();
+    std::vector<int> Configured() const;
 
     void Line(const std::string& text);
 

@@ -12,7 +12,7 @@
 namespace VeskTool {
 
 [[noreturn]] static void FailWithReason(const std::string& path) {
-    throw Failure(path + ": " + std::strerror(errno));
+    throw Failure("cannot be used: " + path + ": " + std::strerror(errno));
 }
 
 SharedFile::SharedFile(const std::string& path, std::size_t size)

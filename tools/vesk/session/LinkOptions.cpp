@@ -10,6 +10,7 @@
 #include "vesk/lines/GpioLines.h"
 #endif
 
+#include <cstdlib>
 #include <filesystem>
 #include <iostream>
 #include <limits>
@@ -20,14 +21,13 @@ namespace VeskTool {
 
 namespace {
 
-void CheckThere(const std::string& path, const char* hint) {
+void CheckThere(const std::string& path, const char* what) {
     std::error_code ignored;
     if (!std::filesystem::exists(path, ignored))
-        throw Failure(path + " does not exist", hint);
+        throw Failure(path + " does not exist, so there is no " + what);
 }
 
 constexpr unsigned int HIGHEST_GPIO_LINE = 65535; // more than any chip has
-constexpr auto* START_MODULE = "Start `vesk module` with the same two files; it makes them";
 
 /// LinesFile or GpioLines: both offer the same three callbacks.
 template <class Lines>
@@ -40,69 +40,105 @@ Link LinkOver(Lines& lines) {
 }
 
 Link FileLink(const std::string& path) {
-    CheckThere(path, START_MODULE);
+    CheckThere(path, "`vesk module` with these lines");
     return LinkOver(*LinesFile::Open(path));
 }
 
 } // namespace
 
-void LinkOptions::AddTo(CLI::App& command) {
-    const auto add = [&command](const char* name, auto& target, const char* variable, const char* text) {
-        return command.add_option(name, target, text)->envname(variable)->group("Where the module is");
+/// The module that was opened.
+static std::string opened;
+
+const std::string& LinkOptions::Opened() {
+    return opened;
+}
+
+/// The same value on both is as good as from the variable.
+bool LinkOptions::Place::Given() const {
+    const char* const set = std::getenv(variable);
+    return text && (set == nullptr || *text != set);
+}
+
+std::string LinkOptions::Place::Name() const {
+    return Given() ? option : variable;
+}
+
+void LinkOptions::AddTo(CLI::App& command, Unnamed unnamed) {
+    _unnamed = unnamed;
+    const auto add = [&command](Place& place, const char* type, const char* text) {
+        command.add_option(place.option, place.text, text)
+            ->envname(place.variable)
+            ->type_name(type)
+            ->group("Where the module is");
     };
-    CLI::Option* const dpRam = add("--dpram", _dpRamPath, "VESK_DPRAM",
-                                   "DPRAM of the module: a file, or a device that can be mapped");
-    CLI::Option* const offset =
-        add("--offset", _offset, "VESK_OFFSET", "Where in the file the DPRAM begins (0)");
-    CLI::Option* const lines = add("--lines", _linesPath, "VESK_LINES", "Lines file of a `vesk module`");
-    CLI::Option* const gpio = command.add_option_function<std::string>(
-        "--gpio", [this](const std::string& text) { _gpio = ParseGpio(text); },
-        "The module's lines on a GPIO chip, in place of --lines. Without any of these a virtual module in "
-        "this "
-        "process serves.");
-    dpRam->type_name("FILE");
-    offset->type_name("BYTES")
-        ->check(CLI::Range(0, std::numeric_limits<int>::max()).description(""))
-        ->needs(dpRam);
-    lines->type_name("FILE")->needs(dpRam);
-    gpio->type_name("CHIP:irq=N,reset=N,boot=N")
-        ->envname("VESK_GPIO")
-        ->group("Where the module is")
-        ->needs(dpRam)
-        ->excludes(lines);
+    add(_dpRam, "FILE", "DPRAM of the module: a file, or a device that can be mapped");
+    add(_offset, "BYTES", "Where in the file the DPRAM begins (0)");
+    add(_lines, "FILE", "Lines file of a `vesk module`");
+    add(_gpio, "CHIP:irq=N,reset=N,boot=N",
+        "The module's lines on a GPIO chip, in place of --lines: the chip's name, number or path, and the "
+        "number of each line on it");
+    command
+        .add_flag("--virtual", _virtual,
+                  unnamed == Unnamed::VIRTUAL
+                      ? "A virtual module in this process, which serves without any of these too"
+                      : "A virtual module in this process; what is written is gone with it")
+        ->group("Where the module is");
+}
+
+/// The command line decides alone where it has something to say.
+bool LinkOptions::UseVirtual() const {
+    for (const Place* const place : {&_dpRam, &_offset, &_lines, &_gpio})
+        if (_virtual && place->Given())
+            throw CLI::ExcludesError("--virtual", place->option);
+    if (_virtual || _dpRam.text)
+        return _virtual;
+    for (const Place* const place : {&_lines, &_gpio, &_offset})
+        if (place->text)
+            throw CLI::RequiresError(place->Name(), "--dpram (or VESK_DPRAM)");
+    if (_unnamed == Unnamed::REFUSED)
+        throw CLI::ValidationError(
+            "no module is named, and this would change it: name one with --dpram and --lines or --gpio, or "
+            "in VESK_DPRAM and VESK_LINES or VESK_GPIO; --virtual takes a virtual one",
+            CLI::ExitCodes::RequiredError);
+    return true;
+}
+
+const LinkOptions::Place& LinkOptions::Lines() const {
+    if (!_lines.text && !_gpio.text)
+        throw CLI::RequiresError(_dpRam.Name(), "--lines or --gpio (or VESK_LINES or VESK_GPIO)");
+    if (_lines.text && _gpio.text && _lines.Given() == _gpio.Given())
+        throw CLI::ExcludesError(_lines.Name(), _gpio.Name());
+    return !_gpio.text || _lines.Given() ? _lines : _gpio;
 }
 
 Link LinkOptions::Open(VirtualModule::Flash flash) const {
     WatchSignals();
-    if (!_dpRamPath) {
-        std::cerr << "vesk: no --dpram, so a virtual module in this process serves"
-                  << (flash.database.Complete() ? ", with the plant of the examples" : "") << std::endl;
-        return InProcessLink(std::move(flash));
+    if (UseVirtual()) {
+        if (!_virtual)
+            std::cerr << "vesk: no --dpram, so a virtual module in this process serves"
+                      << (flash.database.Complete() ? ", with the plant of the examples" : "") << std::endl;
+        Link link = InProcessLink(std::move(flash));
+        opened = link.description;
+        return link;
     }
-    if (!_linesPath && !_gpio)
-        throw CLI::RequiresError("--dpram", "--lines or --gpio");
-    CheckThere(*_dpRamPath, _linesPath ? START_MODULE : "Check the name of the device and its driver");
-    Link link = TakeLines();
-    link.description = "module at " + *_dpRamPath;
-    link.dpRamPath = *_dpRamPath;
-    link.offset = _offset;
+    const Place& lines = Lines();
+    const bool file = &lines == &_lines;
+    const auto offset = _offset.text ? ParseNumber(_offset.Name(), *_offset.text, 0,
+                                                   static_cast<unsigned int>(std::numeric_limits<int>::max()))
+                                     : 0;
+    const Gpio gpio = file ? Gpio() : ParseGpio(_gpio.Name(), *_gpio.text);
+    CheckThere(*_dpRam.text, file ? "`vesk module` with this DPRAM" : "device of that name");
+    Link link = file ? FileLink(*_lines.text) : GpioLink(gpio);
+    link.description = opened = "module at " + *_dpRam.text;
+    link.dpRamPath = *_dpRam.text;
+    link.offset = static_cast<int>(offset);
     return link;
 }
 
-Link LinkOptions::TakeLines() const {
-    try {
-        return _linesPath ? FileLink(*_linesPath) : GpioLink(*_gpio);
-    } catch (const InUse& inUse) {
-        throw Failure(inUse.what(),
-                      "A module has one host at a time: end that one first. `vesk dump --dpram` "
-                      "shows the DPRAM without disturbing it.");
-    }
-}
-
-LinkOptions::Gpio LinkOptions::ParseGpio(const std::string& text) {
+LinkOptions::Gpio LinkOptions::ParseGpio(const std::string& name, const std::string& text) {
     const auto colon = text.rfind(':');
     const auto malformed = [&] {
-        return CLI::ValidationError("--gpio", text + " is not CHIP:irq=N,reset=N,boot=N");
+        return CLI::ValidationError(name, text + " is not CHIP:irq=N,reset=N,boot=N");
     };
     if (colon == std::string::npos || colon == 0)
         throw malformed();
@@ -114,7 +150,7 @@ LinkOptions::Gpio LinkOptions::ParseGpio(const std::string& text) {
         if (equals == std::string::npos || (role != "irq" && role != "reset" && role != "boot") ||
             numbers.count(role) != 0)
             throw malformed();
-        numbers[role] = ParseNumber("--gpio " + role, part.substr(equals + 1), 0, HIGHEST_GPIO_LINE);
+        numbers[role] = ParseNumber(name + " " + role, part.substr(equals + 1), 0, HIGHEST_GPIO_LINE);
     }
     if (numbers.size() != 3)
         throw malformed();
@@ -127,7 +163,7 @@ Link LinkOptions::GpioLink(const Gpio& gpio) {
 }
 #else
 Link LinkOptions::GpioLink(const Gpio&) {
-    throw Failure("this vesk was built without libgpiod, which --gpio needs", "Build it with libgpiod 1.x");
+    throw Failure("this vesk was built without libgpiod, which --gpio needs");
 }
 #endif
 

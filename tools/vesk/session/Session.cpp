@@ -1,10 +1,12 @@
 // SPDX-License-Identifier: MIT
 #include "tools/vesk/session/Session.h"
 
+#include "tools/vesk/session/Dumps.h"
 #include "tools/vesk/text/Interruption.h"
 #include "tools/vesk/text/Text.h"
 #include "vesk/modules/dpvm/CreateHostInterface.h"
 #include "vesk/modules/dpvm/DPVMMessages.h"
+#include "vesk/modules/dpvm/Vt22FatalEventException.h"
 
 #include <algorithm>
 #include <chrono>
@@ -29,19 +31,31 @@ static constexpr int REASON_WORD = 7;
 static constexpr unsigned short NO_DATABASE = 1;
 
 Refusal::Refusal(const std::string& what, ErrorCode& error)
-    : Failure("The module refused " + what + ": " + error.Name.Value() + " (" + Hex(error.Id) + ")"),
-      _code(error.Id) {}
+    : Refusal("The module refused " + what + ": " + error.Name.Value() + " (" + Hex(error.Id) + ")",
+              error.Id) {}
+
+Refusal::Refusal(const std::string& whole, unsigned char code)
+    : Failure(whole, "Refusal", whole), _code(code) {}
 
 Session::Session(const Link& link, std::shared_ptr<Config::IBusConfig> config)
-    : _hasConfig(config != nullptr) {
-    const auto reports = _reports;
+    : _link(link), _config(std::move(config)) {
+    Restart();
+}
+
+void Session::Restart() {
+    _module.reset(); // its end would reset the next one's module
+    Dumps::KeepNone();
+    _settled = false;
+    _steps.clear();
+    _start = DateTime::Now();
+    const auto reports = _reports = std::make_shared<Reports>();
     _module = Vt22Module::Create(
-        CreateHostInterface(link.dpRamPath, link.offset, link.velmoIrq_n, link.reset_n,
-                            link.bootloader_enable_n),
+        CreateHostInterface(_link.dpRamPath, _link.offset, _link.velmoIrq_n, _link.reset_n,
+                            _link.bootloader_enable_n),
         System::Func<void>::Create([reports] { reports->online = false; }),
         System::Func<void>::Create([reports] { reports->online = true; }),
         System::ArgFunc<OperationMode, void>::Create([reports](OperationMode mode) { reports->mode = mode; }),
-        std::move(config));
+        _config);
     NoteState();
 }
 
@@ -77,7 +91,7 @@ void Session::Reach(Need need) {
     UpdateUntil([this] { return _module->Booted(); }, "BOOTED");
     if (need == Need::BOOTED)
         return;
-    if (_hasConfig)
+    if (_config)
         UpdateUntil([this] { return _module->Configured(); }, "DOWNLOAD_COMPLETE");
     if (need == Need::CONFIGURED)
         return;
@@ -88,9 +102,8 @@ void Session::Reach(Need need) {
 
 void Session::Initialise() {
     if (_module->State() < State::INITIALIZING) {
-        if (!_hasConfig && !AskForDatabase())
-            throw Failure("The module holds no database, so it cannot go onto a bus",
-                          "Download one: vesk download CONFIG.ddb");
+        if (!_config && !AskForDatabase())
+            throw Failure("The module holds no database, so it cannot go onto a bus");
         _module->BeginInitialization();
     }
     UpdateUntil([this] { return _module->Initialized(); }, "INITIALIZED");
@@ -116,11 +129,20 @@ void Session::Update() {
     StopIfSignalled([this] {
         return "in the state " + Vt22Module::StateToString(_module->State()).Value() + END_OF_LIFE;
     });
-    _module->Update();
+    try {
+        _module->Update();
+    } catch (const Vt22FatalEventException&) {
+        Dumps::Keep();
+        throw;
+    }
     NoteState();
+    Pause(std::chrono::microseconds(20));
+}
+
+void Session::Pause(std::chrono::microseconds rest) {
     if (_updateObserver)
         _updateObserver();
-    std::this_thread::sleep_for(std::chrono::microseconds(20));
+    std::this_thread::sleep_for(rest);
 }
 
 void Session::NoteState() {
@@ -136,9 +158,16 @@ void Session::UpdateUntil(const std::function<bool()>& reached, const std::strin
     const DateTime start = DateTime::Now();
     while (!reached()) {
         if (SecondsSince(start) > TIMEOUT_SECONDS)
-            throw Failure("Timeout waiting for " + what, "See what is not right: vesk status");
+            throw Failure("Timeout waiting for " + what);
         StopIfSignalled([&] { return "while waiting for " + what + END_OF_LIFE; });
         Update();
+    }
+}
+
+void Session::Rest(double seconds) {
+    for (const DateTime start = DateTime::Now(); SecondsSince(start) < seconds;) {
+        StopIfSignalled([] { return std::string("between two lives of the module") + END_OF_LIFE; });
+        Pause(std::chrono::milliseconds(1));
     }
 }
 

@@ -6,6 +6,7 @@
 #include "vesk/modules/dpvm/Vt22Module.h"
 #include "vesk/system/DateTime.h"
 
+#include <chrono>
 #include <functional>
 #include <optional>
 #include <string>
@@ -28,11 +29,14 @@ enum class Need {
 /// A request that the module answered with an error.
 class Refusal : public Failure {
 public:
+    /// `what` was refused: "the read of record 0/1 of slave 5".
     Refusal(const std::string& what, Vesk::Mailbox::ErrorCode& error);
 
     unsigned char Code() const { return _code; }
 
 private:
+    Refusal(const std::string& whole, unsigned char code);
+
     unsigned char _code;
 };
 
@@ -57,6 +61,9 @@ public:
     /// through.
     Session(const Link& link, std::shared_ptr<Vesk::Modules::DPVM::Config::IBusConfig> config);
 
+    /// Begins another life: the module object goes, and a new one resets the module.
+    void Restart();
+
     Vesk::Modules::DPVM::Vt22Module& Module() { return *_module; }
 
     /// The versions of the module's programs, "1.4.2" and "2.1", once it has booted.
@@ -66,7 +73,7 @@ public:
     /// Called with each state that is reached, the first one included.
     void OnState(std::function<void(const Step&)> observer);
 
-    /// Called after each Update.
+    /// Called after each Update, and now and then while the session rests.
     void OnUpdate(std::function<void()> observer) { _updateObserver = std::move(observer); }
 
     /// Goes on until the module is as far as that; returns at once where it is already. Failure where the
@@ -80,6 +87,9 @@ public:
     /// Updates until `reached` says so; Failure "Timeout waiting for `what`" after 15 s, which is longer than
     /// any time-out of the library.
     void UpdateUntil(const std::function<bool()>& reached, const std::string& what);
+
+    /// Does nothing for that long.
+    void Rest(double seconds);
 
     /// Updates for that long, or until `reached` says so.
     void UpdateFor(double seconds, const std::function<bool()>& reached);
@@ -115,14 +125,16 @@ private:
     };
 
     void NoteState();
+    void Pause(std::chrono::microseconds rest);
     void Initialise();
     void Operate();
     bool AllExchange();
 
+    Link _link;
+    std::shared_ptr<Vesk::Modules::DPVM::Config::IBusConfig> _config;
     System::DateTime _start = System::DateTime::Now();
-    std::shared_ptr<Reports> _reports = std::make_shared<Reports>();
+    std::shared_ptr<Reports> _reports;
     std::shared_ptr<Vesk::Modules::DPVM::Vt22Module> _module;
-    bool _hasConfig;
     bool _settled = false; // the slaves had their time
     std::vector<Step> _steps;
     std::function<void(const Step&)> _stateObserver;

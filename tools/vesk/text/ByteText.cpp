@@ -27,6 +27,30 @@ std::string Printable(std::string_view text) {
     return printable;
 }
 
+/// The bytes of the character at the start of `text`, or 0 where it has to be escaped.
+static std::size_t HarmlessCharacter(std::string_view text) {
+    const auto byte = [text](std::size_t at) { return static_cast<unsigned char>(text[at]); };
+    if (byte(0) < 0x80)
+        return byte(0) >= ' ' && byte(0) != 0x7F ? 1 : 0;
+    const std::size_t size = byte(0) >= 0xF0 ? 4 : byte(0) >= 0xE0 ? 3 : 2;
+    if (byte(0) < 0xC2 || byte(0) > 0xF4 || text.size() < size)
+        return 0;
+    for (std::size_t at = 1; at < size; ++at)
+        if ((byte(at) & 0xC0) != 0x80)
+            return 0;
+    return byte(0) == 0xC2 && byte(1) < 0xA0 ? 0 : size; // these too are control characters
+}
+
+std::string Harmless(std::string_view text) {
+    std::string harmless;
+    while (!text.empty()) {
+        const std::size_t size = HarmlessCharacter(text);
+        harmless += size > 0 ? std::string(text.substr(0, size)) : Printable(text.substr(0, 1));
+        text.remove_prefix(std::max<std::size_t>(size, 1));
+    }
+    return harmless;
+}
+
 std::string HexDigits(std::span<const unsigned char> bytes) {
     std::string text;
     for (const unsigned char byte : bytes)

@@ -9,11 +9,16 @@
 /// What the commands have in common on the command line.
 namespace VeskTool {
 
-/// The exit statuses of every command.
+/// The exit statuses of every command but `config diff`.
 inline constexpr int DONE = 0;
 inline constexpr int FAILED = 1; // the module or a file said no
 inline constexpr int USAGE = 2;
+inline constexpr int NEGATIVE = 3; // it was done, and the answer is no: different, not right, not got there
 inline constexpr int SIGNALLED = 128; // and the signal's number
+
+/// Those of `config diff`, which are diff's; beside them stands DONE.
+inline constexpr int DIFF_DIFFERENT = 1;
+inline constexpr int DIFF_FAILED = 2;
 
 /// What a command does once it was chosen; its exit status. A function `Add…` gives a command its arguments
 /// and options, and returns what it does with them.

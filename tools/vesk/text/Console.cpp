@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "tools/vesk/text/Console.h"
 
+#include "tools/vesk/text/Failure.h"
 #include "tools/vesk/text/Interruption.h"
 
 #include <cstdlib>
@@ -27,14 +28,22 @@ Console Console::Standard() {
     return {std::cout, std::cerr, std::cin, asks, Draws(), Columns};
 }
 
-bool Console::Confirm(const std::string& question) const {
+void Console::NeedAnswer(bool yes) const {
+    if (!yes && !asks)
+        throw Failure("There is no terminal to ask at; give --yes to write without being asked");
+}
+
+void Console::Confirm(bool yes, const std::string& question) const {
+    if (yes)
+        return;
     err << question << " [y/N] " << std::flush;
     if (asks)
         WaitForInput();
     StopIfSignalled([] { return "at the question; nothing was changed"; });
     std::string answer;
     std::getline(in, answer);
-    return !answer.empty() && (answer.front() == 'y' || answer.front() == 'Y');
+    if (answer.empty() || (answer.front() != 'y' && answer.front() != 'Y'))
+        throw Failure("Nothing was written");
 }
 
 } // namespace VeskTool

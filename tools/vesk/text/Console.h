@@ -21,8 +21,11 @@ struct Console {
     /// The program's own standard streams.
     static Console Standard();
 
-    /// Asks and returns whether the answer begins with "y". Interrupted where a signal ends the wait for it.
-    bool Confirm(const std::string& question) const;
+    /// Failure unless a question can be asked, or `yes` makes it needless.
+    void NeedAnswer(bool yes) const;
+    /// Asks, unless `yes` makes it needless; Failure when the answer does not begin with "y",
+    /// Interrupted where a signal ends the wait for it.
+    void Confirm(bool yes, const std::string& question) const;
 };
 
 } // namespace VeskTool

@@ -8,21 +8,23 @@
 
 namespace VeskTool {
 
-/// A failure that the command itself found, in words for people.
+/// A failure that the command itself found, in words for people. What to do about it, the table of failures
+/// says.
 class Failure : public std::runtime_error {
 public:
-    /// `hint`: what to do about it, a sentence; or nothing. `type`: that of the library's exception behind
-    /// it, where there is one.
-    explicit Failure(const std::string& what, std::string hint = "", std::string type = "Failure")
-        : std::runtime_error(what), _hint(std::move(hint)), _type(std::move(type)) {}
+    explicit Failure(const std::string& what) : Failure(what, "Failure", what) {}
 
-    const std::string& Hint() const { return _hint; }
+    /// One for which the table has the row of that exception type and message.
+    Failure(const std::string& what, std::string type, std::string message)
+        : std::runtime_error(what), _type(std::move(type)), _message(std::move(message)) {}
 
     const std::string& Type() const { return _type; }
 
+    const std::string& Message() const { return _message; }
+
 private:
-    std::string _hint;
     std::string _type;
+    std::string _message;
 };
 
 /// The exception's type and message in one line: line breaks become "; ".

@@ -39,6 +39,9 @@ std::vector<unsigned char> ParseHex(const std::string& name, const std::string& 
     std::vector<unsigned char> bytes;
     for (std::size_t i = text.find_first_not_of(' '); i < text.size();
          i = text.find_first_not_of(' ', i + 2)) {
+        const bool first = i == 0 || text[i - 1] == ' ';
+        if (first && (text.compare(i, 2, "0x") == 0 || text.compare(i, 2, "0X") == 0))
+            continue;
         if (i + 1 == text.size() || text[i + 1] == ' ')
             throw CLI::ValidationError(name,
                                        "\"" + Printable(text) + "\" has half a byte; each has two digits");

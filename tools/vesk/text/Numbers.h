@@ -18,7 +18,8 @@ inline constexpr unsigned int MAX_RECORD_SIZE = 240;
 unsigned int ParseNumber(const std::string& name, const std::string& text, unsigned int least,
                          unsigned int most);
 
-/// Bytes as hexadecimal digits, two for each, with blanks between bytes or without; CLI::ValidationError,
+/// Bytes as hexadecimal digits, two for each, with blanks between bytes or without, and with or without 0x
+/// before the first and behind blanks; CLI::ValidationError,
 /// which names the argument `name` and what is wrong, for anything else.
 std::vector<unsigned char> ParseHex(const std::string& name, const std::string& text);
 

@@ -11,6 +11,10 @@ std::string Hex(unsigned int value) {
     return "0x" + System::Convert::ToString(value, 16).Value();
 }
 
+std::string ByteText(unsigned char byte) {
+    return "0x" + System::Convert::ToString(static_cast<unsigned int>(byte), 16).PadLeft(2, '0').Value();
+}
+
 std::string HexBytes(System::IArray<unsigned char>& bytes) {
     std::string text;
     for (int i = 0; i < bytes.Count(); ++i)

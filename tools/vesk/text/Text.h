@@ -12,6 +12,8 @@ namespace VeskTool {
 
 /// "0x" and the value.
 std::string Hex(unsigned int value);
+/// The same with two digits at least.
+std::string ByteText(unsigned char byte);
 /// The bytes as pairs of digits with blanks between; "-" for none.
 std::string HexBytes(System::IArray<unsigned char>& bytes);
 /// A configuration's checksum as it stands in a database's description: eight digits.

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 // The verbs that change something on the bus: start, stop, mode and set-address.
+#include "tools/vesk/explain/SlaveState.h"
 #include "tools/vesk/session/StationLists.h"
+#include "tools/vesk/text/Console.h"
 #include "tools/vesk/text/Numbers.h"
 #include "tools/vesk/text/Text.h"
 #include "tools/vesk/verbs/Stations.h"
@@ -28,14 +30,19 @@ void CheckConfigured(const Json& addresses, const std::vector<int>& configured) 
     for (const Json& address : addresses)
         if (std::find(configured.begin(), configured.end(), address.get<int>()) == configured.end())
             throw Failure("Slave " + address.dump() + " is not in the module's database, which has " +
-                              Addresses(configured),
-                          "See the slaves: vesk slaves");
+                          Addresses(configured));
 }
 
 Json SetStarted(Session& session, const Json& arguments, bool started) {
     Vt22Module& module = session.Module();
     const Json& addresses = arguments["addresses"];
     CheckConfigured(addresses, ListedStations(*module.GetSlaveConfiguredList()));
+    const auto exchanges = [&](const Json& address) {
+        return Lists(ListedStations(*module.GetDataTransferList()), address.get<unsigned int>());
+    };
+    Json slaves = Json::array();
+    for (const Json& address : addresses)
+        slaves.push_back({{"address", address}, {"before", exchanges(address)}});
     const auto flags = System::Array<unsigned char>::Create(HIGHEST_SLAVE + 1);
     for (const Json& address : addresses)
         flags->Set(address.get<int>(), 1);
@@ -44,18 +51,18 @@ Json SetStarted(Session& session, const Json& arguments, bool started) {
             started ? module.StartSlaves(flags, action) : module.StopSlaves(flags, action);
         },
         started ? "the start of slaves" : "the stop of slaves");
-    const auto exchanges = [&](const Json& address) {
-        return Lists(ListedStations(*module.GetDataTransferList()), address.get<unsigned int>());
-    };
     const auto reached = [&] {
         return std::all_of(addresses.begin(), addresses.end(),
                            [&](const Json& address) { return exchanges(address) == started; });
     };
     session.UpdateFor(CHANGE_SECONDS, reached);
-    Json slaves = Json::array();
-    for (const Json& address : addresses)
-        slaves.push_back({{"address", address}, {"dataTransfer", exchanges(address)}});
-    return {{"ok", reached()}, {"slaves", slaves}};
+    for (Json& slave : slaves) {
+        const bool now = exchanges(slave["address"]);
+        const std::string wrong = started && !now ? WhatIsWrong(session, slave["address"]) : "";
+        slave["dataTransfer"] = now;
+        slave["cause"] = wrong.empty() ? Json() : Json(wrong);
+    }
+    return {{"ok", reached()}, {"started", started}, {"slaves", slaves}};
 }
 
 Json AnswerStart(Session& session, const Json& arguments) {
@@ -66,11 +73,22 @@ Json AnswerStop(Session& session, const Json& arguments) {
     return SetStarted(session, arguments, false);
 }
 
-std::string StartedText(const Json& facts, const Paint&) {
+std::string StartedText(const Json& facts, const Paint& paint) {
+    const bool started = facts["started"];
     std::string text;
-    for (const Json& slave : facts["slaves"])
-        text += "Slave " + slave["address"].dump() +
-                (slave["dataTransfer"] ? " exchanges data\n" : " does not exchange data\n");
+    for (const Json& slave : facts["slaves"]) {
+        const bool now = slave["dataTransfer"];
+        const std::string name = "Slave " + slave["address"].dump();
+        if (now == started)
+            text += name + (started           ? " exchanges data"
+                            : slave["before"] ? " is stopped and exchanges no data any more"
+                                              : " is stopped; it exchanged no data before either");
+        else
+            text += paint.Bad(started ? name + " was started, but does not exchange data: " +
+                                            slave["cause"].get<std::string>()
+                                      : name + " was stopped, but still exchanges data");
+        text += "\n";
+    }
     return text;
 }
 
@@ -160,16 +178,29 @@ Action AddMode(CLI::App& app) {
 }
 
 Action AddSetAddress(CLI::App& app) {
-    static constexpr Verb SET_ADDRESS{Need::INITIALISED, AnswerSetAddress, SetAddressText};
+    static constexpr Verb SET_ADDRESS{Need::INITIALISED, AnswerSetAddress, SetAddressText, true};
     const auto command = std::make_shared<VerbCommand>(app, SET_ADDRESS);
     command->AddNumber("OLD", "old", 0, HIGHEST_ADDRESS, "Address of the slave, 0 to 126")->required();
     command->AddNumber("NEW", "new", 0, HIGHEST_SLAVE, "Its new address, 0 to 125")->required();
     command->AddNumber("IDENT", "identNumber", 0, 0xFFFF, "Its ident number, 0 to 0xffff")->required();
-    command->arguments["lock"] = false;
-    app.add_flag_callback(
-        "--lock", [self = command.get()] { self->arguments["lock"] = true; },
-        "The slave takes no other address after that, until it is reset to its delivery state");
-    return [command] { return command->Execute(); };
+    const auto lock = std::make_shared<bool>(false);
+    const auto yes = std::make_shared<bool>(false);
+    app.add_flag("--lock", *lock,
+                 "The slave takes no other address after that, until it is reset to its delivery state");
+    app.add_flag("--yes", *yes, "Do not ask before --lock; needed where there is no terminal");
+    return [command, lock, yes] {
+        Json& arguments = command->arguments;
+        if (arguments["old"] == arguments["new"])
+            throw CLI::ValidationError("NEW", arguments["new"].dump() + " is the slave's address already");
+        arguments["lock"] = *lock;
+        if (*lock) {
+            const Console console = Console::Standard();
+            console.NeedAnswer(*yes);
+            console.Confirm(*yes, "Let slave " + arguments["old"].dump() + " keep the address " +
+                                      arguments["new"].dump() + " for good?");
+        }
+        return command->Execute();
+    };
 }
 
 } // namespace VeskTool

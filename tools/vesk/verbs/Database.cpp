@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "tools/vesk/files/DatabaseFile.h"
+#include "tools/vesk/text/ByteText.h"
 #include "tools/vesk/text/Console.h"
 #include "tools/vesk/text/Elements.h"
 #include "tools/vesk/text/Interruption.h"
@@ -57,8 +58,8 @@ std::string DatabaseText(const Json& facts, const Paint&) {
         return "The module holds no database.\n";
     const Json& database = facts["database"];
     const auto number = [&database](const char* key) { return std::to_string(database[key].get<int>()); };
-    return "Database  " + database["description"].get<std::string>() + "\n" + //
-           "Slaves    " + number("slaves") + "\n" +                           //
+    return "Database  " + Printable(database["description"].get<std::string>()) + "\n" + //
+           "Slaves    " + number("slaves") + "\n" +                                      //
            "Input     " + number("inputLength") + " bytes in an area of " + number("inputAreaLength") +
            " (to the bus)\n" + //
            "Output    " + number("outputLength") + " bytes in an area of " + number("outputAreaLength") +
@@ -104,7 +105,7 @@ Json AnswerDownload(Session& session, const Json&) {
 std::string DownloadText(const Json& facts, const Paint&) {
     const Json& database = facts["database"];
     return (facts["downloaded"] ? "Downloaded: " : "Already there: ") +
-           database["description"].get<std::string>() + ", " + ContentText(database) + "\n";
+           Printable(database["description"].get<std::string>()) + ", " + ContentText(database) + "\n";
 }
 
 /// What a download is made of: bytes that each of its records has, in the order in which they are sent.
@@ -176,7 +177,7 @@ Action AddVerify(CLI::App& app) {
 }
 
 Action AddDownload(CLI::App& app) {
-    static constexpr Verb DOWNLOAD{Need::CONFIGURED, AnswerDownload, DownloadText};
+    static constexpr Verb DOWNLOAD{Need::CONFIGURED, AnswerDownload, DownloadText, true};
     const auto command = std::make_shared<VerbCommand>(app, DOWNLOAD);
     VerbCommand* const self = command.get();
     self->AddFile([self](const std::string& path) { self->config = LoadDatabaseFile(path); });

@@ -1,10 +1,12 @@
 // SPDX-License-Identifier: MIT
 // The verbs for acyclic records of slaves: read and write.
 #include "tools/vesk/files/FileBytes.h"
+#include "tools/vesk/session/StationLists.h"
 #include "tools/vesk/text/ByteText.h"
 #include "tools/vesk/text/Elements.h"
 #include "tools/vesk/text/Numbers.h"
 #include "tools/vesk/text/Text.h"
+#include "tools/vesk/verbs/Stations.h"
 #include "tools/vesk/verbs/Verb.h"
 #include "tools/vesk/verbs/Verbs.h"
 
@@ -35,6 +37,20 @@ void Abort(Session& session, const Place& place) {
                 "the abort of the connection to slave " + std::to_string(place.address));
 }
 
+/// Asks for it; a refusal says whether the slave is there, for then it is the record that is not.
+Session::Response AskForRecord(Session& session, const Place& place, const Session::Service& transfer,
+                               const std::string& what) {
+    using Vesk::Mailbox::ErrorCode;
+    const auto answer = session.TryAsk(transfer, what);
+    const auto error = answer->Error();
+    if (error == ErrorCode::NO_ERROR)
+        return answer;
+    const bool ofTheSlave = error == ErrorCode::ADDRESS || error == ErrorCode::RESPONSE;
+    const bool there =
+        ofTheSlave && Lists(ListedStations(*session.Module().GetDataTransferList()), place.address);
+    throw Refusal(what + (there ? ", which exchanges data" : ""), *error);
+}
+
 /// Asks for `transfer` on a Class 2 connection of its own.
 Session::Response AskClass2(Session& session, const Place& place, const Session::Service& transfer,
                             const std::string& what) {
@@ -42,7 +58,7 @@ Session::Response AskClass2(Session& session, const Place& place, const Session:
                 "the connection to slave " + std::to_string(place.address));
     Session::Response answer;
     try {
-        answer = session.Ask(transfer, what);
+        answer = AskForRecord(session, place, transfer, what);
     } catch (const Refusal&) {
         try {
             Abort(session, place);
@@ -59,7 +75,7 @@ Session::Response Transfer(Session& session, const Json& arguments, const Sessio
                            const Session::Service& class2, const std::string& what) {
     const Place place(arguments);
     return arguments["class"] == 2 ? AskClass2(session, place, class2, what + place.Text())
-                                   : session.Ask(class1, what + place.Text());
+                                   : AskForRecord(session, place, class1, what + place.Text());
 }
 
 Json RecordToJson(const Json& arguments, const Bytes& bytes) {
@@ -117,12 +133,14 @@ void AddPlace(VerbCommand& command) {
 
 void CheckLength(const std::string& name, std::int64_t length) {
     if (length < 1 || length > MAX_RECORD_SIZE)
-        throw CLI::ValidationError(name, std::to_string(length) + " bytes are not a length from 1 to " +
-                                             std::to_string(MAX_RECORD_SIZE));
+        throw CLI::ValidationError(
+            name, (length > MAX_RECORD_SIZE ? "more than " + std::to_string(MAX_RECORD_SIZE)
+                                            : std::to_string(length)) +
+                      " bytes are not a length from 1 to " + std::to_string(MAX_RECORD_SIZE));
 }
 
 Bytes Content(const std::string& path) {
-    return ReadFile(path, [](std::int64_t length) { CheckLength("--file", length); });
+    return ReadFile(path, MAX_RECORD_SIZE);
 }
 
 } // namespace
@@ -137,7 +155,7 @@ Action AddRead(CLI::App& app) {
 }
 
 Action AddWrite(CLI::App& app) {
-    static constexpr Verb WRITE{Need::OPERATING, AnswerWrite, WriteText};
+    static constexpr Verb WRITE{Need::OPERATING, AnswerWrite, WriteText, true};
     const auto command = std::make_shared<VerbCommand>(app, WRITE);
     AddPlace(*command);
     CLI::Option_group* const data = app.add_option_group("data", "What to write, 1 to 240 bytes");
@@ -152,7 +170,7 @@ Action AddWrite(CLI::App& app) {
     };
     add(
         "DATA", "", [](const std::string& text) { return ParseHex("DATA", text); },
-        "Hexadecimal digits, two for each byte; blanks between bytes are allowed");
+        "Hexadecimal digits, two for each byte, 0x before them or not; blanks between bytes are allowed");
     add(
         "--text", "TEXT", [](const std::string& text) { return Bytes(text.begin(), text.end()); },
         "The text's own bytes");

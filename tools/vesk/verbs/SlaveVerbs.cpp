@@ -1,10 +1,10 @@
 // SPDX-License-Identifier: MIT
 // The verbs that ask for one thing of one slave: diag, slave-config, input and output.
+#include "tools/vesk/explain/Diagnosis.h"
 #include "tools/vesk/text/ByteText.h"
 #include "tools/vesk/text/Elements.h"
 #include "tools/vesk/text/Numbers.h"
 #include "tools/vesk/text/Text.h"
-#include "tools/vesk/verbs/Diagnosis.h"
 #include "tools/vesk/verbs/Verb.h"
 #include "tools/vesk/verbs/Verbs.h"
 

@@ -1,11 +1,11 @@
 // SPDX-License-Identifier: MIT
+#include "tools/vesk/explain/Diagnosis.h"
 #include "tools/vesk/files/ConfigJson.h"
 #include "tools/vesk/files/DatabaseFile.h"
 #include "tools/vesk/text/ByteText.h"
 #include "tools/vesk/text/Elements.h"
 #include "tools/vesk/text/Numbers.h"
 #include "tools/vesk/text/Text.h"
-#include "tools/vesk/verbs/Diagnosis.h"
 #include "tools/vesk/verbs/Stations.h"
 #include "tools/vesk/verbs/Verbs.h"
 

@@ -2,11 +2,14 @@
 #include "tools/vesk/verbs/StartUp.h"
 
 #include "tools/vesk/explain/Advice.h"
+#include "tools/vesk/explain/SlaveState.h"
+#include "tools/vesk/session/Dumps.h"
+#include "tools/vesk/text/ByteText.h"
 #include "tools/vesk/text/Elements.h"
 #include "tools/vesk/text/Text.h"
-#include "tools/vesk/verbs/Diagnosis.h"
 #include "tools/vesk/verbs/Stations.h"
 
+#include <algorithm>
 #include <array>
 #include <cctype>
 #include <span>
@@ -50,7 +53,7 @@ private:
     std::string OperationMode();
     std::string Slaves();
 
-    Json SlaveToJson(unsigned int address, const Json& lists, const Json& liveList);
+    Json SlaveToJson(unsigned int address, const Json& lists);
     void Examine(const Step& step);
     void Fail(const Step& step, const Problem& problem);
     void End(const Step& step, const std::exception& exception);
@@ -116,14 +119,33 @@ void Examination::Examine(const Step& step) {
 void Examination::End(const Step& step, const std::exception& exception) {
     const Advice advice = AdviceFor(exception);
     _alive = false;
-    const std::string line = OneLine(exception);
+    const std::string line = Told(exception);
     Fail(step, {line.substr(0, line.find("; ")), advice.cause, advice.next});
+    if (const Json event = FatalEventOf(exception); !event.is_null()) {
+        _problem["fatalEvent"] = event;
+        _problem["dump"] = Dumps::Path();
+    }
+}
+
+/// The sentences that do not send to where the reader is.
+std::string WithoutStatus(const std::string& sentences) {
+    std::string kept;
+    for (std::size_t start = 0; start < sentences.size();) {
+        const std::size_t end = std::min(sentences.find(". ", start), sentences.size() - 1) + 1;
+        const std::string sentence = sentences.substr(start, end - start);
+        if (sentence.find("vesk status") == std::string::npos)
+            kept += (kept.empty() ? "" : " ") + sentence;
+        start = end + 1;
+    }
+    return kept;
 }
 
 void Examination::Fail(const Step& step, const Problem& problem) {
     _steps.push_back({{"name", step.name}, {"state", "wrong"}, {"detail", problem.what}});
-    _problem = {
-        {"step", step.name}, {"what", problem.what}, {"cause", problem.cause}, {"next", problem.next}};
+    _problem = {{"step", step.name},
+                {"what", problem.what},
+                {"cause", problem.cause},
+                {"next", WithoutStatus(problem.next)}};
 }
 
 // ---- the steps
@@ -138,7 +160,7 @@ std::string Examination::DatabaseMatches() {
     if (!info)
         throw Problem{"The module holds no database", "Nothing was downloaded, or a download was not ended",
                       "vesk download CONFIG.ddb"};
-    const std::string description = info->Description.Value();
+    const std::string description = Printable(info->Description.Value());
     const std::string expected = _arguments.value("checksum", description);
     if (expected != description)
         throw Problem{"The module holds the database " + description + " instead of " + expected,
@@ -175,39 +197,19 @@ std::string Examination::OperationMode() {
     return "OPERATE";
 }
 
-/// What is wrong with a slave that should exchange data, most of it from its diagnosis.
-std::string CauseOf(bool answers, bool exchanges, const Diagnosis& diagnosis) {
-    if (exchanges)
-        return diagnosis.IsSet("extendedDiagnostics") ? "it reports a fault of its own"
-                                                      : "it reports a diagnosis";
-    if (!answers || diagnosis.IsSet("stationNonExistent"))
-        return "it does not answer on the bus: no supply, another address, or the cable";
-    const std::string cause = diagnosis.Cause();
-    return cause.empty() ? "its diagnosis does not say why" : cause;
-}
-
-Json Examination::SlaveToJson(unsigned int address, const Json& lists, const Json& liveList) {
-    const bool exchanges = Lists(lists["dataTransfer"], address);
-    const bool diagnostic = Lists(lists["diagnostic"], address);
-    Json slave{{"address", address},
-               {"configured", true},
-               {"dataTransfer", exchanges},
-               {"diagnostic", diagnostic},
-               {"cause", nullptr}};
-    if (exchanges && !diagnostic)
-        return slave;
-    const auto answer = _session.TryAsk(_session.About(address, &IDPVMModule::GetSlaveDiag),
-                                        "the diagnosis of slave " + std::to_string(address));
-    const Diagnosis diagnosis(Elements(*answer->Data()));
-    slave["cause"] = CauseOf(Lives(liveList, address), exchanges, diagnosis);
-    return slave;
+Json Examination::SlaveToJson(unsigned int address, const Json& lists) {
+    const std::string wrong = WhatIsWrong(_session, address);
+    return {{"address", address},
+            {"configured", true},
+            {"dataTransfer", Lists(lists["dataTransfer"], address)},
+            {"diagnostic", Lists(lists["diagnostic"], address)},
+            {"cause", wrong.empty() ? Json() : Json(wrong)}};
 }
 
 std::string Examination::Slaves() {
     const Json lists = StationListsToJson(_session);
-    const Json liveList = AskForLiveList(_session);
     for (const Json& address : lists["configured"])
-        _slaves.push_back(SlaveToJson(address, lists, liveList));
+        _slaves.push_back(SlaveToJson(address, lists));
     for (const Json& slave : _slaves)
         if (!slave["cause"].is_null())
             throw Problem{"Slave " + slave["address"].dump() +
@@ -259,22 +261,28 @@ std::string StartUpText(const Json& facts, const Paint& paint) {
     const std::string next = problem["next"];
     text += cause.empty() ? "" : "Cause: " + Sentence(cause) + (cause.back() == '.' ? "\n" : ".\n");
     text += next.empty() ? "" : "Next:  " + next + "\n";
+    if (problem.contains("fatalEvent"))
+        text += "Event: " + FatalEventText(problem["fatalEvent"]) + "\n" +
+                "Dump:  " + problem["dump"].get<std::string>() + "\n";
     return text;
 }
 
-Json WatchStartUp(Session& session, const Json& arguments, double seconds,
+void WatchStartUp(Session& session, const Json& arguments, double seconds,
                   const std::function<void(const Json& facts)>& show) {
     while (true) {
         const Json facts = ExamineStartUp(session, arguments);
         show(facts);
-        if (!facts["alive"])
-            return facts;
+        bool goesOn = facts["alive"];
         try {
-            session.UpdateFor(seconds, [] { return false; });
+            if (goesOn)
+                session.UpdateFor(seconds, [] { return false; });
         } catch (const std::exception& exception) {
-            const Json end = Examination(session, arguments).ExamineEnd(exception);
-            show(end);
-            return end;
+            show(Examination(session, arguments).ExamineEnd(exception));
+            goesOn = false;
+        }
+        if (!goesOn) {
+            session.Rest(seconds);
+            session.Restart();
         }
     }
 }

@@ -5,6 +5,7 @@
 #include "tools/vesk/verbs/StartUp.h"
 #include "tools/vesk/verbs/Verbs.h"
 
+#include <ctime>
 #include <iostream>
 
 namespace VeskTool {
@@ -18,17 +19,26 @@ static Json AnswerStatus(Session& session, const Json& arguments) {
 // Examining takes the session as far as the module lets it; it needs nothing.
 static constexpr Verb STATUS{Need::NOTHING, AnswerStatus, StartUpText};
 
+static std::string Now(const char* format, std::tm* (*zone)(const std::time_t*)) {
+    const std::time_t now = std::time(nullptr);
+    char text[64];
+    return {text, std::strftime(text, sizeof text, format, zone(&now))};
+}
+
 /// Shows the status each second: on a terminal over and over in the same place, otherwise one after the
 /// other, as JSON a line each.
-static int Watch(Session& session, const VerbCommand& command) {
+[[noreturn]] static int Watch(Session& session, const VerbCommand& command) {
     const bool redraw = Console::Standard().draws && !command.PrintsJson();
-    const auto show = [&](const Json& facts) {
+    const auto show = [&](Json facts) {
+        facts["link"] = LinkOptions::Opened();
+        facts["time"] = Now("%Y-%m-%dT%H:%M:%SZ", std::gmtime);
         std::cout << (redraw ? "\033[H\033[J" : "")
                   << (command.PrintsJson() ? facts.dump(-1, ' ', false, Json::error_handler_t::replace)
-                                           : StartUpText(facts, Paint::Standard()))
+                                           : Now("%Y-%m-%d %H:%M:%S\n", std::localtime) +
+                                                 StartUpText(facts, Paint::Standard()))
                   << std::endl;
     };
-    return StatusOf(WatchStartUp(session, command.arguments, WATCH_SECONDS, show));
+    WatchStartUp(session, command.arguments, WATCH_SECONDS, show);
 }
 
 Action AddStatus(CLI::App& app) {
@@ -36,7 +46,7 @@ Action AddStatus(CLI::App& app) {
     VerbCommand* const self = command.get();
     app.add_flag_callback(
         "--watch", [self] { self->run = [self](Session& session) { return Watch(session, *self); }; },
-        "Look again each second, until the program is interrupted");
+        "Look again each second until the program is interrupted, over the end of a module too");
     command->AddConfig("Configuration database file (.ddb) that the module should hold",
                        [self](const std::string& path) {
                            self->arguments["checksum"] = ChecksumText(LoadDatabaseFile(path)->Checksum());

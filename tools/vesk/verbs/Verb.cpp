@@ -18,11 +18,13 @@ Paint Paint::Standard() {
 
 Json Answer(const Verb& verb, Session& session, const Json& arguments) {
     session.Reach(verb.need);
-    return verb.answer(session, arguments);
+    Json facts = verb.answer(session, arguments);
+    facts["link"] = LinkOptions::Opened();
+    return facts;
 }
 
 int StatusOf(const Json& facts) {
-    return facts.value("ok", true) ? DONE : FAILED;
+    return facts.value("ok", true) ? DONE : NEGATIVE;
 }
 
 void Print(const Verb& verb, const Json& facts, bool json) {
@@ -31,7 +33,7 @@ void Print(const Verb& verb, const Json& facts, bool json) {
 
 VerbCommand::VerbCommand(CLI::App& command, const Verb& asked) : verb(&asked), _app(command) {
     run = [this](Session& session) { return Run(session); };
-    _link.AddTo(command);
+    _link.AddTo(command, asked.lasts ? LinkOptions::Unnamed::REFUSED : LinkOptions::Unnamed::VIRTUAL);
     AddJson(command, _json);
 }
 

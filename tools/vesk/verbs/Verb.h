@@ -40,9 +40,12 @@ struct Verb {
     Json (*answer)(Session& session, const Json& arguments);
     /// The same facts for people, ending with a line feed.
     std::string (*text)(const Json& facts, const Paint& paint);
+    /// Whether it changes something that outlasts the session; then the module has to be named.
+    bool lasts = false;
 };
 
-/// Answers `verb`. Failure and the library's exceptions pass through.
+/// Answers `verb`; the facts have a "link" too, which module it was. Failure and the library's exceptions
+/// pass through.
 Json Answer(const Verb& verb, Session& session, const Json& arguments);
 
 /// The exit status that goes with the facts.

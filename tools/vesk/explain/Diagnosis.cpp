@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "tools/vesk/verbs/Diagnosis.h"
+#include "tools/vesk/explain/Diagnosis.h"
 
 #include "tools/vesk/text/ByteText.h"
 #include "tools/vesk/text/Text.h"
@@ -17,40 +17,33 @@ namespace {
 constexpr std::size_t STANDARD_SIZE = 6;
 constexpr unsigned int NO_MASTER = 0xFF;
 
-struct StatusBit {
-    std::size_t byte;
-    unsigned int mask;
-    const char* name;
-    const char* meaning;
-    const char* cause; // of a slave that does not exchange data; null if it is none
-};
-
 // In the order in which a cause counts more than the next one.
 constexpr std::array BITS{
-    StatusBit{0, 0x01, "stationNonExistent", "does not answer on the bus",
-              "it does not answer on the bus: no supply, another address, or the cable"},
-    StatusBit{0, 0x80, "masterLock", "parameterised by another master",
-              "another master has parameterised it"},
-    StatusBit{0, 0x40, "parameterFault", "refused its parameters (ident number, length, content)",
-              "it refuses its parameters: the ident number or a parameter in the configuration is wrong"},
-    StatusBit{0, 0x04, "configurationFault", "has other modules than the configuration says",
-              "it has other modules than the configuration says"},
-    StatusBit{0, 0x20, "invalidSlaveResponse", "answered what made no sense",
-              "what it answered made no sense: look for a fault of the line or two slaves with one address"},
-    StatusBit{0, 0x10, "notSupported", "does not know a requested function",
-              "the configuration asks for a function that it does not have"},
-    StatusBit{1, 0x80, "deactivated", "taken out of the exchange by the master",
-              "the master has taken it out of the exchange"},
-    StatusBit{1, 0x02, "staticDiagnostics", "has nothing valid to send yet",
-              "it says that it has nothing valid to send"},
-    StatusBit{1, 0x01, "parameterRequest", "has to be parameterised anew",
-              "it waits to be parameterised by the master"},
-    StatusBit{0, 0x02, "stationNotReady", "not ready for the data exchange", "it is not ready yet"},
-    StatusBit{0, 0x08, "extendedDiagnostics", "the extended diagnosis says what is wrong", nullptr},
-    StatusBit{1, 0x08, "watchdogOn", "watches its master", nullptr},
-    StatusBit{1, 0x10, "freezeMode", "has its inputs frozen", nullptr},
-    StatusBit{1, 0x20, "syncMode", "has its outputs synchronised", nullptr},
-    StatusBit{2, 0x80, "extendedDiagnosticsOverflow", "has more to say than fits", nullptr}};
+    DiagnosisFlag{0, 0x01, "stationNonExistent", "does not answer on the bus",
+                  "it does not answer on the bus: no supply, another address, or the cable"},
+    DiagnosisFlag{0, 0x80, "masterLock", "parameterised by another master",
+                  "another master has parameterised it"},
+    DiagnosisFlag{0, 0x40, "parameterFault", "refused its parameters (ident number, length, content)",
+                  "it refuses its parameters: the ident number or a parameter in the configuration is wrong"},
+    DiagnosisFlag{0, 0x04, "configurationFault", "has other modules than the configuration says",
+                  "it has other modules than the configuration says"},
+    DiagnosisFlag{
+        0, 0x20, "invalidSlaveResponse", "answered what made no sense",
+        "what it answered made no sense: look for a fault of the line or two slaves with one address"},
+    DiagnosisFlag{0, 0x10, "notSupported", "does not know a requested function",
+                  "the configuration asks for a function that it does not have"},
+    DiagnosisFlag{1, 0x80, "deactivated", "taken out of the exchange by the master",
+                  "the master has taken it out of the exchange"},
+    DiagnosisFlag{1, 0x02, "staticDiagnostics", "has nothing valid to send yet",
+                  "it says that it has nothing valid to send"},
+    DiagnosisFlag{1, 0x01, "parameterRequest", "has to be parameterised anew",
+                  "it waits to be parameterised by the master"},
+    DiagnosisFlag{0, 0x02, "stationNotReady", "not ready for the data exchange", "it is not ready yet"},
+    DiagnosisFlag{0, 0x08, "extendedDiagnostics", "the extended diagnosis says what is wrong", nullptr},
+    DiagnosisFlag{1, 0x08, "watchdogOn", "watches its master", nullptr},
+    DiagnosisFlag{1, 0x10, "freezeMode", "has its inputs frozen", nullptr},
+    DiagnosisFlag{1, 0x20, "syncMode", "has its outputs synchronised", nullptr},
+    DiagnosisFlag{2, 0x80, "extendedDiagnosticsOverflow", "has more to say than fits", nullptr}};
 
 // ---- extended diagnosis
 
@@ -129,8 +122,12 @@ std::string BlockText(const Json& block) {
 
 } // namespace
 
+std::span<const DiagnosisFlag> DiagnosisFlags() {
+    return BITS;
+}
+
 Diagnosis::Diagnosis(ByteView bytes) : _bytes(bytes.begin(), bytes.end()) {
-    for (const StatusBit& bit : BITS)
+    for (const DiagnosisFlag& bit : BITS)
         if (bit.byte < bytes.size() && (bytes[bit.byte] & bit.mask) != 0)
             _set.emplace_back(bit.name);
     if (bytes.size() < STANDARD_SIZE)
@@ -156,7 +153,7 @@ bool Diagnosis::IsSet(const std::string& name) const {
 }
 
 std::string Diagnosis::Cause() const {
-    for (const StatusBit& bit : BITS)
+    for (const DiagnosisFlag& bit : BITS)
         if (bit.cause && IsSet(bit.name))
             return bit.cause;
     return "";
@@ -165,7 +162,7 @@ std::string Diagnosis::Cause() const {
 Json Diagnosis::ToJson() const {
     const bool whole = _bytes.size() >= STANDARD_SIZE;
     Json status;
-    for (const StatusBit& bit : BITS)
+    for (const DiagnosisFlag& bit : BITS)
         status[bit.name] = IsSet(bit.name);
     return {{"identNumber", whole ? Json(_identNumber) : Json()},
             {"masterAddress", whole && _bytes[3] != NO_MASTER ? Json(_bytes[3]) : Json()},
@@ -179,7 +176,7 @@ std::string Diagnosis::Text(const Json& json) {
     const Json& master = json["masterAddress"];
     std::string text = "Ident number  " + (ident.is_null() ? "-" : Hex(ident.get<unsigned int>())) + "\n" +
                        "Master        " + (master.is_null() ? "none" : master.dump()) + "\n";
-    for (const StatusBit& bit : BITS) {
+    for (const DiagnosisFlag& bit : BITS) {
         const bool set = json["status"][bit.name];
         text += set ? "  [x] " + Padded(bit.name, 29) + bit.meaning + "\n"
                     : std::string("  [ ] ") + bit.name + "\n";

@@ -42,6 +42,18 @@ private:
     nlohmann::ordered_json _blocks = nlohmann::ordered_json::array();
 };
 
+/// One bit of the three status bytes.
+struct DiagnosisFlag {
+    std::size_t byte;
+    unsigned int mask;
+    const char* name;
+    const char* meaning; // of a slave: "does not answer on the bus"
+    const char* cause;   // of a slave that does not exchange data; null if it is none
+};
+
+/// All of them, in the order in which a cause counts more than the next one.
+std::span<const DiagnosisFlag> DiagnosisFlags();
+
 /// The modules that a slave's configuration identifiers stand for. Lengths are bytes; "input" goes to the
 /// slave and "output" comes from it, as everywhere in this system and the other way round than in the
 /// standard.
