@@ -63,7 +63,7 @@ void Check(const TarnFile& firmware, Bytes input) {
     std::fill(std::find(input.begin(), descriptionEnd, 0), descriptionEnd, static_cast<unsigned char>(0));
     const Bytes written = Write(firmware);
     input.resize(std::min(input.size(), written.size())); // what follows the program is not the file's
-    Require(written == input, "what was read writes back to the same bytes", firmware.ToString().Value());
+    Require(written == input, "what was read writes back to the same bytes", firmware);
 
     Bytes joined;
     const auto segments = Vt22Bootloader::GetSegments(firmware.ProgramData);

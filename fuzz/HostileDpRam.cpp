@@ -92,7 +92,7 @@ void HostileDpRam::Read(int offset, const std::shared_ptr<System::IArray<unsigne
 }
 
 unsigned char HostileDpRam::ReadUInt8(int offset) {
-    Require(offset >= 0 && offset < SIZE, "accesses stay inside the DPRAM", std::to_string(offset));
+    Require(offset >= 0 && offset < SIZE, "accesses stay inside the DPRAM", offset);
     Access(offset);
     return std::exchange(_falseRead, std::nullopt).value_or(_bytes[static_cast<std::size_t>(offset)]);
 }
@@ -119,7 +119,7 @@ void HostileDpRam::WriteUInt8(int offset, unsigned char value) {
                         [offset](const Range& range) {
                             return offset >= range.offset && offset < range.offset + range.count;
                         }),
-            "the host writes only what is its own", std::to_string(offset));
+            "the host writes only what is its own", offset);
     Access(offset);
     if (!std::exchange(_lostWrite, false))
         _bytes[static_cast<std::size_t>(offset)] = value;

@@ -84,7 +84,7 @@ std::shared_ptr<System::IArgFunc<OperationMode_e, void>> MasterLife::ModeCallbac
     return System::ArgFunc<OperationMode_e, void>::Create([this](OperationMode_e mode) {
         Require(mode == OperationMode_e::STOP || mode == OperationMode_e::CLEAR ||
                     mode == OperationMode_e::OPERATE,
-                "only known modes are reported", std::to_string(static_cast<int>(mode)));
+                "only known modes are reported", static_cast<int>(mode));
         if (Has(Fuzz::WITH_BAD_CALLBACKS))
             throw Foreign();
     });
@@ -100,7 +100,7 @@ IDPVMModule::ResponseAction MasterLife::TakeAction() {
 
 void MasterLife::Answered(unsigned char reaction, const Response& response) {
     Require(response->Data()->Count() <= 256 && response->Extended()->Count() == 8,
-            "a response has the mailbox's sizes", response->ToString().Value());
+            "a response has the mailbox's sizes", *response);
     CheckAnswer(MasterDpRam::MAILBOX_IN);
     switch (reaction % 8) {
     case 1:

@@ -100,7 +100,7 @@ void ModuleLife::CheckAnswer(int mailboxIn) const {
     const int out = mailboxIn + MailboxDpRam::AREA_SIZE;
     for (const int place : {0, 1, 3, 4, 5}) // id, type, command
         Require(_dpRam->Peek(mailboxIn + place) == _dpRam->Peek(out + place),
-                "only an answer to the request is taken for one", std::to_string(place));
+                "only an answer to the request is taken for one", place);
 }
 
 void ModuleLife::Poke() {

@@ -11,9 +11,7 @@
 
 namespace Fuzz {
 
-void Require(bool holds, const char* property, const std::string& detail) {
-    if (holds)
-        return;
+void Fail(const char* property, const std::string& detail) {
     std::fprintf(stderr, "==== property violated: %s\n%s\n", property, detail.c_str());
     std::abort();
 }

@@ -10,6 +10,7 @@
 #include <memory>
 #include <span>
 #include <string>
+#include <type_traits>
 #include <vector>
 
 /// What the fuzzers hold the code to beside what the sanitizers find.
@@ -17,8 +18,22 @@ namespace Fuzz {
 
 using Bytes = std::vector<unsigned char>;
 
-/// Ends the process as a finding, with `property` and `detail`, unless it `holds`.
-void Require(bool holds, const char* property, const std::string& detail = "");
+/// Ends the process as a finding.
+[[noreturn]] void Fail(const char* property, const std::string& detail);
+
+/// Ends the process as a finding, with `property` and `detail`, unless it `holds`. The detail is a text, a
+/// number or an object of the library, and only a finding makes a text of it: a life asks millions of times.
+template <class Detail = std::string>
+void Require(bool holds, const char* property, const Detail& detail = {}) {
+    if (holds)
+        return;
+    if constexpr (std::is_integral_v<Detail>)
+        Fail(property, std::to_string(detail));
+    else if constexpr (std::is_base_of_v<System::Object, Detail>)
+        Fail(property, detail.ToString().Value());
+    else
+        Fail(property, detail);
+}
 
 /// Calls `callable`, which may throw exceptions of the `Promised` classes and those derived from them, and
 /// nothing else. Returns the text of what it threw; empty if it returned.

@@ -67,7 +67,7 @@ void Check(const Bytes& input, std::vector<Reserved> (*reservedOf)(const Bytes&)
     for (const Reserved& reserved : reservedOf(written))
         for (std::size_t i = 0; i < reserved.count; ++i)
             expected[reserved.offset + i] = 0;
-    Require(written == expected, "what was read writes back to the same bytes", record->ToString().Value());
+    Require(written == expected, "what was read writes back to the same bytes", *record);
     Require(stream->Position() == static_cast<std::int64_t>(written.size()), "the stream stands behind it");
     const auto again = Record::FromStream(Fuzz::ToStream(written));
     Require(again->ToString() == record->ToString(), "what was written reads as what was read");

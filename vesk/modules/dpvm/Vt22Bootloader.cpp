@@ -52,7 +52,7 @@ void Vt22Bootloader::CreateAreas() {
 }
 
 void Vt22Bootloader::Update() {
-    const auto self = weak_from_this().lock(); // a callback may let go of the last reference
+    const auto self = shared_from_this(); // a callback may let go of the last reference
     switch (_state) {
     case ModuleState_e::POWER_OFF:
         return PollPowerOff();

@@ -61,7 +61,7 @@ Vt22Module::Vt22Module(std::shared_ptr<HostInterface::IHostInterface> hostInterf
 // ---- the state machine
 
 void Vt22Module::Update() {
-    const auto self = weak_from_this().lock(); // a callback may let go of the last reference
+    const auto self = shared_from_this(); // a callback may let go of the last reference
     switch (_state) {
     case ModuleState_e::POWER_OFF:
         return PollPowerOff();
