@@ -19,10 +19,11 @@ public:
 protected:
     BinaryReader(std::shared_ptr<Stream> stream, bool bigEndian);
 
+    const std::shared_ptr<Stream> _stream;
+
 private:
     unsigned int Read(int bytes);
 
-    std::shared_ptr<Stream> _stream;
     bool _bigEndian;
 };
 

@@ -18,8 +18,7 @@ public:
 protected:
     explicit BinaryWriter(std::shared_ptr<Stream> stream);
 
-private:
-    std::shared_ptr<Stream> _stream;
+    const std::shared_ptr<Stream> _stream;
 };
 
 } // namespace System::IO

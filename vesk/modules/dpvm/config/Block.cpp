@@ -39,10 +39,7 @@ static const std::shared_ptr<Stream>& Checked(const std::shared_ptr<Stream>& str
 }
 
 BlockReader::BlockReader(const std::shared_ptr<Stream>& stream, BlockLength limits)
-    : BinaryReader(Checked(stream), true),
-      _stream(stream),
-      _start(stream->Position()),
-      _length(ReadUInt16()) {
+    : BinaryReader(Checked(stream), true), _start(stream->Position()), _length(ReadUInt16()) {
     limits.Check("block length", _length);
 }
 
@@ -110,7 +107,7 @@ void BlockReader::Finish() {
 // Writing
 
 BlockWriter::BlockWriter(const std::shared_ptr<Stream>& stream, BlockLength limits)
-    : BinaryWriter(Checked(stream)), _stream(stream), _start(stream->Position()), _limits(limits) {
+    : BinaryWriter(Checked(stream)), _start(stream->Position()), _limits(limits) {
     WriteUInt16(0);
 }
 

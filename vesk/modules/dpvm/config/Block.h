@@ -67,7 +67,6 @@ private:
 
     std::shared_ptr<System::IArray<unsigned char>> Rest() const;
 
-    std::shared_ptr<System::IO::Stream> _stream;
     std::int64_t _start;
     int _pads = 0;
     unsigned int _length;
@@ -100,7 +99,6 @@ public:
     void Finish();
 
 private:
-    std::shared_ptr<System::IO::Stream> _stream;
     std::int64_t _start;
     int _pads = 0;
     BlockLength _limits;

@@ -75,13 +75,12 @@ std::shared_ptr<IBusConfig> BusConfig::Builder::Build() {
 
     digestRecord(_master);
     const auto slaves = SlaveTable::Create();
-    for (int i = 0; i < _slaves->Keys()->Count(); ++i) {
-        const unsigned char address = _slaves->Keys()->Get(i);
-        const auto slave = _slaves->Values()->Get(i);
-        digestRecord(slave);
+    auto slave = _slaves->Values()->begin();
+    for (const unsigned char address : *_slaves->Keys()) {
+        digestRecord(*slave);
         crc->Digest(address);
         crc->Value = ~crc->Value;
-        slaves->Add(address, slave);
+        slaves->Add(address, *slave++);
     }
     return MakeShared<BusConfig>(crc->Value, _master, slaves);
 }
