@@ -5,13 +5,17 @@
 
 namespace BusDescription {
 
-std::string Finding::ToString() const {
+std::string Finding::Place() const {
     std::string place = file;
     if (line > 0)
         place += ":" + std::to_string(line);
     if (column > 0)
         place += ":" + std::to_string(column);
-    return place + (severity == Severity::ERROR ? ": error: " : ": warning: ") + text;
+    return place;
+}
+
+std::string Finding::ToString() const {
+    return Place() + (severity == Severity::ERROR ? ": error: " : ": warning: ") + text;
 }
 
 bool HasErrors(const Findings& findings) {

@@ -18,6 +18,8 @@ struct Finding {
     unsigned int column;
     std::string text; // UTF-8; words of the file stand in it as they are, control characters too
 
+    /// "drive.gsd:12:5".
+    std::string Place() const;
     /// "drive.gsd:12:5: error: …", as compilers have it.
     std::string ToString() const;
 };

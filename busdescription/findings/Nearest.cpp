@@ -29,7 +29,7 @@ static std::size_t Distance(std::string_view a, std::string_view b) {
 }
 
 std::string Nearest(std::string_view word, const std::vector<std::string>& names) {
-    const std::size_t furthest = std::max<std::size_t>(1, word.size() / 3);
+    const std::size_t furthest = (word.size() + 2) / 3;
     std::string nearest;
     std::size_t least = furthest + 1;
     for (const std::string& name : names) {

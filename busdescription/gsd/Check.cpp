@@ -18,6 +18,15 @@ std::string InLine(unsigned int line) {
     return " in line " + std::to_string(line);
 }
 
+/// A name for a message: in quotes, and not too long.
+std::string Quoted(const std::string& name) {
+    static constexpr std::size_t LONGEST = 60;
+    std::size_t length = std::min(name.size(), LONGEST);
+    while (length < name.size() && (name[length] & 0xC0) == 0x80) // in the middle of a character
+        --length;
+    return "\"" + name.substr(0, length) + (length < name.size() ? "…\"" : "\"");
+}
+
 std::string Count(std::size_t count, const std::string& what) {
     return std::to_string(count) + " " + what + (count == 1 ? "" : "s");
 }
@@ -123,17 +132,17 @@ void Checker::ResolveTexts() {
     for (Parameter& parameter : _device.parameterTypes) {
         if (!parameter.defaultGiven)
             _findings.Warning(parameter.line,
-                              "the parameter " + parameter.name + " has no default; 0 is taken");
+                              "the parameter " + Quoted(parameter.name) + " has no default; 0 is taken");
         if (!parameter.Allows(parameter.defaultValue))
             _findings.Warning(parameter.line, "the default " + std::to_string(parameter.defaultValue) +
-                                                  " of the parameter " + parameter.name +
+                                                  " of the parameter " + Quoted(parameter.name) +
                                                   " is not in its range, " + parameter.RangeText());
         if (!parameter.textsId)
             continue;
         const auto found = indexes.find(*parameter.textsId);
         if (found == indexes.end()) {
-            _findings.Warning(parameter.line, "the parameter " + parameter.name + " refers to PrmText " +
-                                                  std::to_string(*parameter.textsId) +
+            _findings.Warning(parameter.line, "the parameter " + Quoted(parameter.name) +
+                                                  " refers to PrmText " + std::to_string(*parameter.textsId) +
                                                   ", which the file does not have");
         } else {
             parameter.texts = found->second;
@@ -148,8 +157,9 @@ void Checker::CheckTexts(const Parameter& parameter, const Extremes& texts) {
     for (const ValueTexts::Entry* entry : {texts.least, texts.most})
         if (entry && (entry->value < possible.least || entry->value > possible.most)) {
             _findings.Warning(entry->line, "the value " + std::to_string(entry->value) +
-                                               " does not fit the type of the parameter " + parameter.name +
-                                               InLine(parameter.line) + ", " + parameter.TypeText());
+                                               " does not fit the type of the parameter " +
+                                               Quoted(parameter.name) + InLine(parameter.line) + ", " +
+                                               parameter.TypeText());
             return;
         }
 }
@@ -200,7 +210,7 @@ void Checker::CheckPart(ParameterPart& part, const std::string& of, std::size_t 
 }
 
 void Checker::CheckModule(Module& module) {
-    const std::string name = "the module " + module.name;
+    const std::string name = "the module " + Quoted(module.name);
     ParameterPart& part = module.parameters;
     const auto entries = DecodeIdentifiers(module.identifierBytes);
     if (!entries.empty() && entries.back().cutShort)
@@ -221,7 +231,7 @@ void Checker::CheckModule(Module& module) {
 void Checker::CheckLength(const Module& module, unsigned int length, const Given<unsigned int>& most,
                           const char* keyword) {
     if (most && length > most.value)
-        _findings.Warning(module.line, "the module " + module.name + " has " + Count(length, "byte") +
+        _findings.Warning(module.line, "the module " + Quoted(module.name) + " has " + Count(length, "byte") +
                                            ", but " + keyword + " is " + std::to_string(most.value));
 }
 
@@ -231,7 +241,7 @@ void Checker::CheckModules() {
     for (const Module& module : _device.modules) {
         const auto [same, isNew] = names.try_emplace(module.name, &module);
         if (!isNew)
-            _findings.Warning(module.line, "the name " + module.name + " is that of the module" +
+            _findings.Warning(module.line, "the name " + Quoted(module.name) + " is that of the module" +
                                                InLine(same->second->line) + " too");
         if (!module.reference)
             continue;

@@ -89,7 +89,7 @@ struct Parameter {
     unsigned int firstBit = 0; // of a bit or a bit area, 0 to 7
     unsigned int lastBit = 0;
     std::int64_t defaultValue = 0;
-    bool defaultGiven = false;
+    bool defaultGiven = true;
     std::vector<Interval> range; // the values that it may have; empty: all that the type has
     std::optional<std::uint32_t> textsId;
     std::optional<std::size_t> texts; // index into Device::texts

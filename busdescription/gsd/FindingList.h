@@ -9,7 +9,7 @@
 
 namespace BusDescription::Gsd {
 
-/// The findings about one file while they are collected, at most MAX_FINDINGS of them.
+/// The findings about one file while they are collected: at most MAX_FINDINGS errors and as many warnings.
 class FindingList {
 public:
     explicit FindingList(std::string file) : _file(std::move(file)) {}
@@ -23,24 +23,25 @@ public:
     }
 
     void Add(Severity severity, unsigned int line, unsigned int column, std::string text) {
-        if (!Full())
+        std::size_t& count = severity == Severity::ERROR ? _errors : _warnings;
+        if (++count <= MAX_FINDINGS)
             _findings.push_back({severity, _file, line, column, std::move(text)});
-        else if (severity == Severity::ERROR)
-            ++_furtherErrors;
-        else
-            ++_furtherWarnings;
     }
 
-    bool Full() const { return _findings.size() == MAX_FINDINGS; }
+    /// Whether there are so many errors that the rest of the file need not be read.
+    bool TooManyErrors() const { return _errors >= MAX_FINDINGS; }
 
-    /// All of them in the order of the lines; and how many more there were, as an error if one of those is.
+    /// Whether a further warning would only be counted.
+    bool TooManyWarnings() const { return _warnings >= MAX_FINDINGS; }
+
+    /// All of them in the order of the lines, and a last one that says whether there are more.
     Findings Take();
 
 private:
     std::string _file;
     Findings _findings;
-    std::size_t _furtherErrors = 0;
-    std::size_t _furtherWarnings = 0;
+    std::size_t _errors = 0;
+    std::size_t _warnings = 0;
 };
 
 } // namespace BusDescription::Gsd

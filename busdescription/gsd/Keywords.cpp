@@ -190,6 +190,13 @@ const std::vector<std::string> IGNORED{"24V_Pins",
                                        "X_Value",
                                        "X_Value_Help"};
 
+std::unordered_set<std::string> LowerWords(const std::vector<std::string>& words) {
+    std::unordered_set<std::string> lower;
+    for (const std::string& word : words)
+        lower.insert(LowerWord(word));
+    return lower;
+}
+
 } // namespace
 
 const Keyword* FindKeyword(std::string_view name) {
@@ -204,12 +211,12 @@ const Keyword* FindKeyword(std::string_view name) {
 }
 
 bool IsIgnored(std::string_view name) {
-    static const auto NAMES = [] {
-        std::unordered_set<std::string> names;
-        for (const std::string& ignored : IGNORED)
-            names.insert(LowerWord(ignored));
-        return names;
-    }();
+    static const std::unordered_set<std::string> NAMES = LowerWords(IGNORED);
+    return NAMES.count(LowerWord(name)) > 0;
+}
+
+bool IsKnown(std::string_view name) {
+    static const std::unordered_set<std::string> NAMES = LowerWords(KnownKeywords());
     return NAMES.count(LowerWord(name)) > 0;
 }
 

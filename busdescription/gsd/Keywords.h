@@ -28,6 +28,9 @@ const Keyword* FindKeyword(std::string_view name);
 /// Whether `name` is a keyword of device description files that says nothing about what is sent to a slave.
 bool IsIgnored(std::string_view name);
 
+/// Whether `name` is one of KnownKeywords.
+bool IsKnown(std::string_view name);
+
 /// All keywords: those above, those with an index and those that begin and end blocks.
 const std::vector<std::string>& KnownKeywords();
 

@@ -167,7 +167,7 @@ DeviceFile Reading::Read() {
         _findings.Error(0, "no line #Profibus_DP, so this is no device description file of a DP slave");
     else if (skipped > 0)
         _findings.Warning(skipped, "what stands before #Profibus_DP is passed over");
-    while (!_findings.Full() && _scanner.Next())
+    while (!_findings.TooManyErrors() && _scanner.Next())
         Try([this] { ReadStatement(); });
     for (DiagnosisBit& bit : _device.diagnosisBits)
         if (const auto help = _helps.find(bit.bit); help != _helps.end())
@@ -216,6 +216,9 @@ bool Reading::ReadKeyword() {
         ReadValue(*keyword);
     } catch (const SyntaxError& error) {
         _findings.Add(keyword->wrong, error.line, error.column, error.text);
+        if (keyword->wrong == Severity::ERROR) // so it is wrong, but not missing
+            std::visit([this](auto* field) { field->line = _scanner.Line(); },
+                       keyword->field(_device, keyword->index));
     }
     return true;
 }
@@ -279,7 +282,7 @@ void Reading::ReadBlock(const char* begin, const char* end, Body body) {
     const unsigned int line = _scanner.Line();
     bool ended = false;
     bool broken = false;
-    while (!ended && !broken && !_findings.Full() && _scanner.Next()) {
+    while (!ended && !broken && !_findings.TooManyErrors() && _scanner.Next()) {
         ended = Is(end);
         broken = !ended && IsOneOf(BORDERS, _scanner.Keyword());
         if (!ended && !broken)
@@ -287,7 +290,7 @@ void Reading::ReadBlock(const char* begin, const char* end, Body body) {
     }
     if (broken)
         _scanner.Again();
-    if (!ended && !_findings.Full())
+    if (!ended && !_findings.TooManyErrors())
         _findings.Error(line, std::string(begin) + " has no " + end);
 }
 
@@ -356,14 +359,16 @@ void Reading::ReadType(Parameter& parameter) {
         _scanner.Expect(')');
     }
     const Interval possible = parameter.TypeRange();
-    if (_scanner.AtNumber()) {
+    if (_scanner.AtEnd()) {
+        parameter.defaultGiven = false;
+    } else {
         const std::int64_t first = Number(possible.least, possible.most);
         if (_scanner.AtRangeSign() || _scanner.Accept(',')) {
+            parameter.defaultGiven = false;
             parameter.range = {Range(first, possible.least, possible.most)};
             _scanner.Accept(',');
         } else {
             parameter.defaultValue = first;
-            parameter.defaultGiven = true;
         }
     }
     if (_scanner.AtNumber()) {
@@ -471,16 +476,16 @@ void Reading::PassOther() {
 }
 
 void Reading::PassUnknown() {
-    const std::string word = Word();
-    const auto& known = KnownKeywords();
-    const bool elsewhere =
-        std::any_of(known.begin(), known.end(), [this](const auto& name) { return Is(name); });
+    const bool elsewhere = IsKnown(_scanner.Keyword());
     const bool block = !elsewhere && EndsLater(EndsOf(_scanner.Keyword()));
-    if (_unknown.insert(LowerWord(word)).second && !_findings.Full())
+    if (_findings.TooManyWarnings())
+        _findings.Warning(_scanner.Line(), ""); // is only counted
+    else if (_unknown.insert(LowerWord(_scanner.Keyword())).second)
         _findings.Warning(_scanner.Line(), elsewhere
-                                               ? word + " has no meaning here and is passed over"
+                                               ? Word() + " has no meaning here and is passed over"
                                                : std::string("unknown ") + (block ? "block " : "keyword ") +
-                                                     word + " is passed over" + DidYouMean(word, known));
+                                                     Word() + " is passed over" +
+                                                     DidYouMean(_scanner.Keyword(), KnownKeywords()));
     if (block)
         PassBlock(false);
 }
@@ -521,12 +526,12 @@ bool Reading::EndsLater(const std::vector<std::string>& ends) {
 // ---- values
 
 std::int64_t Reading::Number(std::int64_t least, std::int64_t most) {
-    return _scanner.Number(Word(), least, most);
+    return _scanner.Number(_scanner.Keyword(), least, most);
 }
 
 std::int64_t Reading::Index(std::int64_t least, std::int64_t most) {
     _scanner.Expect('(');
-    const std::int64_t index = _scanner.Number("the number in the brackets of " + Word(), least, most);
+    const std::int64_t index = _scanner.Number("the number in brackets", least, most);
     _scanner.Expect(')');
     return index;
 }
@@ -549,7 +554,7 @@ std::string Reading::AssignedText() {
 std::vector<std::uint8_t> Reading::Bytes() {
     std::vector<std::uint8_t> bytes;
     do
-        bytes.push_back(static_cast<std::uint8_t>(Number(0, 255)));
+        bytes.push_back(static_cast<std::uint8_t>(_scanner.Number("the byte", 0, 255)));
     while ((_scanner.Accept(',') && !_scanner.AtEnd()) || _scanner.AtNumber());
     _scanner.ExpectEnd();
     return bytes;
@@ -598,7 +603,9 @@ DeviceFile ReadFile(const std::string& path) {
         const int count = file->Read(bytes, 0, bytes->Count());
         return Read({reinterpret_cast<const char*>(bytes->Data()), static_cast<std::size_t>(count)}, path);
     } catch (const std::shared_ptr<System::Exception>& exception) {
-        return Unreadable(path, "cannot be read: " + exception->Message().Value());
+        const std::string why = exception->Message().Value();
+        return Unreadable(path, "cannot be read: " +
+                                    (why.starts_with(path + ": ") ? why.substr(path.size() + 2) : why));
     }
 }
 

@@ -16,12 +16,12 @@ inline constexpr std::size_t MAX_FILE_SIZE = std::size_t{8} << 20;
 /// be used.
 struct DeviceFile {
     Device device;
-    Findings findings; // errors and warnings in the order of the lines, at most MAX_FINDINGS
+    Findings findings; // in the order of the lines, at most MAX_FINDINGS errors and as many warnings
 
     bool Usable() const { return !HasErrors(findings); }
 };
 
-/// Of more findings than these the rest is only counted.
+/// After so many errors the rest of a file is not read; after so many warnings they are only counted.
 inline constexpr std::size_t MAX_FINDINGS = 1000;
 
 /// Reads the content of a device description file. `name` is the file's name in the findings. Whatever the

@@ -2,24 +2,38 @@
 #include "busdescription/gsd/Scanner.h"
 
 #include <algorithm>
+#include <array>
 
 namespace BusDescription::Gsd {
 
 static constexpr std::size_t LONGEST_SHOWN = 60;
+static constexpr std::size_t LONGEST_TEXT = 1000;              // files may name one many times
 static constexpr std::int64_t LARGEST = std::int64_t{1} << 40; // larger than any that may stand anywhere
 
 static char Small(char character) {
     return character >= 'A' && character <= 'Z' ? static_cast<char>(character - 'A' + 'a') : character;
 }
 
-/// A carriage return is one too, wherever it stands; so is what ends a text file of old.
+/// Carriage returns are blanks too, wherever they stand; so is what ends a text file of old.
+static constexpr std::string_view BLANKS = " \t\r\v\f\x1A";
+static constexpr std::string_view WORD_ENDS = " \t\r\v\f\x1A\n=(),;@\"\\";
+
+/// For each byte whether it is one of `characters`.
+static constexpr std::array<bool, 256> TableOf(std::string_view characters) {
+    std::array<bool, 256> table{};
+    for (const char character : characters)
+        table[static_cast<unsigned char>(character)] = true;
+    return table;
+}
+
 static bool IsBlank(char character) {
-    return character == ' ' || character == '\t' || character == '\r' || character == '\v' ||
-           character == '\f' || character == '\x1A';
+    static constexpr auto TABLE = TableOf(BLANKS);
+    return TABLE[static_cast<unsigned char>(character)];
 }
 
 static bool EndsWord(char character) {
-    return IsBlank(character) || std::string_view("\n=(),;@\"\\").find(character) != std::string_view::npos;
+    static constexpr auto TABLE = TableOf(WORD_ENDS);
+    return TABLE[static_cast<unsigned char>(character)];
 }
 
 static bool IsDigit(char character) {
@@ -181,7 +195,7 @@ bool Scanner::Accept(char character) {
 
 void Scanner::Expect(char character) {
     if (!Accept(character))
-        Fail(std::string(1, character) + " expected" + (AtLineEnd() ? ", but the line ends" : ""));
+        Fail(std::string("\"") + character + "\" expected" + (AtLineEnd() ? ", but the line ends" : ""));
 }
 
 void Scanner::ExpectEnd() {
@@ -196,12 +210,10 @@ bool Scanner::AtNumber() {
     return IsDigit(Peek()) || (Peek() == '-' && _at + 1 < _content.size() && IsDigit(_content[_at + 1]));
 }
 
-std::int64_t Scanner::Number(const std::string& what, std::int64_t least, std::int64_t most) {
+std::int64_t Scanner::Number(std::string_view what, std::int64_t least, std::int64_t most) {
     PassBlanks();
-    const std::string expected = "a number from " + std::to_string(least) + " to " + std::to_string(most);
-    const std::size_t start = _at;
     const bool negative = Peek() == '-';
-    std::size_t at = start + (negative ? 1 : 0);
+    std::size_t at = _at + (negative ? 1 : 0);
     const bool hexadecimal = SameWord(_content.substr(at, 2), "0x");
     at += hexadecimal ? 2 : 0;
     const std::size_t digits = at;
@@ -209,15 +221,21 @@ std::int64_t Scanner::Number(const std::string& what, std::int64_t least, std::i
     for (const int base = hexadecimal ? 16 : 10; at < _content.size() && DigitValue(_content[at]) < base;
          ++at)
         value = std::min(value * base + DigitValue(_content[at]), LARGEST);
-    std::size_t end = at;
-    while (end < _content.size() && !EndsWord(_content[end]) && _content[end] != '-')
-        ++end;
-    const std::string shown = end == start ? "nothing" : Shown(_content.substr(start, end - start));
     value = negative ? -value : value;
-    if (at == digits || end != at || value < least || value > most)
-        Fail(what + " is " + shown + ", expected " + expected);
+    const bool ends = at == _content.size() || EndsWord(_content[at]) || _content[at] == '-';
+    if (at == digits || !ends || value < least || value > most)
+        FailAtWord(Shown(what) + " is ",
+                   ", expected a number from " + std::to_string(least) + " to " + std::to_string(most));
     _at = at;
     return value;
+}
+
+/// With the word that comes next between `before` and `behind`.
+void Scanner::FailAtWord(const std::string& before, const std::string& behind) {
+    std::size_t end = _at;
+    while (end < _content.size() && !EndsWord(_content[end]))
+        ++end;
+    Fail(before + (end == _at ? "nothing" : Shown(_content.substr(_at, end - _at))) + behind);
 }
 
 bool Scanner::AtRangeSign() {
@@ -238,13 +256,17 @@ std::string Scanner::Text() {
             joined += _content.substr(piece, end - piece);
             piece = _at;
         } else if (AtLineEnd()) {
-            Fail("the text " + Shown(Trimmed(_content.substr(start, _at - start))) + " has no end");
+            Fail("the text \"" + Shown(Trimmed(_content.substr(start, _at - start))) +
+                 " has no quote at its end");
         } else {
             ++_at;
         }
     }
     joined += _content.substr(piece, _at - piece);
     ++_at;
+    if (joined.size() > LONGEST_TEXT)
+        Fail("a text of " + std::to_string(joined.size()) + " bytes is too long, expected at most " +
+             std::to_string(LONGEST_TEXT));
     return ToUtf8(Trimmed(joined), _encoding);
 }
 

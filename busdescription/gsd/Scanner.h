@@ -53,8 +53,8 @@ public:
     void Expect(char character);
     /// Whether a number comes next.
     bool AtNumber();
-    /// Passes a number, decimal or hexadecimal, from `least` to `most`, in what is called `what`.
-    std::int64_t Number(const std::string& what, std::int64_t least, std::int64_t most);
+    /// Passes a number, decimal or hexadecimal, from `least` to `most`; `what` is what has it in a message.
+    std::int64_t Number(std::string_view what, std::int64_t least, std::int64_t most);
     /// Whether what comes next, immediately or after blanks, is the "-" of a range and not a sign.
     bool AtRangeSign();
     /// Passes a text in quotes; it comes without blanks at its ends.
@@ -66,6 +66,8 @@ public:
     [[noreturn]] void Fail(const std::string& text);
 
 private:
+    [[noreturn]] void FailAtWord(const std::string& before, const std::string& behind);
+
     bool AtLineEnd() const { return _at == _content.size() || _content[_at] == '\n'; }
 
     char Peek() const { return _at < _content.size() ? _content[_at] : '\n'; }

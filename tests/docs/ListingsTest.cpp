@@ -87,6 +87,7 @@ private:
         for (const auto& [written, meant] : {std::pair<const char*, std::string>{"/tmp/", _folder.Path("")},
                                              {"FILE\\.ddb", plant},
                                              {"A B", plant + " " + plant},
+                                             {"FILE\\.gsd", SOURCE_DIR "/examples/drive.gsd"},
                                              {"FILE\\.fw", ModuleFiles::FIRMWARE},
                                              {"^vesk", VESK_TOOL},
                                              {"^build/dev/examples", EXAMPLES}})

@@ -27,6 +27,8 @@ class TranscriptTest : public testing::TestWithParam<std::string> {
 protected:
     TranscriptTest() {
         std::filesystem::copy_file(SOURCE_DIR "/examples/plant.ddb", _folder.Path("plant.ddb"));
+        std::filesystem::copy(SOURCE_DIR "/tests/data/gsd", _folder.Path("gsd"));
+        std::filesystem::copy_file(SOURCE_DIR "/examples/drive.gsd", _folder.Path("gsd/drive.gsd"));
         std::filesystem::copy_file(SOURCE_DIR "/examples/firmware/vt22-1.5.0.fw", _folder.Path("vt22.fw"));
         const std::pair<int, Builder::SlaveContent> slave40{40,
                                                             {{0, 1}, {7}, {0x80, 0x00, 0x0F}, {0xC0, 0x01}}};

@@ -143,6 +143,18 @@ const std::vector<Command>& Commands() {
          "Example: vesk firmware build image.bin -o vt22.fw --type application --module-id 0x201 --address "
          "0x20000",
          AddFirmwareBuild},
+        {"gsd", FILES, "Show and check device description files (GSD) of slaves.", nullptr},
+        {"gsd show", FILES,
+         "Show what a device description file says: the device, data rates, modules with the bytes that they "
+         "send to the bus and get from it, parameters with types, ranges, texts and defaults, diagnosis "
+         "texts.\n"
+         "Example: vesk gsd show examples/drive.gsd",
+         AddGsdShow},
+        {"gsd check", FILES,
+         "Say what is wrong or unusual in device description files, a line each; exit status 1 if one of "
+         "them cannot be used.\n"
+         "Example: vesk gsd check examples/drive.gsd",
+         AddGsdCheck},
         {"dump", FILES,
          "Show a dump of the dual-port RAM, such as an application leaves behind, as a readable map: every "
          "block and register with its bits, both mailbox messages, the process data.\n"

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "tools/vesk/explain/Diagnosis.h"
 
+#include "busdescription/gsd/Identifier.h"
+
 #include "tools/vesk/text/ByteText.h"
 #include "tools/vesk/text/Text.h"
 
@@ -191,65 +193,30 @@ std::string Diagnosis::Text(const Json& json) {
 
 namespace {
 
-constexpr unsigned int TO_SLAVE = 2; // what the standard calls an output
-constexpr unsigned int FROM_SLAVE = 1;
+using BusDescription::Gsd::IdentifierData;
 
-constexpr unsigned int NO_MANUFACTURER_DATA = 15;
-
-struct Length {
-    explicit Length(unsigned int byte, unsigned int mask)
-        : bytes(((byte & mask) + 1) * (byte & 0x40 ? 2 : 1)),
-          words((byte & 0x40) != 0),
-          whole((byte & 0x80) != 0) {}
-
-    unsigned int bytes;
-    bool words;
-    bool whole; // consistent over the whole length
-};
-
-Json LengthToJson(const Length& length) {
-    return {{"length", length.bytes},
-            {"unit", length.words ? "word" : "byte"},
-            {"consistency", length.whole ? "whole" : "unit"}};
-}
-
-/// One identifier in the special format; how many bytes it has, or 0 where they are not all there.
-std::size_t SpecialIdentifier(ByteView bytes, Json& module) {
-    const unsigned int directions = bytes[0] >> 6;
-    std::size_t used = 1;
-    for (const auto& [bit, name] : {std::pair{TO_SLAVE, "input"}, std::pair{FROM_SLAVE, "output"}}) {
-        if ((directions & bit) == 0)
-            continue;
-        if (used >= bytes.size())
-            return 0;
-        module[name] = LengthToJson(Length(bytes[used++], 0x3F));
-    }
-    const std::size_t manufacturer = (bytes[0] & 0x0F) == NO_MANUFACTURER_DATA ? 0 : bytes[0] & 0x0F;
-    if (used + manufacturer > bytes.size())
-        return 0;
-    module["manufacturerData"] = HexDigits(bytes.subspan(used, manufacturer));
-    return used + manufacturer;
+Json DataToJson(const std::optional<IdentifierData>& data) {
+    return data ? Json{{"length", data->bytes},
+                       {"unit", data->words ? "word" : "byte"},
+                       {"consistency", data->wholeConsistent ? "whole" : "unit"}}
+                : Json();
 }
 
 } // namespace
 
 Json DecodeIdentifiers(ByteView bytes) {
     Json modules = Json::array();
-    while (!bytes.empty()) {
-        Json module{{"identifier", ""}, {"input", nullptr}, {"output", nullptr}};
-        const unsigned int directions = bytes[0] >> 4 & 3;
-        std::size_t used = directions == 0 ? SpecialIdentifier(bytes, module) : 1;
-        if ((directions & TO_SLAVE) != 0)
-            module["input"] = LengthToJson(Length(bytes[0], 0x0F));
-        if ((directions & FROM_SLAVE) != 0)
-            module["output"] = LengthToJson(Length(bytes[0], 0x0F));
-        if (used == 0) { // cut short
-            module = Json{{"identifier", ""}, {"cutShort", true}};
-            used = bytes.size();
+    for (const auto& entry : BusDescription::Gsd::DecodeIdentifiers(bytes)) {
+        Json module{{"identifier", HexDigits(entry.bytes)}};
+        if (entry.cutShort) {
+            module["cutShort"] = true;
+        } else {
+            module["input"] = DataToJson(entry.toBus);
+            module["output"] = DataToJson(entry.fromBus);
+            if (entry.special)
+                module["manufacturerData"] = HexDigits(entry.manufacturer);
         }
-        module["identifier"] = HexDigits(bytes.first(used));
         modules.push_back(module);
-        bytes = bytes.subspan(used);
     }
     return modules;
 }

@@ -10,6 +10,8 @@ Action AddConfigShow(CLI::App& command);
 Action AddConfigDiff(CLI::App& command);
 Action AddFirmwareShow(CLI::App& command);
 Action AddFirmwareBuild(CLI::App& command);
+Action AddGsdShow(CLI::App& command);
+Action AddGsdCheck(CLI::App& command);
 Action AddDump(CLI::App& command);
 
 } // namespace VeskTool

@@ -38,7 +38,11 @@ static std::size_t HarmlessCharacter(std::string_view text) {
     for (std::size_t at = 1; at < size; ++at)
         if ((byte(at) & 0xC0) != 0x80)
             return 0;
-    return byte(0) == 0xC2 && byte(1) < 0xA0 ? 0 : size; // these too are control characters
+    const bool control = byte(0) == 0xC2 && byte(1) < 0xA0;
+    const bool turns = byte(0) == 0xE2 && // U+2028 to U+202E and U+2066 to U+2069
+                       ((byte(1) == 0x80 && byte(2) >= 0xA8 && byte(2) <= 0xAE) ||
+                        (byte(1) == 0x81 && byte(2) >= 0xA6 && byte(2) <= 0xA9));
+    return control || turns ? 0 : size;
 }
 
 std::string Harmless(std::string_view text) {

@@ -13,8 +13,8 @@ namespace VeskTool {
 /// The text with everything but printable ASCII as \xNN, so that it cannot do anything to a terminal.
 std::string Printable(std::string_view text);
 
-/// The text, UTF-8, with control characters and what is no UTF-8 as \xNN: names of files, and whatever else
-/// somebody else has written.
+/// The text, UTF-8, with control characters, those that turn the direction of writing and what is no UTF-8 as
+/// \xNN: names of files, and whatever else somebody else has written.
 std::string Harmless(std::string_view text);
 
 /// Two digits for each byte, without blanks; what JSON gets.

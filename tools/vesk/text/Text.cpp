@@ -3,6 +3,7 @@
 
 #include "vesk/system/Convert.h"
 
+#include <algorithm>
 #include <cstdio>
 
 namespace VeskTool {
@@ -40,7 +41,9 @@ std::string Milliseconds(double milliseconds) {
 }
 
 std::string Padded(const std::string& text, std::size_t width) {
-    return text.size() < width ? text + std::string(width - text.size(), ' ') : text;
+    const auto characters = static_cast<std::size_t>(
+        std::count_if(text.begin(), text.end(), [](char character) { return (character & 0xC0) != 0x80; }));
+    return characters < width ? text + std::string(width - characters, ' ') : text;
 }
 
 std::string Addresses(const std::vector<int>& stations) {

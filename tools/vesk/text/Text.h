@@ -22,7 +22,7 @@ std::string ChecksumText(unsigned int checksum);
 std::string Version(std::initializer_list<unsigned int> parts);
 /// "12.3 ms".
 std::string Milliseconds(double milliseconds);
-/// `text`, followed by blanks up to `width`.
+/// `text`, which is UTF-8, followed by blanks up to `width` characters.
 std::string Padded(const std::string& text, std::size_t width);
 
 /// Addresses with runs shortened: "3-5, 9"; "none" for none. `stations` is in ascending order.
