@@ -8,6 +8,7 @@
 #include <nlohmann/json.hpp>
 
 #include <pty.h>
+#include <termios.h>
 
 /// What a run of a program left behind.
 struct ToolResult {
@@ -61,6 +62,10 @@ public:
             Process::Execute(VESK_TOOL, arguments);
         if (child < 0)
             throw std::runtime_error("no terminal");
+        termios settings{};
+        ::tcgetattr(terminal, &settings);
+        settings.c_lflag |= NOFLSH; // Ctrl-C would throw away what the command says about it
+        ::tcsetattr(terminal, TCSANOW, &settings);
         std::string shown;
         char part[4096];
         ::ssize_t count = 0;
