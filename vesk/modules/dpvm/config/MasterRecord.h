@@ -2,6 +2,7 @@
 #pragma once
 
 #include "vesk/modules/dpvm/config/IMasterRecord.h"
+#include "vesk/modules/dpvm/config/MasterUserData.h"
 
 namespace Vesk::Modules::DPVM::Config {
 
@@ -52,8 +53,20 @@ public:
     /// A line for each field.
     System::String ToString() const override;
 
+    /// Gives `block` every field with its name, in the order of the bytes.
+    template <class Block>
+    void ShowFields(Block& block) const {
+        Layout(block, *this);
+    }
+
 protected:
     explicit MasterRecord(const std::shared_ptr<System::IO::Stream>& stream);
+
+    /// Takes every field from `block`, which gets their names, in the order of the bytes.
+    template <class Block>
+    explicit MasterRecord(Block& block) {
+        Layout(block, *this);
+    }
 
 private:
     /// The fields in the order of the bytes, for reading, writing and printing.
@@ -79,5 +92,28 @@ private:
     unsigned char _maxUserGlobalControl;
     std::shared_ptr<IMasterUserData> _userData;
 };
+
+template <class Block, class Self>
+void MasterRecord::Layout(Block& block, Self& self) {
+    block.Field("stationAddress", self._stationAddress);
+    block.Field("dataRate", self._dataRate);
+    block.Field("slotTime", self._slotTime);
+    block.Field("minStationDelayTime", self._minStationDelayTime);
+    block.Field("maxStationDelayTime", self._maxStationDelayTime);
+    block.Field("quietTime", self._quietTime);
+    block.Field("setupTime", self._setupTime);
+    block.Field("targetRotationTime", self._targetRotationTime);
+    block.Field("gapUpdateFactor", self._gapUpdateFactor);
+    block.Field("highestStationAddress", self._highestStationAddress);
+    block.Field("maxRetryLimit", self._maxRetryLimit);
+    block.Field("bpFlag", self._bpFlag);
+    block.Field("minSlaveInterval", self._minSlaveInterval);
+    block.Field("pollTimeout", self._pollTimeout);
+    block.Field("dataControlTime", self._dataControlTime);
+    block.Field("alarmMax", self._alarmMax);
+    block.Field("maxUserGlobalControl", self._maxUserGlobalControl);
+    block.Reserved(4);
+    block.template Nested<MasterUserData>("User data", self._userData);
+}
 
 } // namespace Vesk::Modules::DPVM::Config

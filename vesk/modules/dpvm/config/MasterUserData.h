@@ -40,8 +40,20 @@ public:
     /// A line for each field.
     System::String ToString() const override;
 
+    /// Gives `block` every field with its name, in the order of the bytes.
+    template <class Block>
+    void ShowFields(Block& block) const {
+        Layout(block, *this);
+    }
+
 protected:
     explicit MasterUserData(const std::shared_ptr<System::IO::Stream>& stream);
+
+    /// Takes every field from `block`, which gets their names, in the order of the bytes.
+    template <class Block>
+    explicit MasterUserData(Block& block) {
+        Layout(block, *this);
+    }
 
 private:
     /// The fields in the order of the bytes, for reading, writing and printing.
@@ -61,5 +73,24 @@ private:
     unsigned int _t_CT;
     unsigned char _maxT_SH;
 };
+
+template <class Block, class Self>
+void MasterUserData::Layout(Block& block, Self& self) {
+    block.Text("class2Name", self._class2Name, 32);
+    block.Field("idleTime1", self._idleTime1);
+    block.Field("idleTime2", self._idleTime2);
+    block.Reserved(2);
+    block.Field("deltaT_TR", self._deltaT_TR);
+    block.Reserved(4);
+    block.Field("repeater", self._repeater);
+    block.Field("groupSync", self._groupSync);
+    block.Field("groupFreeze", self._groupFreeze);
+    block.Field("identNr", self._identNr);
+    block.Field("addressingMode", self._addressingMode);
+    block.Field("storageFormat", self._storageFormat);
+    block.Field("t_CT", self._t_CT);
+    block.Field("maxT_SH", self._maxT_SH);
+    block.Reserved(3);
+}
 
 } // namespace Vesk::Modules::DPVM::Config

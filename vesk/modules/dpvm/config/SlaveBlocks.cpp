@@ -7,7 +7,6 @@
 
 namespace Vesk::Modules::DPVM::Config {
 
-using System::ArraySegment;
 using System::MakeShared;
 using System::String;
 using System::IO::Stream;
@@ -15,17 +14,6 @@ using System::IO::Stream;
 // Parameter data
 
 static constexpr auto PARAMETER_DATA_LENGTH = BlockLength::Between(9, 246);
-
-template <class Block, class Self>
-void SlaveParameterData::Layout(Block& block, Self& self) {
-    block.Field("stationStatus", self._stationStatus);
-    block.Field("watchdogFactor1", self._watchdogFactor1);
-    block.Field("watchdogFactor2", self._watchdogFactor2);
-    block.Field("minStationDelayTimeResponder", self._minStationDelayTimeResponder);
-    block.Field("identNr", self._identNr);
-    block.Field("groupIdent", self._groupIdent);
-    block.Bytes("userParameters", self._userParameters);
-}
 
 std::shared_ptr<ISlaveParameterData> SlaveParameterData::FromStream(const std::shared_ptr<Stream>& stream) {
     return MakeShared<SlaveParameterData>(stream);
@@ -60,19 +48,19 @@ SlaveConfigurationData::FromStream(const std::shared_ptr<Stream>& stream) {
 
 SlaveConfigurationData::SlaveConfigurationData(const std::shared_ptr<Stream>& stream) {
     BlockReader block(stream, CONFIGURATION_DATA_LENGTH);
-    block.Bytes("identifierBytes", _identifierBytes);
+    Layout(block, *this);
     block.Finish();
 }
 
 void SlaveConfigurationData::ToStream(const std::shared_ptr<Stream>& stream) const {
     BlockWriter block(stream, CONFIGURATION_DATA_LENGTH);
-    block.Bytes("identifierBytes", _identifierBytes);
+    Layout(block, *this);
     block.Finish();
 }
 
 String SlaveConfigurationData::ToString() const {
     BlockText block;
-    block.Bytes("identifierBytes", _identifierBytes);
+    Layout(block, *this);
     return block.ToString();
 }
 
@@ -97,37 +85,29 @@ SlaveAddressTable::SlaveAddressTable(const std::shared_ptr<Stream>& stream) {
     block.Field("output table length", outputs);
     CheckTableLength("input table length", inputs);
     CheckTableLength("output table length", outputs);
-    _offsets = block.Words(inputs + outputs);
+    _inputOffsetTable = block.Words(inputs);
+    _outputOffsetTable = block.Words(outputs);
     block.Finish();
-    _inputOffsetTable = ArraySegment<unsigned short>::Create(_offsets, 0, inputs);
-    _outputOffsetTable = ArraySegment<unsigned short>::Create(_offsets, inputs, outputs);
 }
 
 void SlaveAddressTable::ToStream(const std::shared_ptr<Stream>& stream) const {
     BlockWriter block(stream, ADDRESS_TABLE_LENGTH);
     block.Field("input table length", static_cast<unsigned char>(_inputOffsetTable->Count()));
     block.Field("output table length", static_cast<unsigned char>(_outputOffsetTable->Count()));
-    block.Words(_offsets);
+    block.Words(_inputOffsetTable);
+    block.Words(_outputOffsetTable);
     block.Finish();
 }
 
 String SlaveAddressTable::ToString() const {
     BlockText block;
-    block.Words("inputOffsetTable", _inputOffsetTable);
-    block.Words("outputOffsetTable", _outputOffsetTable);
+    Layout(block, *this);
     return block.ToString();
 }
 
 // User data
 
 static constexpr auto USER_DATA_LENGTH = BlockLength::Between(6, 6);
-
-template <class Block, class Self>
-void SlaveUserData::Layout(Block& block, Self& self) {
-    block.Field("outputDataLength", self._outputDataLength);
-    block.Field("inputDataLength", self._inputDataLength);
-    block.Reserved(2);
-}
 
 std::shared_ptr<ISlaveUserData> SlaveUserData::FromStream(const std::shared_ptr<Stream>& stream) {
     return MakeShared<SlaveUserData>(stream);
@@ -169,13 +149,13 @@ SlaveExtendedUserParameterData::SlaveExtendedUserParameterData(const std::shared
 
 void SlaveExtendedUserParameterData::ToStream(const std::shared_ptr<Stream>& stream) const {
     BlockWriter block(stream, EXTENDED_LENGTH);
-    block.Bytes("extUsrPrmData", _extUsrPrmData);
+    Layout(block, *this);
     block.Finish();
 }
 
 String SlaveExtendedUserParameterData::ToString() const {
     BlockText block;
-    block.Bytes("extUsrPrmData", _extUsrPrmData);
+    Layout(block, *this);
     return block.ToString();
 }
 

@@ -29,8 +29,20 @@ public:
     void ToStream(const std::shared_ptr<System::IO::Stream>& stream) const override;
     System::String ToString() const override;
 
+    /// Gives `block` every field with its name, in the order of the bytes.
+    template <class Block>
+    void ShowFields(Block& block) const {
+        Layout(block, *this);
+    }
+
 protected:
     explicit SlaveParameterData(const std::shared_ptr<System::IO::Stream>& stream);
+
+    /// Takes every field from `block`, which gets their names, in the order of the bytes.
+    template <class Block>
+    explicit SlaveParameterData(Block& block) {
+        Layout(block, *this);
+    }
 
 private:
     /// The fields in the order of the bytes, for reading, writing and printing.
@@ -58,10 +70,26 @@ public:
     void ToStream(const std::shared_ptr<System::IO::Stream>& stream) const override;
     System::String ToString() const override;
 
+    /// Gives `block` every field with its name, in the order of the bytes.
+    template <class Block>
+    void ShowFields(Block& block) const {
+        Layout(block, *this);
+    }
+
 protected:
     explicit SlaveConfigurationData(const std::shared_ptr<System::IO::Stream>& stream);
 
+    /// Takes every field from `block`, which gets their names, in the order of the bytes.
+    template <class Block>
+    explicit SlaveConfigurationData(Block& block) {
+        Layout(block, *this);
+    }
+
 private:
+    /// The fields in the order of the bytes, for reading, writing and printing.
+    template <class Block, class Self>
+    static void Layout(Block& block, Self& self);
+
     std::shared_ptr<System::IArray<unsigned char>> _identifierBytes;
 };
 
@@ -80,11 +108,26 @@ public:
     void ToStream(const std::shared_ptr<System::IO::Stream>& stream) const override;
     System::String ToString() const override;
 
+    /// Gives `block` every field with its name, in the order of the bytes.
+    template <class Block>
+    void ShowFields(Block& block) const {
+        Layout(block, *this);
+    }
+
 protected:
     explicit SlaveAddressTable(const std::shared_ptr<System::IO::Stream>& stream);
 
+    /// Takes every field from `block`, which gets their names, in the order of the bytes.
+    template <class Block>
+    explicit SlaveAddressTable(Block& block) {
+        Layout(block, *this);
+    }
+
 private:
-    std::shared_ptr<System::IArray<unsigned short>> _offsets; // both tables, of which the others are views
+    /// The fields in the order of the bytes, for reading, writing and printing.
+    template <class Block, class Self>
+    static void Layout(Block& block, Self& self);
+
     std::shared_ptr<System::IArray<unsigned short>> _inputOffsetTable;
     std::shared_ptr<System::IArray<unsigned short>> _outputOffsetTable;
 };
@@ -100,8 +143,20 @@ public:
     void ToStream(const std::shared_ptr<System::IO::Stream>& stream) const override;
     System::String ToString() const override;
 
+    /// Gives `block` every field with its name, in the order of the bytes.
+    template <class Block>
+    void ShowFields(Block& block) const {
+        Layout(block, *this);
+    }
+
 protected:
     explicit SlaveUserData(const std::shared_ptr<System::IO::Stream>& stream);
+
+    /// Takes every field from `block`, which gets their names, in the order of the bytes.
+    template <class Block>
+    explicit SlaveUserData(Block& block) {
+        Layout(block, *this);
+    }
 
 private:
     /// The fields in the order of the bytes, for reading, writing and printing.
@@ -123,11 +178,61 @@ public:
     void ToStream(const std::shared_ptr<System::IO::Stream>& stream) const override;
     System::String ToString() const override;
 
+    /// Gives `block` every field with its name, in the order of the bytes.
+    template <class Block>
+    void ShowFields(Block& block) const {
+        Layout(block, *this);
+    }
+
 protected:
     explicit SlaveExtendedUserParameterData(const std::shared_ptr<System::IO::Stream>& stream);
 
+    /// Takes every field from `block`, which gets their names, in the order of the bytes.
+    template <class Block>
+    explicit SlaveExtendedUserParameterData(Block& block) {
+        Layout(block, *this);
+    }
+
 private:
+    /// The fields in the order of the bytes, for reading, writing and printing.
+    template <class Block, class Self>
+    static void Layout(Block& block, Self& self);
+
     std::shared_ptr<System::IArray<unsigned char>> _extUsrPrmData;
 };
+
+template <class Block, class Self>
+void SlaveParameterData::Layout(Block& block, Self& self) {
+    block.Field("stationStatus", self._stationStatus);
+    block.Field("watchdogFactor1", self._watchdogFactor1);
+    block.Field("watchdogFactor2", self._watchdogFactor2);
+    block.Field("minStationDelayTimeResponder", self._minStationDelayTimeResponder);
+    block.Field("identNr", self._identNr);
+    block.Field("groupIdent", self._groupIdent);
+    block.Bytes("userParameters", self._userParameters);
+}
+
+template <class Block, class Self>
+void SlaveUserData::Layout(Block& block, Self& self) {
+    block.Field("outputDataLength", self._outputDataLength);
+    block.Field("inputDataLength", self._inputDataLength);
+    block.Reserved(2);
+}
+
+template <class Block, class Self>
+void SlaveConfigurationData::Layout(Block& block, Self& self) {
+    block.Bytes("identifierBytes", self._identifierBytes);
+}
+
+template <class Block, class Self>
+void SlaveAddressTable::Layout(Block& block, Self& self) {
+    block.Words("inputOffsetTable", self._inputOffsetTable);
+    block.Words("outputOffsetTable", self._outputOffsetTable);
+}
+
+template <class Block, class Self>
+void SlaveExtendedUserParameterData::Layout(Block& block, Self& self) {
+    block.Bytes("extUsrPrmData", self._extUsrPrmData);
+}
 
 } // namespace Vesk::Modules::DPVM::Config

@@ -2,6 +2,7 @@
 #pragma once
 
 #include "vesk/modules/dpvm/config/ISlaveRecord.h"
+#include "vesk/modules/dpvm/config/SlaveBlocks.h"
 
 namespace Vesk::Modules::DPVM::Config {
 
@@ -44,8 +45,20 @@ public:
     /// A line for each field.
     System::String ToString() const override;
 
+    /// Gives `block` every field with its name, in the order of the bytes.
+    template <class Block>
+    void ShowFields(Block& block) const {
+        Layout(block, *this);
+    }
+
 protected:
     explicit SlaveRecord(const std::shared_ptr<System::IO::Stream>& stream);
+
+    /// Takes every field from `block`, which gets their names, in the order of the bytes.
+    template <class Block>
+    explicit SlaveRecord(Block& block) {
+        Layout(block, *this);
+    }
 
 private:
     /// The fields in the order of the bytes, for reading, writing and printing.
@@ -66,5 +79,28 @@ private:
     std::shared_ptr<ISlaveUserData> _userData;
     std::shared_ptr<ISlaveExtendedUserParameterData> _extendedUserParameterData;
 };
+
+template <class Block, class Self>
+void SlaveRecord::Layout(Block& block, Self& self) {
+    block.Field("slaveFlags", self._slaveFlags);
+    block.Field("slaveType", self._slaveType);
+    block.Field("maxDiagnosticDataLength", self._maxDiagnosticDataLength);
+    block.Reserved(1);
+    block.Field("maxChannelDataLength", self._maxChannelDataLength);
+    block.Field("diagUpdDelay", self._diagUpdDelay);
+    block.Field("alarmMode", self._alarmMode);
+    block.Field("additionalSlaveFlags", self._additionalSlaveFlags);
+    block.Field("mSAC1Timeout", self._mSAC1Timeout);
+    block.Reserved(4);
+    block.template Nested<SlaveParameterData>("Parameter data", self._parameterData);
+    block.Pad();
+    block.template Nested<SlaveConfigurationData>("Configuration data", self._configurationData);
+    block.Pad();
+    // The other blocks are never odd.
+    block.template Nested<SlaveAddressTable>("Address table", self._addressTable);
+    block.template Nested<SlaveUserData>("User data", self._userData);
+    block.template Nested<SlaveExtendedUserParameterData>("Extended user data",
+                                                          self._extendedUserParameterData);
+}
 
 } // namespace Vesk::Modules::DPVM::Config
