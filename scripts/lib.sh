@@ -4,7 +4,7 @@
 set -euo pipefail
 cd "$(dirname "${BASH_SOURCE[0]}")/.."
 
-BUILD_PACKAGES=(g++ cmake ninja-build pkg-config libcli11-dev nlohmann-json3-dev libgpiod-dev)
+BUILD_PACKAGES=(g++ cmake ninja-build pkg-config libcli11-dev nlohmann-json3-dev libtomlplusplus-dev libgpiod-dev)
 TEST_PACKAGES=(libgtest-dev libgmock-dev)
 
 # Prints what happened as the last line and ends the script.
@@ -19,6 +19,7 @@ found_without_packages() {
         ninja-build) command -v ninja ;;
         libcli11-dev) have_header CLI/CLI.hpp ;;
         nlohmann-json3-dev) have_header nlohmann/json.hpp ;;
+        libtomlplusplus-dev) have_header toml++/toml.h ;;
         libgpiod-dev) have_header gpiod.h ;;
         libgtest-dev) have_header gtest/gtest.h ;;
         libgmock-dev) have_header gmock/gmock.h ;;

@@ -8,7 +8,7 @@ LIC_FILES_CHKSUM = "file://LICENSE;md5=4fd17f5732ee92a555159413e2b31094"
 SRC_URI = "file://vesk-${PV}.tar.gz"
 
 # The library needs nothing but the C++ library; these are for the command line. All three are in meta-oe.
-DEPENDS = "cli11 nlohmann-json libgpiod"
+DEPENDS = "cli11 nlohmann-json libgpiod tomlplusplus"
 
 inherit cmake pkgconfig
 

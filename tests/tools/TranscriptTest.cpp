@@ -26,7 +26,8 @@ std::vector<std::string> Names() {
 class TranscriptTest : public testing::TestWithParam<std::string> {
 protected:
     TranscriptTest() {
-        std::filesystem::copy_file(SOURCE_DIR "/examples/plant.ddb", _folder.Path("plant.ddb"));
+        for (const char* const name : {"plant.ddb", "plant.toml"})
+            std::filesystem::copy_file(SOURCE_DIR "/examples/" + std::string(name), _folder.Path(name));
         std::filesystem::copy(SOURCE_DIR "/tests/data/gsd", _folder.Path("gsd"));
         std::filesystem::copy_file(SOURCE_DIR "/examples/drive.gsd", _folder.Path("gsd/drive.gsd"));
         std::filesystem::copy_file(SOURCE_DIR "/examples/firmware/vt22-1.5.0.fw", _folder.Path("vt22.fw"));

@@ -123,7 +123,7 @@ const std::vector<Command>& Commands() {
          "Example: vesk run examples/plant.ddb --dpram /tmp/dpram --lines /tmp/lines",
          AddModule},
 
-        {"config", FILES, "Show and compare configuration database files.", nullptr},
+        {"config", FILES, "Make, show and compare configuration database files.", nullptr},
         {"config show", FILES,
          "Show every field of a configuration database file.\n"
          "Example: vesk config show examples/plant.ddb",
@@ -133,6 +133,17 @@ const std::vector<Command>& Commands() {
          "diff's: 0 the same, 1 different, 2 trouble.\n"
          "Example: vesk config diff old.ddb new.ddb",
          AddConfigDiff, DIFF_FAILED},
+        {"config build", FILES,
+         "Make a configuration database file of a bus description, which docs/configuration.md explains, and "
+         "show where the data of each slave lies. Everything that is wrong is shown at once, with file, line "
+         "and column.\n"
+         "Example: vesk config build examples/plant.toml -o /tmp/plant.ddb",
+         AddConfigBuild},
+        {"config decompile", FILES,
+         "Make a bus description of a configuration database file, of which config build makes the same "
+         "database again.\n"
+         "Example: vesk config decompile examples/plant.ddb",
+         AddConfigDecompile},
         {"firmware", FILES, "Make and show firmware files.", nullptr},
         {"firmware show", FILES,
          "Show what a firmware file says about its program, and whether its checksum fits.\n"

@@ -4,6 +4,8 @@
 #include "tools/vesk/explain/Advice.h"
 #include "tools/vesk/text/Text.h"
 #include "vesk/modules/bootloader/FirmwareHeader.h"
+#include "vesk/system/Array.h"
+#include "vesk/system/io/File.h"
 
 #include <algorithm>
 #include <array>
@@ -11,6 +13,7 @@
 #include <cerrno>
 #include <cstring>
 #include <fcntl.h>
+#include <filesystem>
 #include <string_view>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -134,6 +137,20 @@ std::string KindOf(Beginning bytes) {
 std::string LooksLike(Beginning bytes) {
     const std::string kind = KindOf(bytes);
     return kind.empty() ? "" : "; it looks like " + kind;
+}
+
+void WriteFile(const std::string& path, const std::vector<unsigned char>& bytes, const std::string& source,
+               const std::string& what) {
+    std::error_code ignored;
+    const auto status = std::filesystem::status(path, ignored);
+    if (std::filesystem::exists(status) && !std::filesystem::is_regular_file(status))
+        throw Failure(path + ": is no regular file, so it is not replaced");
+    if (std::filesystem::equivalent(path, source, ignored))
+        throw Failure(path + ": is " + what + " itself, so it is not replaced");
+    System::IO::File::WriteAllBytes(path, System::Array<unsigned char>::Create(bytes));
+    const ::mode_t mask = ::umask(0);
+    ::umask(mask);
+    std::filesystem::permissions(path, static_cast<std::filesystem::perms>(0666 & ~mask));
 }
 
 Failure FileFailure(const std::string& path, const std::string& where, const std::exception& exception) {

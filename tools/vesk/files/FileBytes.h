@@ -15,6 +15,11 @@ namespace VeskTool {
 /// device.
 std::vector<unsigned char> ReadFile(const std::string& path, std::size_t most);
 
+/// Makes the file at `path`, or replaces it. Failure where that is no regular file, or is `source`, which it
+/// is made of and which is called `what`.
+void WriteFile(const std::string& path, const std::vector<unsigned char>& bytes, const std::string& source,
+               const std::string& what);
+
 /// "; it looks like a text", or what else the bytes of a file are, from their beginning; empty where that
 /// says nothing.
 std::string LooksLike(std::span<const unsigned char> bytes);

@@ -8,6 +8,8 @@ namespace VeskTool {
 
 Action AddConfigShow(CLI::App& command);
 Action AddConfigDiff(CLI::App& command);
+Action AddConfigBuild(CLI::App& command);
+Action AddConfigDecompile(CLI::App& command);
 Action AddFirmwareShow(CLI::App& command);
 Action AddFirmwareBuild(CLI::App& command);
 Action AddGsdShow(CLI::App& command);

@@ -6,13 +6,10 @@
 #include "tools/vesk/text/Numbers.h"
 #include "tools/vesk/text/Text.h"
 #include "vesk/system/Convert.h"
-#include "vesk/system/io/File.h"
 
 #include <algorithm>
-#include <filesystem>
 #include <iostream>
 #include <limits>
-#include <sys/stat.h>
 
 namespace VeskTool {
 
@@ -80,22 +77,6 @@ void ParseEraseSegmentsCount(FirmwareHeader& header, const std::vector<std::stri
 }
 
 /// A device or a folder must not give way to the new file, nor the image that it is made from.
-void CheckOutput(const BuildOptions& options) {
-    std::error_code ignored;
-    const auto status = std::filesystem::status(options.outputPath, ignored);
-    if (std::filesystem::exists(status) && !std::filesystem::is_regular_file(status))
-        throw Failure(options.outputPath + ": is no regular file, so it is not replaced");
-    if (std::filesystem::equivalent(options.outputPath, options.imagePath, ignored))
-        throw Failure(options.outputPath + ": is the image itself, so it is not replaced");
-}
-
-void Write(const std::string& path, const std::vector<unsigned char>& bytes) {
-    System::IO::File::WriteAllBytes(path, System::Array<unsigned char>::Create(bytes));
-    const ::mode_t mask = ::umask(0);
-    ::umask(mask);
-    std::filesystem::permissions(path, static_cast<std::filesystem::perms>(0666 & ~mask));
-}
-
 void Build(const BuildOptions& options) {
     Program program = LoadProgram(options.imagePath);
     if (options.seal)
@@ -111,8 +92,7 @@ void Build(const BuildOptions& options) {
     header.crcLength = options.crcLength.value_or(
         static_cast<unsigned int>(end - std::min<std::uint64_t>(end, header.crcStart)));
     const auto bytes = EncodeFirmwareFile(header, program);
-    CheckOutput(options);
-    Write(options.outputPath, bytes);
+    WriteFile(options.outputPath, bytes, options.imagePath, "the image");
     const auto file = FirmwareFile(options.outputPath).Content();
     std::cout << Harmless(options.outputPath) << ": " << bytes.size() << " bytes, checksum " << Hex(file->Crc)
               << "\n";

@@ -1,0 +1,22 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "busdescription/compile/Compile.h"
+
+namespace VeskTool {
+
+/// A bus description and what it makes.
+struct CompiledDescription {
+    BusDescription::Description description;
+    BusDescription::CompiledBus bus;
+};
+
+/// Reads and compiles the bus description at `path`; device description files lie beside it. Warnings go to
+/// standard error, a line each, and so do errors before the Failure that counts them. `strict`: warnings are
+/// errors.
+CompiledDescription CompileDescription(const std::string& path, bool strict = false);
+
+/// Whether the file's name is that of a bus description: it ends with ".toml".
+bool IsDescription(const std::string& path);
+
+} // namespace VeskTool
