@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 // Writes what the fuzzers start from, one folder for each of them:
 //
-//     fuzz_seeds FOLDER EXAMPLES
+//     fuzz_seeds FOLDER EXAMPLES TESTS
 #include "fuzz/Steps.h"
 
 #include "tests/support/DatabaseFileBuilder.h"
@@ -241,17 +241,21 @@ void PutBootloaderLives() {
 } // namespace
 
 int main(int argc, char** argv) {
-    if (argc != 3) {
-        std::fprintf(stderr, "usage: fuzz_seeds FOLDER EXAMPLES\n");
+    if (argc != 4) {
+        std::fprintf(stderr, "usage: fuzz_seeds FOLDER EXAMPLES TESTS\n");
         return 2;
     }
     folder = argv[1];
     const std::filesystem::path examples = argv[2];
+    const std::filesystem::path tests = argv[3];
     PutDatabaseFiles();
     Put("DatabaseFile", "plant", Content(examples / "plant.ddb"));
     PutRecords();
     PutFirmwareFiles();
     Put("FirmwareFile", "example", Content(examples / "firmware" / "vt22-1.5.0.fw"));
+    Put("Gsd", "drive", Content(examples / "drive.gsd"));
+    for (const auto& file : std::filesystem::directory_iterator(tests / "data" / "gsd"))
+        Put("Gsd", file.path().filename(), Content(file.path()));
     PutMessages();
     PutDumps();
     PutMasterLives();

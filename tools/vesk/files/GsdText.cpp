@@ -60,11 +60,18 @@ std::string UpTo(const Gsd::Given<unsigned int>& most, const std::string& what =
 }
 
 std::string Ranges(const std::vector<Gsd::Interval>& intervals) {
-    std::vector<std::string> texts;
+    std::string text;
     for (const Gsd::Interval& interval : intervals)
-        texts.push_back(std::to_string(interval.least) +
-                        (interval.least == interval.most ? "" : "-" + std::to_string(interval.most)));
-    return Joined(texts, ", ");
+        text += (text.empty() ? "" : ", ") + std::to_string(interval.least) +
+                (interval.least == interval.most ? "" : "-" + std::to_string(interval.most));
+    return text;
+}
+
+std::string Pairs(const std::vector<std::uint8_t>& bytes) {
+    std::string text;
+    for (const std::uint8_t byte : bytes)
+        text += (text.empty() ? "" : " ") + HexDigits({&byte, 1});
+    return text;
 }
 
 /// Nothing is written without a text.
@@ -153,11 +160,8 @@ void Writer::WriteDpv1() {
 
 void Writer::WritePart(const Gsd::ParameterPart& part, const std::vector<std::uint8_t>& bytes,
                        const std::string& indent) {
-    std::vector<std::string> pairs;
-    for (const std::uint8_t byte : bytes)
-        pairs.push_back(HexDigits({&byte, 1}));
     _out << indent << (bytes.empty() ? "none" : Counted(bytes.size(), "byte") + " by default: ")
-         << Joined(pairs, " ") << "\n";
+         << Pairs(bytes) << "\n";
     for (const Gsd::ParameterReference& reference : part.references) {
         const Gsd::Parameter& parameter = _device.parameterTypes[reference.parameter];
         _out << indent << "at " << Padded(std::to_string(reference.offset), 4)
@@ -175,12 +179,9 @@ void Writer::WritePart(const Gsd::ParameterPart& part, const std::vector<std::ui
 void Writer::WriteModules() {
     _out << "\nModules, with the bytes that they send to the bus and get from it\n";
     for (const Gsd::Module& module : _device.modules) {
-        std::vector<std::string> pairs;
-        for (const std::uint8_t byte : module.identifierBytes)
-            pairs.push_back(HexDigits({&byte, 1}));
         _out << "  " << Padded(Harmless(module.name), 40) << " to "
              << Padded(std::to_string(module.lengths.toBus), 3) << " from "
-             << Padded(std::to_string(module.lengths.fromBus), 3) << " " << Joined(pairs, " ")
+             << Padded(std::to_string(module.lengths.fromBus), 3) << " " << Pairs(module.identifierBytes)
              << (module.reference ? ", reference " + std::to_string(module.reference.value) : "")
              << (module.preset ? ", preset" : "")
              << (module.safetyKeyword ? ", for functional safety: cannot be used" : "") << "\n";
