@@ -6,6 +6,7 @@
 #include "vesk/io/InArea.h"
 #include "vesk/io/OutArea.h"
 
+#include <numeric>
 #include <random>
 #include <tuple>
 
@@ -111,6 +112,20 @@ TEST(InAreaTest, LooksAtTheMappedBytesOnlyAndKeepsWhatItCouldNotWrite) {
     };
     broken(1, "srcOffset (1) + count (8) must not be greater than the length of src (8)");
     broken(-1, "srcOffset (-1) must not be less than zero (0)");
+}
+
+TEST(OutAreaTest, BringsWhatStandsBeforeASegmentThatLeavesItsArray) {
+    const auto dpRam = std::make_shared<RecordingHostInterface>();
+    const auto area = OutArea::Create(0, 3500, dpRam);
+    const Bytes whole = Array<unsigned char>::Create(4);
+    area->MapOutputData(1, whole, 0, 1);
+    area->MapOutputData(3, whole, 1, 1); // with the next two a run of neighbours
+    area->MapOutputData(4, whole, 2, 2);
+    area->MapOutputData(6, Array<unsigned char>::Create(2), 1, 2);
+    std::iota(dpRam->bytes.begin(), dpRam->bytes.begin() + 8, static_cast<unsigned char>(0));
+    ExpectFailure<ArgumentOutOfRangeException>(
+        "offset (1) + count (2) must not be greater than the length of array (2)", [&] { area->Update(); });
+    EXPECT_THAT(Values(whole), testing::ElementsAre(1, 3, 4, 5));
 }
 
 TEST(ProcessAreasTest, NeighboursInTheAreaArePartWhereDpRamOffsetsWrap) {

@@ -43,6 +43,7 @@ void RecordingHostInterface::Store(int offset, int width, unsigned int value) {
 
 void RecordingHostInterface::Read(int offset, const std::shared_ptr<System::IArray<unsigned char>>& array,
                                   int arrayOffset, int count) {
+    System::CheckRange(array.get(), arrayOffset, count); // as that of a real DPRAM does
     Note(Text("R %04x+%d", offset, count));
     std::copy_n(&bytes.at(static_cast<std::size_t>(offset)), count, array->Data() + arrayOffset);
 }
