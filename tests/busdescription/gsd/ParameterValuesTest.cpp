@@ -143,6 +143,7 @@ TEST(DeviceTest, KnowsItsModulesAndSlots) {
     ASSERT_NE(device.SlotNumbered(1), nullptr);
     EXPECT_TRUE(device.SlotNumbered(1)->Allows(7));
     EXPECT_FALSE(device.SlotNumbered(1)->Allows(3));
+    EXPECT_TRUE(device.SlotNumbered(2)->Allows(8));
     EXPECT_EQ(device.modules[1].safetyKeyword.value, "F_ParamDescCRC");
     EXPECT_EQ(device.identNumber.line, 5U);
     EXPECT_EQ(ReadFile(SOURCE_DIR "/tests/data/gsd/parameters.gsd").device.userParameters.line, 47U);
