@@ -64,7 +64,9 @@ void Bootloader::TakeHostRegister() {
         return;
     _host = value;
     _board.CheckMemory(BootloaderMap::MAILBOX_IN);
-    _board.watch.Log([&] { return "host " + Hex(value); });
+    _board.watch.Log([&] {
+        return "applicationIndication " + Hex(value) + Labels(value, ApplicationIndication_t::LABELS);
+    });
     if ((value & AREA_BITS) != 0)
         _board.watch.Report(Violation::AREA_COMMAND, Hex(value));
     if (changed & ApplicationIndication_t::EVENT)
@@ -86,7 +88,8 @@ void Bootloader::Indicate(Mailbox::Turn mail, std::int64_t now) {
 
 void Bootloader::Indicate() {
     _board.Indicate({BootloaderMap::VELMO_INDICATION}, _module);
-    _board.watch.Log([&] { return "indication " + Hex(_module); });
+    _board.watch.Log(
+        [&] { return "velmoIndication " + Hex(_module) + Labels(_module, VelmoIndication_t::LABELS); });
 }
 
 } // namespace VirtualModule

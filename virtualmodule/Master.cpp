@@ -76,7 +76,9 @@ void Master::Indicate(std::int64_t now) {
     _board.Indicate({MasterMap::VELMO_INDICATION, MasterMap::VELMO_INDICATION_COMPANION}, indication);
     _state = _fatal ? State::STOPPED : State::INDICATING;
     if (indication != 0)
-        _board.watch.Log([&] { return "indication " + Hex(indication); });
+        _board.watch.Log([&] {
+            return "velmoIndication " + Hex(indication) + Labels(indication, Vt22VelmoIndication_t::LABELS);
+        });
 }
 
 std::uint8_t Master::NextIndication(std::int64_t now) {
@@ -128,7 +130,9 @@ void Master::HandleHostIndication(std::uint8_t value) {
         _board.watch.Report(Violation::RESERVED_BIT, Hex(value));
     _board.CheckMemory(MasterMap::MAILBOX_IN);
     if (value != 0)
-        _board.watch.Log([&] { return "host " + Hex(value); });
+        _board.watch.Log([&] {
+            return "applicationIndication " + Hex(value) + Labels(value, Vt22ApplicationIndication_t::LABELS);
+        });
     if (value & Vt22ApplicationIndication_t::OUT)
         _processData->OutputReleased();
     if (value & Vt22ApplicationIndication_t::IN)

@@ -99,7 +99,7 @@ constexpr const char* MOMENTS[]{"boots as the master",
                                 "command VelmoInit",
                                 "  online",
                                 "command SetOperation",
-                                "indication 0x03"};
+                                "velmoIndication 0x03"};
 constexpr int ENDLESS = 1'000'000'000;
 
 TEST_F(TwoProcessesTest, ANewHostRecoversAfterEitherWasKilled) {
@@ -171,7 +171,7 @@ TEST_F(TwoProcessesTest, WhatTheHostBreaksIsReportedAtOnceAndCountedAtTheEnd) {
     const auto lines = LinesFile::Open(files.lines);
     lines->BootloaderEnable_n()->Invoke(true);
     lines->Reset_n()->Invoke(true);
-    ASSERT_TRUE(module->WaitForOut("indication 0x10"));
+    ASSERT_TRUE(module->WaitForOut("velmoIndication 0x10 powerOn"));
     const int dpRam = ::open(files.dpRam.c_str(), O_RDWR | O_CLOEXEC);
     EXPECT_EQ(::pwrite(dpRam, "\x80", 1, 0x1FFA), 1) << "a reserved bit, and nobody has read the line";
     EXPECT_EQ(::pwrite(dpRam, "\x80", 1, 0x1FFC), 1);
@@ -225,7 +225,7 @@ TEST_F(TwoProcessesTest, WhatIsInUseStaysWithWhoHasIt) {
         EXPECT_THROW(LinesFile::Open(files.lines), InUse);
     }
     const auto host = files.StartHost(ENDLESS);
-    ASSERT_TRUE(module->WaitForOut("indication 0x03"));
+    ASSERT_TRUE(module->WaitForOut("velmoIndication 0x03"));
     const TemporaryFolder other;
     const auto moduleOn = [&](const std::string& dpRam, const std::string& lines, const std::string& flash) {
         return RunTool::Arguments{"module", "--dpram", dpRam, "--lines", lines, "--flash", flash};

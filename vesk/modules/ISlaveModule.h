@@ -12,8 +12,8 @@ namespace Vesk::Modules::Slave {
 /// output comes from it.
 class ISlaveModule : public IModule {
 public:
-    /// Starts the initialisation; Initialized() turns true in a later Update. All mappings have to be made
-    /// before it. ModuleStateException before the boot and when it was started already.
+    /// Starts the initialisation; Initialized() turns true in a later Update. Mappings are
+    /// made before it, for it checks them against the database. ModuleStateException before the boot and when it was started already.
     virtual void BeginInitialization() = 0;
     /// The module is initialised: process data and commands are in normal use.
     virtual bool Initialized() = 0;
@@ -24,7 +24,9 @@ public:
     virtual unsigned char SoftwareBuild() = 0;
 
     /// Sends `count` bytes of `src` from `srcOffset` on to `offset` of the input area whenever one of them
-    /// has changed. A mapping lasts until the next power-on. ConfigException for one that leaves the area or
+    /// has changed. A mapping lasts until the next power-on. One that is made after BeginInitialization takes
+    /// part in the exchange from the next hand-over on, but is not checked against the database any more:
+    /// bytes that the database does not use lead nowhere. ConfigException for one that leaves the area or
     /// meets another, ArgumentNullException without an array, NullReferenceException before the first
     /// power-on.
     virtual void MapInputData(unsigned short offset, std::shared_ptr<System::IArray<unsigned char>> src,

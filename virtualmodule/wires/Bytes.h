@@ -46,6 +46,9 @@ inline void Append(Bytes& to, ByteView bytes) {
     to.insert(to.end(), bytes.begin(), bytes.end());
 }
 
+/// The label of each set bit, from bit 0 on, behind a blank.
+std::string Labels(unsigned value, std::span<const char* const> labels);
+
 /// "0x" and at least two lower-case digits.
 std::string Hex(std::uint64_t value);
 

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "tools/vesk/documents/CommandTree.h"
 
+#include "virtualmodule/faults/Faults.h"
+
 #include <sstream>
 #include <string_view>
 
@@ -23,6 +25,10 @@ static CommandTree::Parameter ParameterOf(const CLI::Option& option) {
         parameter.names.push_back("--" + name);
     parameter.description = option.get_description();
     parameter.values = ValuesOf(option.get_type_name());
+    if (!parameter.names.empty() && parameter.names.back() == "--fault") // too many for a help
+        for (const auto& kind : VirtualModule::Faults())
+            if (parameter.values.empty() || parameter.values.back() != kind.name)
+                parameter.values.emplace_back(kind.name);
     parameter.environment = option.get_envname();
     parameter.required = option.get_required();
     parameter.several = option.get_items_expected_max() > 1;

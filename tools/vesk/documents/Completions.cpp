@@ -73,7 +73,8 @@ std::string ZshOption(const CommandTree::Parameter& option) {
     std::string text;
     std::string description = "[" + ZshText(option.description) + "]";
     if (!option.value.empty())
-        description += ":" + ZshText(option.value) + ":_files";
+        description += ":" + ZshText(option.value) + ":" +
+                       (option.values.empty() ? "_files" : "(" + Joined(option.values, " ") + ")");
     for (const std::string& name : option.names)
         text += " \\\n            " + Quoted(name + description, "'\\''");
     return text;
@@ -103,7 +104,9 @@ std::string FishOption(const std::string& condition, const CommandTree::Paramete
     std::string text = condition;
     for (const std::string& name : option.names)
         text += name.starts_with("--") ? " -l " + name.substr(2) : " -s " + name.substr(1);
-    if (!option.value.empty())
+    if (!option.values.empty())
+        text += " -x -a '" + Joined(option.values, " ") + "'";
+    else if (!option.value.empty())
         text += " -r";
     return text + " -d " + Quoted(option.description, "\\'") + "\n";
 }
@@ -119,6 +122,13 @@ std::string BashCompletion(const CommandTree& program) {
     Walk(program, [&](const CommandTree& command) {
         text += "        '" + PathBelow(program, command) + "') words='" + Joined(Words(command), " ") +
                 "' options='" + Joined(OptionNames(command), " ") + "' ;;\n";
+    });
+    text += "    esac\n    case \"$at ${COMP_WORDS[COMP_CWORD-1]}\" in\n";
+    Walk(program, [&](const CommandTree& command) {
+        for (const CommandTree::Parameter& option : command.options)
+            if (!option.values.empty())
+                text += "        '" + PathBelow(program, command) + " " + option.names.back() + "') words='" +
+                        Joined(option.values, " ") + "' ;;\n";
     });
     return text +
            "    esac\n"

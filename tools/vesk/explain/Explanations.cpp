@@ -70,7 +70,9 @@ static void AddErrorCodes(All& all) {
             "slaves."},
         Row{*ErrorCode::FLASH_CONFIG_ERROR, "FLASH_CONFIG_ERROR",
             "The module's flash holds no configuration database, or a damaged one.",
-            "Download the configuration again: vesk download CONFIG.ddb."},
+            "See first that answers arrive whole: vesk identify says the same twice; otherwise check the "
+            "data "
+            "lines of the DPRAM. Then download the configuration again: vesk download CONFIG.ddb."},
         Row{*ErrorCode::INVALID_OTHER, "INVALID_OTHER",
             "The module or the slave cannot do that in the state that it is in.",
             "Check the request's parameters, and see what is not right: vesk status."},

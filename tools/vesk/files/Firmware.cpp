@@ -40,15 +40,14 @@ CLI::Option* AddNumber(CLI::App& command, const std::string& name, Target& targe
     return command.add_option_function<std::string>(name, take, description)->type_name("NUMBER");
 }
 
+/// One of the three, as the option has checked.
 void ParseType(FirmwareHeader& header, const std::string& text) {
     if (text == "bootloader")
         header.type = FirmwareType_e::BOOTLOADER_FIRMWARE;
     else if (text == "application")
         header.type = FirmwareType_e::APPLICATION_FIRMWARE;
-    else if (text == "configuration")
-        header.type = FirmwareType_e::CONFIGURATION_FIRMWARE;
     else
-        throw CLI::ValidationError("--type", text + " is not bootloader, application or configuration");
+        header.type = FirmwareType_e::CONFIGURATION_FIRMWARE;
 }
 
 void ParseDescription(FirmwareHeader& header, const std::string& text) {
@@ -163,6 +162,7 @@ Action AddFirmwareBuild(CLI::App& command) {
             "--type", [&header](const std::string& text) { ParseType(header, text); },
             "bootloader, application or configuration")
         ->required()
+        ->check(CLI::IsMember({"bootloader", "application", "configuration"}))
         ->type_name("TYPE");
     AddNumber<unsigned short>(command, "--module-id", header.moduleId, "Module identification")->required();
     AddNumber<unsigned int>(command, "--address", header.addressBurnStart, "Flash address of the program")

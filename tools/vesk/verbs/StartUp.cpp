@@ -155,6 +155,10 @@ std::string Examination::ModuleReady() {
     return "VT22, serial " + Hex(_session.Module().Serial()) + ", firmware " + _session.FirmwareVersion();
 }
 
+bool IsChecksum(const std::string& text) {
+    return text.size() == 8 && text.find_first_not_of("0123456789abcdefABCDEF") == text.npos;
+}
+
 std::string Examination::DatabaseMatches() {
     const auto info = _session.AskForDatabase();
     if (!info)
@@ -162,6 +166,11 @@ std::string Examination::DatabaseMatches() {
                       "vesk download CONFIG.ddb"};
     const std::string description = Printable(info->Description.Value());
     const std::string expected = _arguments.value("checksum", description);
+    if (!IsChecksum(info->Description.Value()))
+        throw Problem{
+            "The module describes its database by \"" + description + "\", which is no checksum",
+            "Another tool has written it, or the DPRAM garbles what it carries",
+            "Check the data lines of the DPRAM; vesk identify shows whether other answers arrive whole"};
     if (expected != description)
         throw Problem{"The module holds the database " + description + " instead of " + expected,
                       "Another configuration was downloaded", "vesk download CONFIG.ddb"};
