@@ -20,8 +20,8 @@ struct Command {
 /// The one table of them, in the order of the help.
 const std::vector<Command>& Commands();
 
-/// Adds them all to the program; the one that is chosen sets `failed`, its exit status when something fails, and
-/// then `status`, the one that it has ended with.
+/// Adds them all to the program; the one that is chosen sets `failed`, its exit status when something fails,
+/// and then `status`, the one that it has ended with.
 void AddCommands(CLI::App& program, int& status, int& failed);
 
 } // namespace VeskTool

@@ -13,7 +13,8 @@ namespace Vesk::Modules::Slave {
 class ISlaveModule : public IModule {
 public:
     /// Starts the initialisation; Initialized() turns true in a later Update. Mappings are
-    /// made before it, for it checks them against the database. ModuleStateException before the boot and when it was started already.
+    /// made before it, for it checks them against the database. ModuleStateException before the boot and when
+    /// it was started already.
     virtual void BeginInitialization() = 0;
     /// The module is initialised: process data and commands are in normal use.
     virtual bool Initialized() = 0;
