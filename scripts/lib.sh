@@ -4,7 +4,8 @@
 set -euo pipefail
 cd "$(dirname "${BASH_SOURCE[0]}")/.."
 
-BUILD_PACKAGES=(g++ cmake ninja-build pkg-config libcli11-dev nlohmann-json3-dev libtomlplusplus-dev libgpiod-dev)
+BUILD_PACKAGES=(g++ cmake ninja-build pkg-config libcli11-dev nlohmann-json3-dev libtomlplusplus-dev libgpiod-dev
+    libedit-dev)
 TEST_PACKAGES=(libgtest-dev libgmock-dev)
 
 # Prints what happened as the last line and ends the script.
@@ -21,6 +22,7 @@ found_without_packages() {
         nlohmann-json3-dev) have_header nlohmann/json.hpp ;;
         libtomlplusplus-dev) have_header toml++/toml.h ;;
         libgpiod-dev) have_header gpiod.h ;;
+        libedit-dev) have_header editline/readline.h ;;
         libgtest-dev) have_header gtest/gtest.h ;;
         libgmock-dev) have_header gmock/gmock.h ;;
         libbenchmark-dev) have_header benchmark/benchmark.h ;;

@@ -7,8 +7,9 @@ LIC_FILES_CHKSUM = "file://LICENSE;md5=4fd17f5732ee92a555159413e2b31094"
 
 SRC_URI = "file://vesk-${PV}.tar.gz"
 
-# The library needs nothing but the C++ library; these are for the command line. All three are in meta-oe.
-DEPENDS = "cli11 nlohmann-json libgpiod tomlplusplus"
+# The library needs nothing but the C++ library; these are for the command line. libedit is in oe-core, the others are
+# in meta-oe.
+DEPENDS = "cli11 nlohmann-json libgpiod libedit tomlplusplus"
 
 inherit cmake pkgconfig
 

@@ -21,7 +21,7 @@ TEST(CommandsTest, EachSaysWhatItDoesAndHow) {
     const std::string all = RunTool::Text({"--help"});
     const Arguments withoutJson{"config",           "firmware",       "gsd",     "flash", "module",
                                 "config decompile", "firmware build", "generate"};
-    for (const auto& [name, group, text, add, failed] : VeskTool::Commands()) {
+    for (const auto& [name, group, text, add, failed, alone] : VeskTool::Commands()) {
         SCOPED_TRACE(name);
         const std::string help = RunTool::Text(RunTool::Join(Words(name), {"--help"}));
         EXPECT_TRUE(help.starts_with(text + "\n")) << help;

@@ -62,7 +62,7 @@ TEST(InterruptionTest, CarefulWorkStopsWhenItIsAskedTwice) {
     const auto stops = [](int signal) {
         std::raise(signal);
         try {
-            StopIfSignalled([] { return "somewhere"; });
+            StopIfSignalled([](int) { return "somewhere"; });
         } catch (const Interrupted& interrupted) {
             return interrupted.What();
         }

@@ -5,6 +5,7 @@
 #include "tools/vesk/explain/Explain.h"
 #include "tools/vesk/files/FileCommands.h"
 #include "tools/vesk/jobs/Jobs.h"
+#include "tools/vesk/shell/Shell.h"
 #include "tools/vesk/verbs/Verbs.h"
 
 namespace VeskTool {
@@ -16,6 +17,7 @@ const std::vector<Command>& Commands() {
     static const std::string TRIAL = "Trying it out";
     static const std::string FILES = "Files and words";
     static const std::string HIDDEN;
+    constexpr bool ALONE = true;
     static const std::string ON_THE_BUS =
         "\nResets the module and takes it onto the bus, in OPERATE with all inputs 0.";
     static const std::string WHETHER_IT_WORKS =
@@ -46,7 +48,7 @@ const std::vector<Command>& Commands() {
          "Ctrl-C "
          "stops it the second time.\n"
          "Example: vesk download examples/plant.ddb",
-         AddDownload},
+         AddDownload, FAILED, ALONE},
         {"verify", MODULE,
          "Compare the module's database with a configuration and change nothing; exit status 3 where they "
          "differ.\n"
@@ -60,7 +62,21 @@ const std::vector<Command>& Commands() {
          "It goes "
          "on without its terminal; in the middle Ctrl-C stops it the second time.\n"
          "Example: vesk flash examples/firmware/vt22-1.5.0.fw --yes",
-         AddFlash},
+         AddFlash, FAILED, ALONE},
+        {"shell", MODULE,
+         "Keep one life with the module and take the commands that can share it, one in a line, from a "
+         "person "
+         "or from a pipe or file. What is set stays set from line to line.\n"
+         "Words are split as by a shell, with quotes; what follows # is a comment. help shows the commands, "
+         "restart begins another life, quit or the end of the input leaves the module in reset. Ctrl-C stops "
+         "a "
+         "command of a person's, and the life goes on.\n"
+         "From a pipe or file the exit status is 0, or the worst of those of the lines: 2 before 1 before 3. "
+         "With --json each object is a line, with the number and the text of the line that it answers.\n"
+         "Resets the module.\n"
+         "Example: vesk shell\n"
+         "Example: vesk shell --json < script",
+         [](CLI::App& app) { return AddShell(app, AddSharingCommands); }, FAILED, ALONE},
 
         {"slaves", BUS,
          "Show each slave in a line, with the lengths of its input (to the bus) and output (from the bus), "
@@ -89,20 +105,32 @@ const std::vector<Command>& Commands() {
          AddSetAddress},
 
         {"diag", SLAVE,
-         "Show a slave's diagnosis, the standard bytes bit by bit and what follows block by block." +
-             ON_THE_BUS + "\nExample: vesk diag 5",
+         "Show a slave's diagnosis, the standard bytes bit by bit and what follows block by block; or with "
+         "--all "
+         "those of all slaves in a table." +
+             ON_THE_BUS + "\nExample: vesk diag 5\nExample: vesk diag --all",
          AddDiag},
         {"slave-config", SLAVE,
          "Show the modules that a slave is made of, as it says itself." + ON_THE_BUS +
              "\nExample: vesk slave-config 33",
          AddSlaveConfig},
         {"input", SLAVE,
-         "Show the input data that the master sends to a slave." + ON_THE_BUS + "\nExample: vesk input 5",
+         "Show the input data that the master sends to a slave; with --watch each change of them." +
+             ON_THE_BUS + "\nExample: vesk input 5",
          AddInput},
         {"output", SLAVE,
-         "Show the output data that the master gets from a slave." + ON_THE_BUS +
-             "\nExample: vesk output 5 --json",
+         "Show the output data that the master gets from a slave; with --watch each change of them." +
+             ON_THE_BUS + "\nExample: vesk output 5 --json\nExample: vesk output 5 --watch --seconds 60",
          AddOutput},
+        {"set", SLAVE,
+         "Set input data of a slave, which the master sends to it, and wait until the master has them; exit "
+         "status 3 if it does not take them. They last as long as the life of the module: in `vesk shell` "
+         "until "
+         "it ends. Otherwise the module goes back into reset at once, so what it shows is whether it works.\n"
+         "Where a slave has its bytes, only the configuration of the module says: --config. A virtual module "
+         "has that of examples/plant.ddb." +
+             ON_THE_BUS + "\nExample: vesk set 5 0a0b0c\nExample: vesk set 5 4 \"0a 0b\"",
+         AddSet},
         {"read", SLAVE, "Read a record of a slave." + ON_THE_BUS + "\nExample: vesk read 5 0 1 64", AddRead},
         {"write", SLAVE,
          "Write a record of a slave." + ON_THE_BUS + "\nExample: vesk write 5 1 200 \"0a 0b 0c\"", AddWrite},
@@ -113,7 +141,7 @@ const std::vector<Command>& Commands() {
          "The check expects the slaves of the virtual module, which send back what they get, and overwrites "
          "a record of the first slave: do not run it on a machine.\n"
          "Example: vesk run examples/plant.ddb --cycles 5000",
-         AddRun},
+         AddRun, FAILED, ALONE},
         {"module", TRIAL,
          "Play a module in software, for a host in another process: any command or application that is "
          "given the same two files. The files are made where they are missing. Ends at Ctrl-C.\n"
@@ -121,7 +149,7 @@ const std::vector<Command>& Commands() {
          "A host in another terminal, like that of the second example, then works with it.\n"
          "Example: vesk module --dpram /tmp/dpram --lines /tmp/lines --flash /tmp/flash --log\n"
          "Example: vesk run examples/plant.ddb --dpram /tmp/dpram --lines /tmp/lines",
-         AddModule},
+         AddModule, FAILED, ALONE},
 
         {"config", FILES, "Make, show and compare configuration database files.", nullptr},
         {"config show", FILES,
@@ -143,7 +171,7 @@ const std::vector<Command>& Commands() {
          "Make a bus description of a configuration database file, of which config build makes the same "
          "database again.\n"
          "Example: vesk config decompile examples/plant.ddb",
-         AddConfigDecompile},
+         AddConfigDecompile, FAILED, ALONE},
         {"firmware", FILES, "Make and show firmware files.", nullptr},
         {"firmware show", FILES,
          "Show what a firmware file says about its program, and whether its checksum fits.\n"
@@ -153,7 +181,7 @@ const std::vector<Command>& Commands() {
          "Make a firmware file of a program image. Numbers are decimal, or hexadecimal after 0x.\n"
          "Example: vesk firmware build image.bin -o vt22.fw --type application --module-id 0x201 --address "
          "0x20000",
-         AddFirmwareBuild},
+         AddFirmwareBuild, FAILED, ALONE},
         {"gsd", FILES, "Show and check device description files (GSD) of slaves.", nullptr},
         {"gsd show", FILES,
          "Show what a device description file says: the device, data rates, modules with the bytes that they "
@@ -183,7 +211,8 @@ const std::vector<Command>& Commands() {
          "Example: vesk explain Timeout waiting for initial IRQ",
          AddExplain},
         {"generate", HIDDEN,
-         "Print a document that is made by the program, for the installation or for docs/.", AddGenerate},
+         "Print a document that is made by the program, for the installation or for docs/.", AddGenerate,
+         FAILED, ALONE},
     };
     return COMMANDS;
 }
@@ -197,23 +226,48 @@ static void TakeInOrder(CLI::App& command) {
         TakeInOrder(*group);
 }
 
-void AddCommands(CLI::App& program, int& status, int& failed) {
-    for (const Command& row : Commands()) {
-        const auto blank = row.name.find(' ');
-        const bool top = blank == std::string::npos;
-        CLI::App& above = top ? program : *program.get_subcommand(row.name.substr(0, blank));
-        CLI::App& command = *above.add_subcommand(row.name.substr(top ? 0 : blank + 1), row.help);
-        command.group(top ? row.group : "Subcommands");
-        if (!row.add) {
-            command.require_subcommand(1);
-            continue;
-        }
-        command.callback([act = row.add(command), whenFailed = row.failed, &status, &failed] {
-            failed = whenFailed;
-            status = act();
-        });
-        TakeInOrder(command);
+/// Adds the row's command, below the one that stands before it.
+static CLI::App& AddRow(CLI::App& program, const Command& row) {
+    const auto blank = row.name.find(' ');
+    const bool top = blank == std::string::npos;
+    CLI::App& above = top ? program : *program.get_subcommand(row.name.substr(0, blank));
+    CLI::App& command = *above.add_subcommand(row.name.substr(top ? 0 : blank + 1), row.help);
+    command.group(top ? row.group : "Subcommands");
+    return command;
+}
+
+static void AddCommand(CLI::App& program, const Command& row, int& status, int& failed) {
+    CLI::App& command = AddRow(program, row);
+    if (!row.add) {
+        command.require_subcommand(1);
+        return;
     }
+    command.callback([act = row.add(command), whenFailed = row.failed, &status, &failed] {
+        failed = whenFailed;
+        status = act();
+    });
+    TakeInOrder(command);
+}
+
+/// Adds a command that only says where it is.
+static void AddRefusal(CLI::App& program, const Command& row) {
+    AddRow(program, row).group("")->allow_extras()->callback([name = row.name] {
+        throw CLI::ValidationError(name + " is no command of a shell: quit, and then vesk " + name,
+                                   CLI::ExitCodes::ValidationError);
+    });
+}
+
+void AddCommands(CLI::App& program, int& status, int& failed) {
+    for (const Command& row : Commands())
+        AddCommand(program, row, status, failed);
+}
+
+void AddSharingCommands(CLI::App& program, int& status, int& failed) {
+    for (const Command& row : Commands())
+        if (row.alone)
+            AddRefusal(program, row);
+        else
+            AddCommand(program, row, status, failed);
 }
 
 } // namespace VeskTool

@@ -3,6 +3,7 @@
 
 #include "virtualmodule/faults/Faults.h"
 
+#include <algorithm>
 #include <sstream>
 #include <string_view>
 
@@ -62,6 +63,28 @@ void CommandTree::AddParts(const CLI::App& app) {
             AddParts(*part);
         else if (!part->get_group().empty())
             commands.emplace_back(*part, path);
+}
+
+std::vector<std::string> CommandTree::Words() const {
+    std::vector<std::string> words;
+    for (const CommandTree& one : commands)
+        words.push_back(one.name);
+    for (const Parameter& argument : arguments)
+        words.insert(words.end(), argument.values.begin(), argument.values.end());
+    return words;
+}
+
+std::vector<std::string> CommandTree::OptionNames() const {
+    std::vector<std::string> all;
+    for (const Parameter& option : options)
+        all.insert(all.end(), option.names.begin(), option.names.end());
+    return all;
+}
+
+const CommandTree* CommandTree::Find(const std::string& command) const {
+    const auto found = std::find_if(commands.begin(), commands.end(),
+                                    [&](const CommandTree& one) { return one.name == command; });
+    return found == commands.end() ? nullptr : &*found;
 }
 
 std::string CommandTree::Summary() const {

@@ -33,6 +33,13 @@ struct CommandTree {
     /// The description's first sentence, without its full stop.
     std::string Summary() const;
 
+    /// What may follow: further commands, or the values of the arguments.
+    std::vector<std::string> Words() const;
+    std::vector<std::string> OptionNames() const;
+
+    /// The further command of that name; or null.
+    const CommandTree* Find(const std::string& command) const;
+
 private:
     void AddParts(const CLI::App& app);
 };

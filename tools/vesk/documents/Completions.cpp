@@ -17,23 +17,6 @@ void Walk(const CommandTree& command, Visit visit) {
         Walk(one, visit);
 }
 
-/// What may follow the command: further commands, or the values of its arguments.
-std::vector<std::string> Words(const CommandTree& command) {
-    std::vector<std::string> words;
-    for (const CommandTree& one : command.commands)
-        words.push_back(one.name);
-    for (const CommandTree::Parameter& argument : command.arguments)
-        words.insert(words.end(), argument.values.begin(), argument.values.end());
-    return words;
-}
-
-std::vector<std::string> OptionNames(const CommandTree& command) {
-    std::vector<std::string> names;
-    for (const CommandTree::Parameter& option : command.options)
-        names.insert(names.end(), option.names.begin(), option.names.end());
-    return names;
-}
-
 /// In single quotes for a shell, with `apostrophe` for what stands for one inside.
 std::string Quoted(const std::string& text, std::string_view apostrophe) {
     std::string quoted = "'";
@@ -82,7 +65,7 @@ std::string ZshOption(const CommandTree::Parameter& option) {
 
 std::string ZshArguments(const CommandTree& command) {
     const std::vector<std::string> values =
-        command.commands.empty() ? Words(command) : std::vector<std::string>();
+        command.commands.empty() ? command.Words() : std::vector<std::string>();
     return values.empty() ? "'*:argument:_files'" : "'*:argument:(" + Joined(values, " ") + ")'";
 }
 
@@ -120,8 +103,8 @@ std::string BashCompletion(const CommandTree& program) {
                        "    for word in \"${COMP_WORDS[@]:1:COMP_CWORD-1}\"; do\n" +
                        FollowCommands(program) + "    done\n    case \"$at\" in\n";
     Walk(program, [&](const CommandTree& command) {
-        text += "        '" + PathBelow(program, command) + "') words='" + Joined(Words(command), " ") +
-                "' options='" + Joined(OptionNames(command), " ") + "' ;;\n";
+        text += "        '" + PathBelow(program, command) + "') words='" + Joined(command.Words(), " ") +
+                "' options='" + Joined(command.OptionNames(), " ") + "' ;;\n";
     });
     text += "    esac\n    case \"$at ${COMP_WORDS[COMP_CWORD-1]}\" in\n";
     Walk(program, [&](const CommandTree& command) {

@@ -189,6 +189,16 @@ std::string Diagnosis::Text(const Json& json) {
     return text + "Bytes         " + json["data"].get<std::string>() + "\n";
 }
 
+std::string Diagnosis::Summary(const Json& json) {
+    std::vector<std::string> parts;
+    for (const auto& [name, isSet] : json["status"].items())
+        if (isSet.get<bool>())
+            parts.push_back(name);
+    for (const Json& block : json["blocks"])
+        parts.push_back(BlockText(block));
+    return parts.empty() ? "nothing" : Joined(parts, ", ");
+}
+
 // ---- configuration identifiers
 
 namespace {

@@ -33,6 +33,9 @@ public:
     /// Bit by bit, then block by block.
     static std::string Text(const nlohmann::ordered_json& json);
 
+    /// The same in a line: the names of the bits that are set, then the blocks; "nothing" for none.
+    static std::string Summary(const nlohmann::ordered_json& json);
+
 private:
     void DecodeBlocks(std::span<const unsigned char> bytes);
 

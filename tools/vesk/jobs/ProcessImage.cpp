@@ -1,27 +1,10 @@
 // SPDX-License-Identifier: MIT
 #include "tools/vesk/jobs/ProcessImage.h"
 
+#include "tools/vesk/session/ProcessData.h"
 #include "tools/vesk/text/Elements.h"
 
-#include <functional>
-
 namespace VeskTool {
-
-using System::Array;
-using System::IArray;
-
-/// Calls `map` for each run of consecutive places, with the first place, the index of its byte and the
-/// length.
-static void ForEachRun(IArray<unsigned short>& places,
-                       const std::function<void(unsigned short place, int index, int count)>& map) {
-    int start = 0;
-    for (int i = 1; i <= places.Count(); ++i) {
-        if (i < places.Count() && places.Get(i) == places.Get(i - 1) + 1)
-            continue;
-        map(places.Get(start), start, i - start);
-        start = i;
-    }
-}
 
 /// A byte that differs from slave to slave, from place to place and from cycle to cycle.
 static unsigned char Pattern(unsigned char address, int index, unsigned int cycle) {
@@ -32,15 +15,8 @@ static unsigned char Pattern(unsigned char address, int index, unsigned int cycl
 ProcessImage::ProcessImage(const Vesk::Modules::DPVM::Config::IBusConfig& config,
                            Vesk::Modules::Slave::ISlaveModule& module) {
     for (const unsigned char address : Elements(*config.SlaveAddresses())) {
-        const auto table = config.Slave(address)->AddressTable();
-        const Slave slave{address, Array<unsigned char>::Create(table->InputOffsetTable()->Count()),
-                          Array<unsigned char>::Create(table->OutputOffsetTable()->Count())};
-        ForEachRun(*table->InputOffsetTable(), [&](unsigned short place, int index, int count) {
-            module.MapInputData(place, slave.input, index, count);
-        });
-        ForEachRun(*table->OutputOffsetTable(), [&](unsigned short place, int index, int count) {
-            module.MapOutputData(place, slave.output, index, count);
-        });
+        const auto record = config.Slave(address);
+        const Slave slave{address, MapInput(*record, module), MapOutput(*record, module)};
         _inputLength += slave.input->Count();
         _outputLength += slave.output->Count();
         _slaves.push_back(slave);

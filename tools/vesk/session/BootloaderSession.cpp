@@ -40,7 +40,7 @@ void BootloaderSession::Download(const std::shared_ptr<TarnFile>& file,
 
 /// One Update, and a rest for the processor that is short against the 0.5 ms between two requests.
 void BootloaderSession::Update() {
-    StopIfSignalled([] { return "in the bootloader; the module is in reset"; });
+    StopIfSignalled([](int) { return "in the bootloader; the module is in reset"; });
     _module->Update();
     std::this_thread::sleep_for(std::chrono::microseconds(20));
 }

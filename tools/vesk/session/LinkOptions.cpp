@@ -96,11 +96,16 @@ bool LinkOptions::UseVirtual() const {
         if (place->text)
             throw CLI::RequiresError(place->Name(), "--dpram (or VESK_DPRAM)");
     if (_unnamed == Unnamed::REFUSED)
+        CheckNamed();
+    return true;
+}
+
+void LinkOptions::CheckNamed() const {
+    if (!_virtual && !_dpRam.text)
         throw CLI::ValidationError(
             "no module is named, and this would change it: name one with --dpram and --lines or --gpio, or "
             "in VESK_DPRAM and VESK_LINES or VESK_GPIO; --virtual takes a virtual one",
             CLI::ExitCodes::RequiredError);
-    return true;
 }
 
 const LinkOptions::Place& LinkOptions::Lines() const {

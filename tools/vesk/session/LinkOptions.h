@@ -28,6 +28,12 @@ public:
     /// must not leave a module running.
     Link Open(VirtualModule::Flash flash = {}) const;
 
+    /// Whether the module is a virtual one; CLI::ParseError as from Open.
+    bool UseVirtual() const;
+
+    /// CLI::ParseError where no module is named, not even a virtual one.
+    void CheckNamed() const;
+
     /// The description of the module that this process talks to; empty as long as there is none.
     static const std::string& Opened();
 
@@ -53,7 +59,6 @@ private:
     static Gpio ParseGpio(const std::string& name, const std::string& text);
     static Link GpioLink(const Gpio& gpio);
 
-    bool UseVirtual() const;
     /// The lines, one of the two.
     const Place& Lines() const;
 

@@ -10,6 +10,7 @@
 
 #include <algorithm>
 #include <chrono>
+#include <csignal>
 #include <thread>
 
 namespace VeskTool {
@@ -19,9 +20,6 @@ using System::DateTime;
 using Vesk::Mailbox::ErrorCode;
 
 static constexpr double TIMEOUT_SECONDS = 15;
-
-/// What an interruption does to the module.
-static constexpr const char* END_OF_LIFE = "; the module is in reset";
 
 /// How long slaves may take to be parameterised, configured and taken into the exchange.
 static constexpr double SETTLING_SECONDS = 1;
@@ -86,6 +84,7 @@ int Session::Downloads() const {
 // ---- how far the module is
 
 void Session::Reach(Need need) {
+    CheckAlive();
     if (need == Need::NOTHING)
         return;
     UpdateUntil([this] { return _module->Booted(); }, "BOOTED");
@@ -102,8 +101,10 @@ void Session::Reach(Need need) {
 
 void Session::Initialise() {
     if (_module->State() < State::INITIALIZING) {
-        if (!_config && !AskForDatabase())
+        const auto database = _config ? _module->GetDatabaseInfo() : AskForDatabase();
+        if (!database)
             throw Failure("The module holds no database, so it cannot go onto a bus");
+        _inputs.Map(*_module, database->Description.Value());
         _module->BeginInitialization();
     }
     UpdateUntil([this] { return _module->Initialized(); }, "INITIALIZED");
@@ -125,14 +126,29 @@ bool Session::AllExchange() {
 
 // ---- the loop
 
+void Session::CheckAlive() const {
+    if (!Alive())
+        throw Failure("The life of the module has ended, so nothing can be asked of it");
+}
+
+/// What the signal does to the module.
+std::string Session::AfterSignal(int signal) const {
+    return signal == SIGINT && _outlivesInterrupts ? "; the module goes on" : "; the module is in reset";
+}
+
 void Session::Update() {
-    StopIfSignalled([this] {
-        return "in the state " + Vt22Module::StateToString(_module->State()).Value() + END_OF_LIFE;
+    CheckAlive();
+    StopIfSignalled([this](int signal) {
+        return "in the state " + Vt22Module::StateToString(_module->State()).Value() + AfterSignal(signal);
     });
     try {
         _module->Update();
     } catch (const Vt22FatalEventException&) {
         Dumps::Keep();
+        _module.reset();
+        throw;
+    } catch (...) {
+        _module.reset();
         throw;
     }
     NoteState();
@@ -159,14 +175,15 @@ void Session::UpdateUntil(const std::function<bool()>& reached, const std::strin
     while (!reached()) {
         if (SecondsSince(start) > TIMEOUT_SECONDS)
             throw Failure("Timeout waiting for " + what);
-        StopIfSignalled([&] { return "while waiting for " + what + END_OF_LIFE; });
+        StopIfSignalled([&](int signal) { return "while waiting for " + what + AfterSignal(signal); });
         Update();
     }
 }
 
 void Session::Rest(double seconds) {
     for (const DateTime start = DateTime::Now(); SecondsSince(start) < seconds;) {
-        StopIfSignalled([] { return std::string("between two lives of the module") + END_OF_LIFE; });
+        StopIfSignalled(
+            [this](int signal) { return "between two lives of the module" + AfterSignal(signal); });
         Pause(std::chrono::milliseconds(1));
     }
 }
@@ -185,6 +202,7 @@ Session::Service Session::About(unsigned int address, SlaveService service) {
 }
 
 Session::Response Session::TryAsk(const Service& service, const std::string& what) {
+    CheckAlive();
     const auto answer = std::make_shared<Response>();
     service(System::ArgFunc<Response, void>::Create(
         [answer](Response response) { *answer = std::move(response); }));
@@ -218,6 +236,16 @@ void Session::SetMode(OperationMode mode) {
     _module->SetOperationMode(mode);
     UpdateUntil([&] { return Online() == online && (!online || Mode() == mode); },
                 "the operation mode " + ModeName(mode));
+    _settled = mode != OperationMode_e::OPERATE;
+}
+
+void Session::InMode(OperationMode mode, const std::function<void()>& work) {
+    const auto before = Online() == true ? Mode() : std::nullopt;
+    SetMode(mode);
+    _settled = false;
+    work();
+    if (before)
+        SetMode(*before);
 }
 
 std::string ModeName(Session::OperationMode mode) {

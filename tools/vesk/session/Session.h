@@ -2,6 +2,7 @@
 #pragma once
 
 #include "tools/vesk/session/Link.h"
+#include "tools/vesk/session/ProcessData.h"
 #include "tools/vesk/text/Failure.h"
 #include "vesk/modules/dpvm/Vt22Module.h"
 #include "vesk/system/DateTime.h"
@@ -41,7 +42,8 @@ private:
 };
 
 /// One life of the master module: the module object, the loop around its Update, and what the module reported
-/// meanwhile. A new session resets the module. Its time-outs run on the library's clock.
+/// meanwhile. A new session resets the module. Its time-outs run on the library's clock. An exception out of
+/// an Update ends the life and puts the module into reset; everything but Restart is a Failure then.
 class Session {
 public:
     using State = Vesk::Modules::DPVM::Vt22Module::ModuleState_e;
@@ -61,8 +63,17 @@ public:
     /// through.
     Session(const Link& link, std::shared_ptr<Vesk::Modules::DPVM::Config::IBusConfig> config);
 
-    /// Begins another life: the module object goes, and a new one resets the module.
+    /// Begins another life: the module object goes, and a new one resets the module. Input data are 0 again.
     void Restart();
+
+    /// Whether the life goes on.
+    bool Alive() const { return _module != nullptr; }
+
+    /// From now on SIGINT ends what the session waits for, but not the life.
+    void OutliveInterrupts() { _outlivesInterrupts = true; }
+
+    /// What goes to the slaves. Its places have to be there before the module is initialised.
+    InputData& Inputs() { return _inputs; }
 
     Vesk::Modules::DPVM::Vt22Module& Module() { return *_module; }
 
@@ -76,8 +87,8 @@ public:
     /// Called after each Update, and now and then while the session rests.
     void OnUpdate(std::function<void()> observer) { _updateObserver = std::move(observer); }
 
-    /// Goes on until the module is as far as that; returns at once where it is already. Failure where the
-    /// module holds no database.
+    /// Goes on until the module is as far as that; returns at once where it is already, and does not leave
+    /// an operation mode that was set. Failure where the module holds no database.
     void Reach(Need need);
 
     /// One Update, and a moment's rest for the processor. Interrupted, here and wherever it waits, when a
@@ -108,6 +119,9 @@ public:
     /// Asks for an operation mode and updates until the module reports it.
     void SetMode(OperationMode mode);
 
+    /// Does `work` in an operation mode and goes back into the one before, if there was one.
+    void InMode(OperationMode mode, const std::function<void()>& work);
+
     const std::vector<Step>& Steps() const { return _steps; }
 
     /// How often the configuration was downloaded; each time ends in a reset.
@@ -124,6 +138,8 @@ private:
         std::optional<OperationMode> mode;
     };
 
+    void CheckAlive() const;
+    std::string AfterSignal(int signal) const;
     void NoteState();
     void Pause(std::chrono::microseconds rest);
     void Initialise();
@@ -134,8 +150,10 @@ private:
     std::shared_ptr<Vesk::Modules::DPVM::Config::IBusConfig> _config;
     System::DateTime _start = System::DateTime::Now();
     std::shared_ptr<Reports> _reports;
-    std::shared_ptr<Vesk::Modules::DPVM::Vt22Module> _module;
-    bool _settled = false; // the slaves had their time
+    std::shared_ptr<Vesk::Modules::DPVM::Vt22Module> _module; // null when the life has ended
+    InputData _inputs;
+    bool _outlivesInterrupts = false;
+    bool _settled = false; // the slaves had their time, or another mode than OPERATE is wanted
     std::vector<Step> _steps;
     std::function<void(const Step&)> _stateObserver;
     std::function<void()> _updateObserver;

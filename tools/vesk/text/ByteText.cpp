@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "tools/vesk/text/ByteText.h"
 
+#include "tools/vesk/text/Series.h"
+
 #include <algorithm>
 
 namespace VeskTool {
@@ -93,8 +95,18 @@ std::string HexLines(std::span<const unsigned char> bytes, int offset) {
     return text;
 }
 
+static std::string Dump(const nlohmann::ordered_json& json, int indent) {
+    return json.dump(indent, ' ', false, nlohmann::ordered_json::error_handler_t::replace) + "\n";
+}
+
 std::string JsonText(const nlohmann::ordered_json& json) {
-    return json.dump(2, ' ', false, nlohmann::ordered_json::error_handler_t::replace) + "\n";
+    return Series::Current() ? JsonLine(json) : Dump(json, 2);
+}
+
+std::string JsonLine(const nlohmann::ordered_json& json) {
+    nlohmann::ordered_json line = Series::Current() ? Series::Current()->Members() : json;
+    line.update(json);
+    return Dump(line, -1);
 }
 
 } // namespace VeskTool

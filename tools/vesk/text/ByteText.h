@@ -27,7 +27,11 @@ std::string HexOffset(int offset);
 /// one. Every line ends with a line feed.
 std::string HexLines(std::span<const unsigned char> bytes, int offset);
 
-/// The JSON as the commands print it. What is not UTF-8, a file's name say, does not make it fail.
+/// The JSON as the commands print it; in a Series a line. What is not UTF-8, a file's name say, does not make
+/// it fail.
 std::string JsonText(const nlohmann::ordered_json& json);
+
+/// The same in one line, for one object of several.
+std::string JsonLine(const nlohmann::ordered_json& json);
 
 } // namespace VeskTool

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "tools/vesk/text/Series.h"
+
 #include <CLI/CLI.hpp>
 
 #include <functional>
@@ -24,9 +26,12 @@ inline constexpr int DIFF_FAILED = 2;
 /// and options, and returns what it does with them.
 using Action = std::function<int()>;
 
-/// Adds the flag --json.
+/// Adds the flag --json, unless a Series decides.
 inline void AddJson(CLI::App& command, bool& json) {
-    command.add_flag("--json", json, "Print one JSON object instead of text");
+    if (const Series* const series = Series::Current())
+        json = series->PrintsJson();
+    else
+        command.add_flag("--json", json, "Print one JSON object instead of text");
 }
 
 /// Adds a positional argument that must be there; help shows its name alone.

@@ -39,7 +39,7 @@ void Console::Confirm(bool yes, const std::string& question) const {
     err << question << " [y/N] " << std::flush;
     if (asks)
         WaitForInput();
-    StopIfSignalled([] { return "at the question; nothing was changed"; });
+    StopIfSignalled([](int) { return "at the question; nothing was changed"; });
     std::string answer;
     std::getline(in, answer);
     if (answer.empty() || (answer.front() != 'y' && answer.front() != 'Y'))

@@ -53,15 +53,15 @@ void WatchSignals() {
     }
 }
 
-void StopIfSignalled(const std::function<std::string()>& where) {
+void StopIfSignalled(const Whereabouts& where) {
     if (const int signal = askedToStop) {
         askedToStop = 0;
         if (!carefulWork)
-            throw Interrupted(signal, where());
+            throw Interrupted(signal, where(signal));
         carefulWork->Decide(signal, where);
     }
     if (readerLost != 0 && !carefulWork)
-        throw Interrupted(readerLost, where());
+        throw Interrupted(readerLost, where(readerLost));
 }
 
 /// They are let through in the wait alone, so that none comes right before it unseen.
@@ -92,10 +92,10 @@ CarefulWork::~CarefulWork() {
     carefulWork = _outer;
 }
 
-void CarefulWork::Decide(int signal, const std::function<std::string()>& where) {
+void CarefulWork::Decide(int signal, const Whereabouts& where) {
     const std::string left = _leftBehind ? _leftBehind() : "";
     if (left.empty())
-        throw Interrupted(signal, where());
+        throw Interrupted(signal, where(signal));
     const auto now = System::DateTime::Now();
     if (_asked && (now - *_asked).Nanoseconds() < AGAIN_NANOSECONDS)
         throw Interrupted(signal, left);

@@ -31,8 +31,11 @@ private:
 /// From now on the signals are noted; there was none yet. One that is ignored, as nohup does, stays so.
 void WatchSignals();
 
+/// Completes the sentence of an Interrupted by that signal.
+using Whereabouts = std::function<std::string(int signal)>;
+
 /// Interrupted if a signal has come; `where` completes its sentence. CarefulWork may go on instead.
-void StopIfSignalled(const std::function<std::string()>& where);
+void StopIfSignalled(const Whereabouts& where);
 
 /// Waits until standard input can be read, or a signal has come.
 void WaitForInput();
@@ -53,7 +56,7 @@ public:
     CarefulWork& operator=(const CarefulWork&) = delete;
 
     /// SIGINT or SIGTERM has come.
-    void Decide(int signal, const std::function<std::string()>& where);
+    void Decide(int signal, const Whereabouts& where);
 
 private:
     Console _console;

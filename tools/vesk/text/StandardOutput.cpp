@@ -59,7 +59,7 @@ void StandardOutput::Write() {
         if (written < 0) {
             _error = errno;
             std::cerr.tie(nullptr); // what is said of it would be thrown out of std::cout again
-            StopIfSignalled([] { return "while writing its output"; });
+            StopIfSignalled([](int) { return "while writing its output"; });
             Fail();
         }
         from += written;

@@ -59,6 +59,23 @@ std::string Addresses(const std::vector<int>& stations) {
     return text.empty() ? "none" : text;
 }
 
+std::vector<std::string> TableLines(const std::vector<std::vector<std::string>>& rows) {
+    std::vector<std::size_t> widths;
+    for (const auto& row : rows) {
+        widths.resize(std::max(widths.size(), row.size()));
+        for (std::size_t i = 0; i < row.size(); ++i)
+            widths[i] = std::max(widths[i], row[i].size() + 2);
+    }
+    std::vector<std::string> lines;
+    for (const auto& row : rows) {
+        std::string line;
+        for (std::size_t i = 0; i < row.size(); ++i)
+            line += Padded(row[i], widths[i]);
+        lines.push_back(line.substr(0, line.find_last_not_of(' ') + 1));
+    }
+    return lines;
+}
+
 std::string Joined(const std::vector<std::string>& parts, const std::string& separator) {
     std::string text;
     for (const std::string& part : parts)

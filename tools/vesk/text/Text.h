@@ -27,6 +27,9 @@ std::string Padded(const std::string& text, std::size_t width);
 
 /// Addresses with runs shortened: "3-5, 9"; "none" for none. `stations` is in ascending order.
 std::string Addresses(const std::vector<int>& stations);
+/// Rows of cells as lines without a line feed: each column is as wide as its widest cell, two blanks stand
+/// between them, and none at the end.
+std::vector<std::string> TableLines(const std::vector<std::vector<std::string>>& rows);
 /// The parts in one text, with `separator` between them.
 std::string Joined(const std::vector<std::string>& parts, const std::string& separator);
 /// `text` with the capital letters of ASCII made small.

@@ -112,19 +112,26 @@ std::string ModeText(const Json& facts, const Paint&) {
 
 /// A slave takes a new address only outside the data exchange, so the whole bus stands in STOP.
 Json AnswerSetAddress(Session& session, const Json& arguments) {
-    session.SetMode(OperationMode_e::STOP);
     const auto from = arguments["old"].get<unsigned char>();
     const auto to = arguments["new"].get<unsigned char>();
     const auto identNumber = arguments["identNumber"].get<unsigned short>();
     const unsigned char lock = arguments["lock"].get<bool>() ? 1 : 0;
-    session.Ask(
-        [&](ResponseAction action) {
-            session.Module().Enqueue(DPVMMessages::SetSlaveAddress(from, to, identNumber, lock,
-                                                                   System::Array<unsigned char>::Create(0)),
-                                     std::move(action), SERVICE_SECONDS);
-        },
-        "the new address " + std::to_string(to) + " for slave " + std::to_string(from));
-    const bool answers = Lives(AskForLiveList(session), to);
+    const std::string what = "the new address " + std::to_string(to) + " for slave " + std::to_string(from);
+    Session::Response answer;
+    bool answers = false;
+    session.InMode(OperationMode_e::STOP, [&] {
+        answer = session.TryAsk(
+            [&](ResponseAction action) {
+                session.Module().Enqueue(
+                    DPVMMessages::SetSlaveAddress(from, to, identNumber, lock,
+                                                  System::Array<unsigned char>::Create(0)),
+                    std::move(action), SERVICE_SECONDS);
+            },
+            what);
+        answers = Lives(AskForLiveList(session), to);
+    });
+    if (answer->Error() != Vesk::Mailbox::ErrorCode::NO_ERROR)
+        throw Refusal(what, *answer->Error());
     return {{"ok", answers}, {"old", from}, {"new", to}, {"identNumber", identNumber}, {"locked", lock != 0}};
 }
 

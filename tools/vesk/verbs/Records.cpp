@@ -59,10 +59,10 @@ Session::Response AskClass2(Session& session, const Place& place, const Session:
     Session::Response answer;
     try {
         answer = AskForRecord(session, place, transfer, what);
-    } catch (const Refusal&) {
+    } catch (...) {
         try {
             Abort(session, place);
-        } catch (const Refusal&) {
+        } catch (...) {
             // the slave may have ended the connection itself; why the transfer failed is worth more
         }
         throw;

@@ -1,11 +1,9 @@
 // SPDX-License-Identifier: MIT
-// The verbs that ask for one thing of one slave: diag, slave-config, input and output.
+// The verbs that ask what a slave says of itself: diag and slave-config.
 #include "tools/vesk/explain/Diagnosis.h"
 #include "tools/vesk/text/ByteText.h"
-#include "tools/vesk/text/Elements.h"
-#include "tools/vesk/text/Numbers.h"
 #include "tools/vesk/text/Text.h"
-#include "tools/vesk/verbs/Verb.h"
+#include "tools/vesk/verbs/Stations.h"
 #include "tools/vesk/verbs/Verbs.h"
 
 namespace VeskTool {
@@ -14,18 +12,10 @@ using Vesk::Modules::DPVM::IDPVMModule;
 
 namespace {
 
-/// What the module answers about the slave that the arguments name.
-std::vector<unsigned char> AskAbout(Session& session, const Json& arguments, Session::SlaveService service,
-                                    const std::string& what) {
-    const auto address = arguments["address"].get<unsigned int>();
-    return Elements(
-        *session.Ask(session.About(address, service), what + " of slave " + std::to_string(address))->Data());
-}
-
 // ---- vesk diag
 
 Json AnswerDiag(Session& session, const Json& arguments) {
-    const auto bytes = AskAbout(session, arguments, &IDPVMModule::GetSlaveDiag, "the diagnosis");
+    const auto bytes = AskAboutSlave(session, arguments, &IDPVMModule::GetSlaveDiag, "the diagnosis");
     Json facts{{"address", arguments["address"]}};
     facts.update(Diagnosis(bytes).ToJson());
     return facts;
@@ -35,10 +25,36 @@ std::string DiagText(const Json& facts, const Paint&) {
     return "Slave         " + facts["address"].dump() + "\n" + Diagnosis::Text(facts);
 }
 
+Json AnswerDiagOfAll(Session& session, const Json&) {
+    const Json lists = StationListsToJson(session);
+    Json slaves = Json::array();
+    for (const Json& address : lists["configured"]) {
+        const auto bytes = TryAboutSlave(session, address, &IDPVMModule::GetSlaveDiag);
+        slaves.push_back({{"address", address},
+                          {"dataTransfer", Lists(lists["dataTransfer"], address)},
+                          {"diagnostic", Lists(lists["diagnostic"], address)},
+                          {"diagnosis", bytes ? Diagnosis(*bytes).ToJson() : Json()}});
+    }
+    return {{"slaves", slaves}};
+}
+
+std::string DiagOfAllText(const Json& facts, const Paint& paint) {
+    std::vector<std::vector<std::string>> rows{{"ADDRESS", "IDENT", "MASTER", "DATA TRANSFER", "DIAGNOSIS"}};
+    for (const Json& slave : facts["slaves"]) {
+        const Json diagnosis = slave["diagnosis"].is_null() ? Diagnosis({}).ToJson() : slave["diagnosis"];
+        const Json& ident = diagnosis["identNumber"];
+        const Json& master = diagnosis["masterAddress"];
+        rows.push_back({slave["address"].dump(), ident.is_null() ? "-" : Hex(ident.get<unsigned int>()),
+                        master.is_null() ? "none" : master.dump(), slave["dataTransfer"] ? "yes" : "no",
+                        slave["diagnosis"].is_null() ? "-" : Diagnosis::Summary(diagnosis)});
+    }
+    return SlaveTable(rows, facts["slaves"], paint);
+}
+
 // ---- vesk slave-config
 
 Json AnswerSlaveConfig(Session& session, const Json& arguments) {
-    const auto bytes = AskAbout(session, arguments, &IDPVMModule::GetSlaveConfig, "the configuration");
+    const auto bytes = AskAboutSlave(session, arguments, &IDPVMModule::GetSlaveConfig, "the configuration");
     return {
         {"address", arguments["address"]}, {"modules", DecodeIdentifiers(bytes)}, {"data", HexDigits(bytes)}};
 }
@@ -70,53 +86,29 @@ std::string SlaveConfigText(const Json& facts, const Paint&) {
     return text;
 }
 
-// ---- vesk input, vesk output
-
-Json DataToJson(const Json& arguments, const std::vector<unsigned char>& bytes) {
-    return {{"address", arguments["address"]}, {"length", bytes.size()}, {"data", HexDigits(bytes)}};
-}
-
-Json AnswerInput(Session& session, const Json& arguments) {
-    return DataToJson(arguments,
-                      AskAbout(session, arguments, &IDPVMModule::ReadSlaveInput, "the input data"));
-}
-
-Json AnswerOutput(Session& session, const Json& arguments) {
-    return DataToJson(arguments,
-                      AskAbout(session, arguments, &IDPVMModule::ReadSlaveOutput, "the output data"));
-}
-
-std::string DataText(const Json& facts, const Paint&) {
-    const auto bytes = ParseHex("data", facts["data"].get<std::string>());
-    return std::to_string(bytes.size()) + " bytes\n" + HexDump(bytes);
-}
-
-Action AddSlaveVerb(CLI::App& app, const Verb& verb) {
-    const auto command = std::make_shared<VerbCommand>(app, verb);
-    command->AddAddress();
-    return [command] { return command->Execute(); };
-}
-
 } // namespace
 
-Action AddDiag(CLI::App& command) {
+Action AddDiag(CLI::App& app) {
     static constexpr Verb DIAG{Need::OPERATING, AnswerDiag, DiagText};
-    return AddSlaveVerb(command, DIAG);
+    static constexpr Verb ALL{Need::OPERATING, AnswerDiagOfAll, DiagOfAllText};
+    const auto command = std::make_shared<VerbCommand>(app, DIAG);
+    CLI::Option* const address = command->AddAddress()->required(false);
+    app.add_flag_callback(
+           "--all", [self = command.get()] { self->verb = &ALL; },
+           "The diagnoses of all slaves that are configured, a line each")
+        ->excludes(address);
+    return [command, address] {
+        if (command->verb == &DIAG && address->empty())
+            throw CLI::RequiredError("ADDRESS or --all");
+        return command->Execute();
+    };
 }
 
-Action AddSlaveConfig(CLI::App& command) {
+Action AddSlaveConfig(CLI::App& app) {
     static constexpr Verb SLAVE_CONFIG{Need::OPERATING, AnswerSlaveConfig, SlaveConfigText};
-    return AddSlaveVerb(command, SLAVE_CONFIG);
-}
-
-Action AddInput(CLI::App& command) {
-    static constexpr Verb INPUT{Need::OPERATING, AnswerInput, DataText};
-    return AddSlaveVerb(command, INPUT);
-}
-
-Action AddOutput(CLI::App& command) {
-    static constexpr Verb OUTPUT{Need::OPERATING, AnswerOutput, DataText};
-    return AddSlaveVerb(command, OUTPUT);
+    const auto command = std::make_shared<VerbCommand>(app, SLAVE_CONFIG);
+    command->AddAddress();
+    return [command] { return command->Execute(); };
 }
 
 } // namespace VeskTool

@@ -3,7 +3,6 @@
 #include "tools/vesk/files/ConfigJson.h"
 #include "tools/vesk/files/DatabaseFile.h"
 #include "tools/vesk/text/ByteText.h"
-#include "tools/vesk/text/Elements.h"
 #include "tools/vesk/text/Numbers.h"
 #include "tools/vesk/text/Text.h"
 #include "tools/vesk/verbs/Stations.h"
@@ -12,16 +11,6 @@
 namespace VeskTool {
 
 namespace {
-
-/// The bytes that the module answers about a slave; nothing where it answers with an error.
-std::optional<std::vector<unsigned char>> AskAbout(Session& session, Session::SlaveService service,
-                                                   unsigned int address) {
-    const auto answer =
-        session.TryAsk(session.About(address, service), "a question about slave " + std::to_string(address));
-    if (answer->Error() != Vesk::Mailbox::ErrorCode::NO_ERROR)
-        return std::nullopt;
-    return Elements(*answer->Data());
-}
 
 Json LengthOf(const std::optional<std::vector<unsigned char>>& bytes) {
     return bytes ? Json(bytes->size()) : Json();
@@ -38,10 +27,10 @@ Json RecordOf(const Json& config, unsigned int address) {
 
 Json SlaveToJson(Session& session, unsigned int address, const Json& lists, const Json& config) {
     using Module = Vesk::Modules::DPVM::IDPVMModule;
-    const auto input = AskAbout(session, &Module::ReadSlaveInput, address);
-    const auto output = AskAbout(session, &Module::ReadSlaveOutput, address);
-    const auto identifiers = AskAbout(session, &Module::GetSlaveConfig, address);
-    const auto bytes = AskAbout(session, &Module::GetSlaveDiag, address);
+    const auto input = TryAboutSlave(session, address, &Module::ReadSlaveInput);
+    const auto output = TryAboutSlave(session, address, &Module::ReadSlaveOutput);
+    const auto identifiers = TryAboutSlave(session, address, &Module::GetSlaveConfig);
+    const auto bytes = TryAboutSlave(session, address, &Module::GetSlaveDiag);
     const Diagnosis diagnosis(bytes.value_or(std::vector<unsigned char>()));
     // A slave that does not answer has no ident number; what is there then is the master's.
     const bool there = bytes && !diagnosis.IsSet("stationNonExistent");
@@ -84,52 +73,49 @@ std::string NumberText(const Json& value) {
     return value.is_null() ? "-" : value.dump();
 }
 
-std::string SlaveLine(const Json& slave, const Paint& paint) {
+std::vector<std::string> BriefRow(const Json& slave) {
     const Json& ident = slave["identNumber"];
-    const auto flag = [&slave](const char* key, std::size_t width) {
-        return Padded(slave[key].get<bool>() ? "yes" : "no", width);
-    };
-    const bool right = slave["dataTransfer"].get<bool>() && !slave["diagnostic"].get<bool>();
-    std::string line = Padded(slave["address"].dump(), 9) +
-                       Padded(ident.is_null() ? "-" : Hex(ident.get<unsigned int>()), 8) +
-                       Padded(NumberText(slave["inputLength"]), 5) +
-                       Padded(NumberText(slave["outputLength"]), 5) + flag("configured", 12) +
-                       flag("dataTransfer", 15) + flag("diagnostic", 13) + flag("dpv1Connection", 0);
-    return (right ? line : paint.Bad(line)) + "\n";
+    std::vector<std::string> row{slave["address"].dump(),
+                                 ident.is_null() ? "-" : Hex(ident.get<unsigned int>()),
+                                 NumberText(slave["inputLength"]), NumberText(slave["outputLength"])};
+    for (const char* const list : {"configured", "dataTransfer", "diagnostic", "dpv1Connection"})
+        row.emplace_back(slave[list].get<bool>() ? "yes" : "no");
+    return row;
 }
 
-std::string ValueText(const Json& value) {
-    if (value.is_string())
-        return value.get<std::string>();
-    const bool both = value.is_number() && value.get<unsigned int>() > 9;
-    return value.dump() + (both ? " (" + Hex(value.get<unsigned int>()) + ")" : "");
-}
-
-/// The values of nested objects, a line each, under their dotted names.
-std::string Lines(const Json& object, const std::string& prefix) {
-    std::string text;
-    for (const auto& [key, value] : object.items())
-        text += value.is_object() ? Lines(value, prefix + key + ".")
-                                  : "    " + Padded(prefix + key, 44) + " " + ValueText(value) + "\n";
-    return text;
-}
-
-std::string Details(const Json& slave) {
-    std::string set;
-    if (!slave["diagnosis"].is_null())
-        for (const auto& [name, isSet] : slave["diagnosis"]["status"].items())
-            if (isSet.get<bool>())
-                set += (set.empty() ? "" : ", ") + name;
-    const Json& identifiers = slave["identifiers"];
-    return "    diagnosis    " + (set.empty() ? "nothing" : set) + "\n    identifiers  " +
-           (identifiers.is_null() ? "-" : identifiers.get<std::string>()) + "\n" +
-           (slave["record"].is_null() ? "" : Lines(slave["record"], ""));
+/// What a record of the configuration lets a slave do, and what it tells it.
+std::vector<std::string> RecordCells(const Json& record) {
+    if (record.is_null())
+        return {"-", "-"};
+    const Json& parameters = record["parameterData"];
+    const auto milliseconds =
+        10 * parameters["watchdogFactor1"].get<int>() * parameters["watchdogFactor2"].get<int>();
+    const auto user = parameters["userParameters"].get<std::string>();
+    return {milliseconds == 0 ? "off" : std::to_string(milliseconds) + " ms", user.empty() ? "-" : user};
 }
 
 std::string SlavesText(const Json& facts, const Paint& paint, bool verbose) {
-    std::string text = "ADDRESS  IDENT   IN   OUT  CONFIGURED  DATA TRANSFER  DIAGNOSTICS  DP-V1\n";
-    for (const Json& slave : facts["slaves"])
-        text += SlaveLine(slave, paint) + (verbose ? Details(slave) : "");
+    const bool records = verbose && !facts["configMatches"].is_null();
+    std::vector<std::vector<std::string>> rows{
+        {"ADDRESS", "IDENT", "IN", "OUT", "CONFIGURED", "DATA TRANSFER", "DIAGNOSTICS", "DP-V1"}};
+    if (verbose)
+        rows[0].insert(rows[0].end(), {"IDENTIFIERS", "DIAGNOSIS"});
+    if (records)
+        rows[0].insert(rows[0].end(), {"WATCHDOG", "PARAMETERS"});
+    for (const Json& slave : facts["slaves"]) {
+        std::vector<std::string> row = BriefRow(slave);
+        const Json& identifiers = slave["identifiers"];
+        const Json& diagnosis = slave["diagnosis"];
+        if (verbose)
+            row.insert(row.end(), {identifiers.is_null() ? "-" : identifiers.get<std::string>(),
+                                   diagnosis.is_null() ? "-" : Diagnosis::Summary(diagnosis)});
+        if (records) {
+            const auto cells = RecordCells(slave["record"]);
+            row.insert(row.end(), cells.begin(), cells.end());
+        }
+        rows.push_back(row);
+    }
+    std::string text = SlaveTable(rows, facts["slaves"], paint);
     if (facts["configMatches"] == false)
         text += paint.Bad("The module holds another database than that file.") + "\n";
     return text + "\n" + StationGrid(facts["lists"], facts["liveList"], paint);
@@ -163,7 +149,7 @@ Action AddSlaves(CLI::App& app) {
     VerbCommand* const self = command.get();
     app.add_flag_callback(
         "-v,--verbose", [self] { self->verb = &VERBOSE; },
-        "What each slave says of itself, and its record where --config has it");
+        "What each slave says of itself, and what --config tells it");
     command->AddConfig(
         "Configuration database file (.ddb) that the module was given",
         [self](const std::string& path) { self->arguments["config"] = ToJson(*LoadDatabaseFile(path)); });

@@ -2,6 +2,7 @@
 #include "tools/vesk/verbs/Stations.h"
 
 #include "tools/vesk/session/StationLists.h"
+#include "tools/vesk/text/Elements.h"
 #include "tools/vesk/text/Text.h"
 
 #include <algorithm>
@@ -51,6 +52,34 @@ static const Json* Find(const Json& liveList, unsigned int address) {
 
 bool Lives(const Json& liveList, unsigned int address) {
     return Find(liveList, address) != nullptr;
+}
+
+std::vector<unsigned char> AskAboutSlave(Session& session, const Json& arguments,
+                                         Session::SlaveService service, const std::string& what) {
+    const auto address = arguments["address"].get<unsigned int>();
+    return Elements(
+        *session.Ask(session.About(address, service), what + " of slave " + std::to_string(address))->Data());
+}
+
+std::optional<std::vector<unsigned char>> TryAboutSlave(Session& session, unsigned int address,
+                                                        Session::SlaveService service) {
+    const auto answer =
+        session.TryAsk(session.About(address, service), "a question about slave " + std::to_string(address));
+    if (answer->Error() != Vesk::Mailbox::ErrorCode::NO_ERROR)
+        return std::nullopt;
+    return Elements(*answer->Data());
+}
+
+std::string SlaveTable(const std::vector<std::vector<std::string>>& rows, const Json& slaves,
+                       const Paint& paint) {
+    const std::vector<std::string> lines = TableLines(rows);
+    std::string text = paint.Cut(lines.front()) + "\n";
+    for (std::size_t i = 0; i < slaves.size(); ++i) {
+        const std::string line = paint.Cut(lines[i + 1]);
+        const bool right = slaves[i]["dataTransfer"].get<bool>() && !slaves[i]["diagnostic"].get<bool>();
+        text += (right ? line : paint.Bad(line)) + "\n";
+    }
+    return text;
 }
 
 static std::string Sign(unsigned int address, const Json& lists, const Json& liveList, const Paint& paint) {

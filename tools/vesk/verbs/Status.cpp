@@ -1,11 +1,12 @@
 // SPDX-License-Identifier: MIT
 #include "tools/vesk/files/DatabaseFile.h"
+#include "tools/vesk/text/ByteText.h"
+#include "tools/vesk/text/Clock.h"
 #include "tools/vesk/text/Console.h"
 #include "tools/vesk/text/Text.h"
 #include "tools/vesk/verbs/StartUp.h"
 #include "tools/vesk/verbs/Verbs.h"
 
-#include <ctime>
 #include <iostream>
 
 namespace VeskTool {
@@ -19,24 +20,18 @@ static Json AnswerStatus(Session& session, const Json& arguments) {
 // Examining takes the session as far as the module lets it; it needs nothing.
 static constexpr Verb STATUS{Need::NOTHING, AnswerStatus, StartUpText};
 
-static std::string Now(const char* format, std::tm* (*zone)(const std::time_t*)) {
-    const std::time_t now = std::time(nullptr);
-    char text[64];
-    return {text, std::strftime(text, sizeof text, format, zone(&now))};
-}
-
 /// Shows the status each second: on a terminal over and over in the same place, otherwise one after the
 /// other, as JSON a line each.
 [[noreturn]] static int Watch(Session& session, const VerbCommand& command) {
     const bool redraw = Console::Standard().draws && !command.PrintsJson();
     const auto show = [&](Json facts) {
         facts["link"] = LinkOptions::Opened();
-        facts["time"] = Now("%Y-%m-%dT%H:%M:%SZ", std::gmtime);
+        facts["time"] = UniversalTime();
         std::cout << (redraw ? "\033[H\033[J" : "")
-                  << (command.PrintsJson() ? facts.dump(-1, ' ', false, Json::error_handler_t::replace)
-                                           : Now("%Y-%m-%d %H:%M:%S\n", std::localtime) +
-                                                 StartUpText(facts, Paint::Standard()))
-                  << std::endl;
+                  << (command.PrintsJson()
+                          ? JsonLine(facts)
+                          : LocalTime() + "\n" + StartUpText(facts, Paint::Standard()) + "\n")
+                  << std::flush;
     };
     WatchStartUp(session, command.arguments, WATCH_SECONDS, show);
 }

@@ -13,7 +13,9 @@ namespace VeskTool {
 
 Paint Paint::Standard() {
     const char* const noColour = std::getenv("NO_COLOR");
-    return Paint(Console::Standard().draws && (noColour == nullptr || *noColour == 0));
+    const Console console = Console::Standard();
+    return Paint(console.draws && (noColour == nullptr || *noColour == 0),
+                 console.draws ? console.columns() : std::string::npos);
 }
 
 Json Answer(const Verb& verb, Session& session, const Json& arguments) {
@@ -31,15 +33,44 @@ void Print(const Verb& verb, const Json& facts, bool json) {
     std::cout << (json ? JsonText(facts) : verb.text(facts, Paint::Standard())) << std::flush;
 }
 
+static const SharedLife* sharedLife = nullptr;
+
+SharedLife::SharedLife(Session& session, const LinkOptions& link)
+    : _session(session), _link(link), _outer(sharedLife) {
+    sharedLife = this;
+}
+
+SharedLife::~SharedLife() {
+    sharedLife = _outer;
+}
+
+const SharedLife* SharedLife::Current() {
+    return sharedLife;
+}
+
+Session& SharedLife::SessionFor(const Verb& verb) const {
+    if (verb.lasts)
+        _link.CheckNamed();
+    return _session;
+}
+
+std::unique_ptr<Session> OpenSession(const LinkOptions& link, SharedConfig config, SharedConfig places) {
+    auto session = std::make_unique<Session>(link.Open(PlantFlash()), std::move(config));
+    session->Inputs().TakePlaces(places || !link.UseVirtual() ? std::move(places) : Plant());
+    return session;
+}
+
 VerbCommand::VerbCommand(CLI::App& command, const Verb& asked) : verb(&asked), _app(command) {
     run = [this](Session& session) { return Run(session); };
-    _link.AddTo(command, asked.lasts ? LinkOptions::Unnamed::REFUSED : LinkOptions::Unnamed::VIRTUAL);
+    if (!SharedLife::Current())
+        _link.AddTo(command, asked.lasts ? LinkOptions::Unnamed::REFUSED : LinkOptions::Unnamed::VIRTUAL);
     AddJson(command, _json);
 }
 
 int VerbCommand::Execute() {
-    Session session(_link.Open(PlantFlash()), config);
-    return run(session);
+    if (const SharedLife* const life = SharedLife::Current())
+        return run(life->SessionFor(*verb));
+    return run(*OpenSession(_link, config, places));
 }
 
 int VerbCommand::Run(Session& session) const {

@@ -10,14 +10,21 @@
 namespace VeskTool {
 
 using Json = nlohmann::ordered_json;
+using SharedConfig = std::shared_ptr<Vesk::Modules::DPVM::Config::IBusConfig>;
 
-/// Colours, for a terminal.
+/// Colours and a width, for a terminal.
 class Paint {
 public:
-    explicit Paint(bool colours) : _colours(colours) {}
+    explicit Paint(bool colours, std::size_t width = std::string::npos) : _colours(colours), _width(width) {}
 
-    /// Colours where standard output is a terminal and NO_COLOR is not set.
+    /// Those of standard output: colours where it is a terminal and NO_COLOR is not set, and the terminal's
+    /// width.
     static Paint Standard();
+
+    /// The line, cut to the width where there is one.
+    std::string Cut(const std::string& line) const { return line.substr(0, _width); }
+
+    bool Colours() const { return _colours; }
 
     std::string Good(const std::string& text) const { return Coloured("32", text); }
 
@@ -29,6 +36,7 @@ private:
     }
 
     bool _colours;
+    std::size_t _width;
 };
 
 /// One question to a module or one order. Whoever owns a session can answer it: arguments and facts are JSON
@@ -51,6 +59,32 @@ Json Answer(const Verb& verb, Session& session, const Json& arguments);
 /// The exit status that goes with the facts.
 int StatusOf(const Json& facts);
 
+/// A life that verbs share. While it lives, every verb is answered in its session, and has no options that
+/// say which module it is.
+class SharedLife {
+public:
+    /// `link`: how the module of the session was named.
+    SharedLife(Session& session, const LinkOptions& link);
+    ~SharedLife();
+    SharedLife(const SharedLife&) = delete;
+    SharedLife& operator=(const SharedLife&) = delete;
+
+    /// The one that lives; or null.
+    static const SharedLife* Current();
+
+    /// The session that `verb` is answered in; CLI::ParseError where the verb needs a module that is named.
+    Session& SessionFor(const Verb& verb) const;
+
+private:
+    Session& _session;
+    const LinkOptions& _link;
+    const SharedLife* _outer;
+};
+
+/// A new session, which takes the places of input data from `places`; without these a virtual module those of
+/// the plant.
+std::unique_ptr<Session> OpenSession(const LinkOptions& link, SharedConfig config, SharedConfig places);
+
 /// `vesk VERB`: what every verb has on the command line, and the running of one in a session of its own.
 class VerbCommand {
 public:
@@ -70,7 +104,10 @@ public:
     Json arguments = Json::object();
 
     /// The configuration of the session; null at first.
-    std::shared_ptr<Vesk::Modules::DPVM::Config::IBusConfig> config;
+    SharedConfig config;
+
+    /// The configuration that says where input data have their places; null at first.
+    SharedConfig places;
 
     /// Answers the verb in `session` and prints the facts; the exit status. The verb's own way unless it is
     /// replaced.
@@ -90,7 +127,7 @@ public:
     /// The option --config, the path of such a file, likewise.
     void AddConfig(const std::string& description, const std::function<void(const std::string& path)>& take);
 
-    /// Opens the session and runs; the exit status.
+    /// Opens the session, or takes the one that is shared, and runs; the exit status.
     int Execute();
 
 private:

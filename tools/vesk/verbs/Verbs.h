@@ -21,6 +21,7 @@ Action AddDiag(CLI::App& app);
 Action AddSlaveConfig(CLI::App& app);
 Action AddInput(CLI::App& app);
 Action AddOutput(CLI::App& app);
+Action AddSet(CLI::App& app);
 Action AddRead(CLI::App& app);
 Action AddWrite(CLI::App& app);
 
