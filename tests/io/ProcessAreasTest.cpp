@@ -114,6 +114,20 @@ TEST(InAreaTest, LooksAtTheMappedBytesOnlyAndKeepsWhatItCouldNotWrite) {
     broken(-1, "srcOffset (-1) must not be less than zero (0)");
 }
 
+TEST(InAreaTest, WritesWhatStandsBeforeASegmentThatLeavesItsArray) {
+    const auto dpRam = std::make_shared<RecordingHostInterface>();
+    const auto area = InArea::Create(0, 3500, dpRam);
+    const Bytes whole = Array<unsigned char>::Create({1, 2, 3});
+    area->MapInputData(1, whole, 0, 1);
+    area->MapInputData(3, whole, 1, 2); // with the next one a run of neighbours
+    area->MapInputData(5, Array<unsigned char>::Create(2), 1, 2);
+    area->Acquired();
+    ExpectFailure<ArgumentOutOfRangeException>(
+        "srcOffset (1) + count (2) must not be greater than the length of src (2)", [&] { area->Update(); });
+    EXPECT_THAT(std::vector<int>(dpRam->bytes.begin(), dpRam->bytes.begin() + 6),
+                testing::ElementsAre(0, 1, 0, 2, 3, 0));
+}
+
 TEST(OutAreaTest, BringsWhatStandsBeforeASegmentThatLeavesItsArray) {
     const auto dpRam = std::make_shared<RecordingHostInterface>();
     const auto area = OutArea::Create(0, 3500, dpRam);

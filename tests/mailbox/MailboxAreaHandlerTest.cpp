@@ -139,12 +139,18 @@ TEST_F(MailboxAreaHandlerTest, RefusesAResponseThatNobodyAskedForOrThatCannotBeR
     ExpectFailure<MailboxResponseException>(
         "Received response without an outstanding request:\n" + text + "\n", [this] { Respond(1); });
     Send();
-    ExpectFailure<MailboxResponseException>(
-        "MessageId of response header does not match outstanding request:\nResponse\nID: 0x2\nType: Memory"
-        "\nCommand: 0x17\nData size: 0x101\nTotal frame count: 0x1\nFrame number: 0x1\nOffset: 0x0\n"
-        "Extended: [1234, 0000, 0000, 0000, 0000, 0000, 0000, 0000]\n\n" +
-            REQUEST_TEXT + "\n",
-        [this] { Respond(2, 0x0003, 0x17, 257); });
+    const std::tuple<std::string, unsigned char, unsigned short, std::string> others[]{
+        {"MessageId", 2, 0x0003, "Memory"},
+        {"MessageType", 1, 0x0003, "Memory"},
+        {"Command", 1, 0x0002, "Fieldbus"}};
+    for (const auto& [what, id, type, typeName] : others)
+        ExpectFailure<MailboxResponseException>(
+            what + " of response header does not match outstanding request:\nResponse\nID: 0x" +
+                std::to_string(id) + "\nType: " + typeName +
+                "\nCommand: 0x17\nData size: 0x101\nTotal frame count: 0x1\nFrame number: 0x1\nOffset: 0x0\n"
+                "Extended: [1234, 0000, 0000, 0000, 0000, 0000, 0000, 0000]\n\n" +
+                REQUEST_TEXT + "\n",
+            [this, id = id, type = type] { Respond(id, type, 0x17, 257); });
     ExpectFailure<System::ArgumentException>("7", [this] { Respond(2, 0x0007); });
     ExpectFailure<ArgumentOutOfRangeException>(
         "offset (32) + count (257) must not be greater than the length of array (288)",

@@ -5,9 +5,9 @@
 #include "tests/support/TestClock.h"
 
 #include "vesk/core/VeskException.h"
-#include "vesk/mailbox/IResponse.h"
 #include "vesk/mailbox/MailboxResponseException.h"
 #include "vesk/mailbox/MailboxTimeoutException.h"
+#include "vesk/mailbox/Response.h"
 #include "vesk/modules/dpvm/DPVMMessages.h"
 #include "vesk/modules/dpvm/Vt22FatalEventException.h"
 #include "vesk/modules/dpvm/Vt22Module.h"
@@ -352,6 +352,11 @@ TEST_F(Vt22ModuleTest, ChecksTheMappingsAgainstTheDatabaseInOrder) {
         const auto bytes = Array<unsigned char>::Create(64);
         _module->MapInputData(static_cast<unsigned short>(in), bytes, 0, inCount);
         _module->MapOutputData(static_cast<unsigned short>(out), bytes, 0, outCount);
+        ExpectFailure<System::NullReferenceException>("_databaseInfo is null", [this] {
+            _module->Init_StartInit(Vesk::Mailbox::Response::Create(Vesk::Mailbox::ErrorCode::NO_ERROR,
+                                                                    Array<unsigned short>::Create(8),
+                                                                    Array<unsigned char>::Create(0)));
+        });
         _module->BeginInitialization();
         RaiseAndSettle(0x00);
         Answer(0, {30, 20, 110, 100});

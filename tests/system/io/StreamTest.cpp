@@ -104,8 +104,9 @@ TEST(FileStream, OpensARegularFileOnlyAndForReading) {
     ExpectFailure<FileNotFoundException>(missing + ": No such file or directory", [&] { Open(missing); });
     ExpectFailure<IOException>(folder.Path("") + ": is a directory", [&] { return Open(folder.Path("")); });
     ExpectFailure<IOException>(pipe + ": not a regular file", [&] { return Open(pipe); });
-    ExpectFailure<IOException>("/proc/self/mem: Input/output error",
-                               [] { Open("/proc/self/mem")->ReadByte(); });
+    const auto unreadable = "/proc/self/mem: Input/output error";
+    ExpectFailure<IOException>(unreadable, [] { Open("/proc/self/mem")->ReadByte(); });
+    ExpectFailure<IOException>(unreadable, [] { Open("/proc/self/mem")->Read(Bytes::Create(1), 0, 1); });
     const auto file = Open(folder.Put("file", "x"));
     ExpectFailure<InvalidOperationException>(folder.Path("file") + ": opened for reading",
                                              [&] { file->WriteByte(1); });
