@@ -2,7 +2,10 @@
 // Cyclic control of one slave, the conveyor drive at station 3: every millisecond its speed is read and a new
 // set point written. It runs up to 1000 rpm, slows down and stands still again. Arguments: the DPRAM file,
 // the lines file, the configuration database file, and the real-time priority of the cycle if it is to have
-// one.
+// one. Plant.h is made of the plant's description:
+//
+//     vesk config header examples/plant.toml -o examples/Plant.h
+#include "Plant.h"
 #include "Updating.h"
 #include "vesk/lines/LinesFile.h"
 
@@ -16,7 +19,6 @@
 #include <system_error>
 
 using namespace Vesk::Modules::DPVM;
-using System::Array;
 
 /// Gives this thread a processor at once whenever it wants one, and keeps the process's memory in RAM. The
 /// user needs the right to both.
@@ -32,7 +34,6 @@ static void RunInRealTime(int priority) {
 int main(int argc, char** argv) try {
     if (argc != 4 && argc != 5)
         throw std::runtime_error("usage: cyclic_control DPRAM LINES CONFIG [PRIORITY]");
-    const unsigned char drive = 3;
     const auto lines = LinesFile::Open(argv[2]);
     const auto config = Config::DdbParser::FromPath(argv[3]);
     const auto master =
@@ -40,12 +41,11 @@ int main(int argc, char** argv) try {
                                nullptr, nullptr, nullptr, config);
     UpdateUntil(*master, "the configuration is in the module", [&] { return master->Configured(); });
 
-    // The configuration says where the drive's bytes are. Input goes to the bus, output comes from it.
-    const auto places = config->Slave(drive)->AddressTable();
-    const auto setPoint = Array<unsigned char>::Create(2);
-    const auto actual = Array<unsigned char>::Create(2);
-    master->MapInputData(places->InputOffsetTable()->Get(0), setPoint, 0, 2);
-    master->MapOutputData(places->OutputOffsetTable()->Get(0), actual, 0, 2);
+    if (config->Checksum() != Plant::CHECKSUM)
+        throw std::runtime_error("the program and the configuration are of different plants");
+
+    const Plant::Conveyor1 drive;
+    drive.Map(*master);
     master->BeginInitialization();
     UpdateUntil(*master, "the module is initialised", [&] { return master->Initialized(); });
     master->SetOperationMode(OperationMode_e::OPERATE);
@@ -58,15 +58,14 @@ int main(int argc, char** argv) try {
     auto next = std::chrono::steady_clock::now();
     do {
         master->Update();
-        speed = actual->Get(0) << 8 | actual->Get(1);
+        speed = drive.Speed();
         if (speed == target && target > 0) {
             std::cout << "running at " << speed << " rpm\n";
             target = 0;
         }
-        const bool driveThere = exchanging->Get(drive / 8) >> drive % 8 & 1;
+        const bool driveThere = exchanging->Get(drive.ADDRESS / 8) >> drive.ADDRESS % 8 & 1;
         const int command = driveThere ? speed + std::clamp(target - speed, -50, 50) : 0;
-        setPoint->Set(0, static_cast<unsigned char>(command >> 8));
-        setPoint->Set(1, static_cast<unsigned char>(command));
+        drive.SetSetpoint(static_cast<std::int16_t>(command));
         std::this_thread::sleep_until(next += std::chrono::milliseconds(1));
     } while (target > 0 || speed > 0);
     std::cout << "standing still\n";

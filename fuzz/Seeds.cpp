@@ -250,6 +250,7 @@ int main(int argc, char** argv) {
     const std::filesystem::path tests = argv[3];
     PutDatabaseFiles();
     Put("DatabaseFile", "plant", Content(examples / "plant.ddb"));
+    Put("Description", "plant", Content(examples / "plant.toml"));
     PutRecords();
     PutFirmwareFiles();
     Put("FirmwareFile", "example", Content(examples / "firmware" / "vt22-1.5.0.fw"));

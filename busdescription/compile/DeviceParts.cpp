@@ -17,10 +17,13 @@ public:
 
     std::optional<DeviceParts> Assemble() {
         Append(Gsd::ParameterValues::OfStation(_device), _slave.parameters);
-        if (_device.Modular())
+        if (_slave.modules.empty() && _slave.fields.contains("identifierBytes")) {
+            // they stand for the modules
+        } else if (_device.Modular()) {
             PlugModules();
-        else
+        } else {
             UseTheOne();
+        }
         CheckLimits();
         return _failed ? std::nullopt : std::optional(std::move(_parts));
     }

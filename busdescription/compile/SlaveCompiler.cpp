@@ -27,20 +27,6 @@ constexpr std::size_t STATUS_BYTES = 3;
 constexpr std::size_t MAX_USER_PARAMETERS = 237; // the others are extended ones
 constexpr std::size_t MAX_DATA = 244;            // bytes of one slave in one direction
 
-/// An alarm as descriptions call it, and its bit in the second status byte.
-struct AlarmRow {
-    std::string_view name;
-    Gsd::Alarm alarm;
-    std::uint8_t bit;
-};
-
-constexpr std::array<AlarmRow, 6> ALARMS{{{"pull-plug", Gsd::Alarm::PULL_PLUG, 0x80},
-                                          {"process", Gsd::Alarm::PROCESS, 0x40},
-                                          {"diagnostic", Gsd::Alarm::DIAGNOSTIC, 0x20},
-                                          {"manufacturer", Gsd::Alarm::MANUFACTURER, 0x10},
-                                          {"status", Gsd::Alarm::STATUS, 0x08},
-                                          {"update", Gsd::Alarm::UPDATE, 0x04}}};
-
 const Bytes& BytesAt(const RecordPlan& record, std::string_view field) {
     return std::get<Bytes>(record.At(field));
 }

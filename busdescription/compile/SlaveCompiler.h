@@ -4,6 +4,7 @@
 #include "busdescription/compile/BusTiming.h"
 #include "busdescription/compile/Compile.h"
 
+#include <array>
 #include <set>
 
 namespace BusDescription {
@@ -24,6 +25,20 @@ inline constexpr std::uint32_t SYNC = 0x20;
 inline constexpr std::uint32_t FREEZE = 0x10;
 inline constexpr std::uint32_t WATCHDOG_ON = 0x08;
 } // namespace StationStatus
+
+/// An alarm as descriptions call it, and its bit in the second status byte.
+struct AlarmRow {
+    std::string_view name;
+    Gsd::Alarm alarm;
+    std::uint8_t bit;
+};
+
+inline constexpr std::array<AlarmRow, 6> ALARMS{{{"pull-plug", Gsd::Alarm::PULL_PLUG, 0x80},
+                                                 {"process", Gsd::Alarm::PROCESS, 0x40},
+                                                 {"diagnostic", Gsd::Alarm::DIAGNOSTIC, 0x20},
+                                                 {"manufacturer", Gsd::Alarm::MANUFACTURER, 0x10},
+                                                 {"status", Gsd::Alarm::STATUS, 0x08},
+                                                 {"update", Gsd::Alarm::UPDATE, 0x04}}};
 
 /// Whether a slave's watchdog counts in 1 ms, and not in 10 ms.
 bool HasBase1ms(std::uint32_t slaveFlags, const Bytes& userParameters);

@@ -3,6 +3,7 @@
 
 #include "busdescription/compile/BusTiming.h"
 #include "busdescription/compile/SlaveCompiler.h"
+#include "busdescription/decompile/DeviceMatch.h"
 #include "busdescription/decompile/Draft.h"
 #include "busdescription/description/Units.h"
 
@@ -60,9 +61,61 @@ std::string GroupsText(std::uint32_t bits) {
     return ListText(groups);
 }
 
+std::string ParameterText(const Gsd::ParameterValue& value) {
+    const std::string text = value.text.empty() ? std::to_string(value.value) : Quoted(value.text);
+    return value.nameIsUnique
+               ? text
+               : "{ value = " + text + ", offset = " + std::to_string(value.reference->offset) + " }";
+}
+
+/// The parameters as a table; values of one name are a list.
+std::string ParametersText(const std::vector<Gsd::ParameterValue>& values) {
+    std::map<std::string, std::vector<std::string>> byName;
+    std::vector<std::string> order;
+    for (const Gsd::ParameterValue& value : values) {
+        auto& texts = byName[value.parameter->name];
+        if (texts.empty())
+            order.push_back(value.parameter->name);
+        texts.push_back(ParameterText(value));
+    }
+    std::string text;
+    for (const std::string& name : order) {
+        std::string list;
+        for (const std::string& each : byName[name])
+            list += (list.empty() ? "" : ", ") + each;
+        text += (text.empty() ? " " : ", ") + Quoted(name) + " = " +
+                (byName[name].size() > 1 ? '[' + list + ']' : list);
+    }
+    return '{' + text + " }";
+}
+
+/// The modules as a list; `settings` are those of the station and of each module, or empty.
+std::string ModulesText(const Gsd::Device& device, const std::vector<const Gsd::Module*>& modules,
+                        const std::vector<std::vector<Gsd::ParameterValue>>& settings) {
+    std::string text;
+    for (std::size_t i = 0; i < modules.size(); ++i) {
+        const bool unique = device.ModulesNamed(modules[i]->name).size() == 1;
+        const bool set = i + 1 < settings.size() && !settings[i + 1].empty();
+        std::string table = Quoted(modules[i]->name);
+        if (!unique || set)
+            table = "{ name = " + table +
+                    (unique ? "" : ", reference = " + std::to_string(modules[i]->reference.value)) +
+                    (set ? ", parameters = " + ParametersText(settings[i + 1]) : "") + " }";
+        text += (text.empty() ? "" : ", ") + table;
+    }
+    return '[' + text + ']';
+}
+
+/// What was drafted is not what was meant.
+class DraftError : public std::logic_error {
+public:
+    using std::logic_error::logic_error;
+};
+
 class Decompiler {
 public:
-    Decompiler(IBusConfig& config, DeviceFiles& files) : _config(config), _files(files) {}
+    Decompiler(IBusConfig& config, DeviceFiles& files, const std::vector<std::string>& gsds)
+        : _config(config), _files(files), _gsds(gsds) {}
 
     std::string Text(const std::string& source) {
         const Record master(FieldsOf(*_config.Master()));
@@ -72,6 +125,7 @@ public:
         for (int i = 0; i < addresses->Count(); ++i)
             DraftSlave(addresses->Get(i));
         ShareWatchdog();
+        DraftAlarms(master);
         while (AddWhatDiffers()) {
         }
         return "# Made of " + Quoted(source) + " by vesk config decompile.\n" + Checks() + Render();
@@ -81,22 +135,21 @@ private:
     struct Slave {
         unsigned char address;
         Record record;
-        DraftTable table;
-        std::string watchdog;
+        DraftTable table{};
+        std::string watchdog{};
+        const Gsd::Device* device = nullptr; // null without a file that fits
+        std::string plainModules{};          // without parameters
     };
 
     // The first draft
 
     void DraftSlave(unsigned char address) {
-        Slave slave{address, Record(FieldsOf(*_config.Slave(address))), {}, {}};
+        Slave slave{address, Record(FieldsOf(*_config.Slave(address)))};
         slave.table.Add("name", "\"slave-" + std::to_string(address) + '"');
         slave.table.Add("address", std::to_string(address));
-        AddField(slave, "identNr");
-        AddField(slave, "identifierBytes");
-        for (const char* const field : {"userParameters", "extUsrPrmData"})
-            if (!slave.record.BytesAt(field).empty())
-                AddField(slave, field);
-        AddField(slave, "maxDiagnosticDataLength");
+        DraftDevice(slave);
+        if (slave.device == nullptr)
+            DraftRaw(slave);
         DraftFlags(slave);
         DraftWatchdog(slave);
         if (const std::uint32_t groups = slave.record.Number("groupIdent"); groups != 0)
@@ -111,6 +164,61 @@ private:
         slave.table.Add(*KeyOf(SlaveKeys(), field), slave.record.At(field));
     }
 
+    static void DraftRaw(Slave& slave) {
+        AddField(slave, "identNr");
+        AddField(slave, "identifierBytes");
+        for (const char* const field : {"userParameters", "extUsrPrmData"})
+            if (!slave.record.BytesAt(field).empty())
+                AddField(slave, field);
+        AddField(slave, "maxDiagnosticDataLength");
+    }
+
+    /// Takes the first file whose modules and parameters fit, or else the first whose modules do.
+    void DraftDevice(Slave& slave) {
+        Bytes parameters = slave.record.BytesAt("userParameters");
+        const Bytes& more = slave.record.BytesAt("extUsrPrmData");
+        parameters.insert(parameters.end(), more.begin(), more.end());
+        std::string path;
+        DeviceMatch best;
+        for (const std::string& gsd : _gsds) {
+            const Gsd::DeviceFile& file = _files.Read(gsd);
+            if (!file.Usable() || file.device.identNumber.value != slave.record.Number("identNr"))
+                continue;
+            auto match = MatchDevice(file.device, slave.record.BytesAt("identifierBytes"), parameters);
+            if (!match || (slave.device != nullptr && match->settings.empty()))
+                continue;
+            slave.device = &file.device;
+            path = gsd;
+            best = std::move(*match);
+            if (!best.settings.empty())
+                break;
+        }
+        if (slave.device == nullptr)
+            return;
+        slave.table.Add("gsd", Quoted(path));
+        slave.plainModules = ModulesText(*slave.device, best.modules, {});
+        const bool named = !best.settings.empty();
+        slave.table.Add("modules",
+                        named ? ModulesText(*slave.device, best.modules, best.settings) : slave.plainModules);
+        if (named && !best.settings[0].empty())
+            slave.table.Add("parameters", ParametersText(best.settings[0]));
+        if (named)
+            DraftStatusBits(slave, best.statusBits);
+    }
+
+    void DraftStatusBits(Slave& slave, const std::array<std::uint8_t, 3>& bits) {
+        if ((bits[0] & 0x04) != 0)
+            slave.table.Add("watchdog-base", "\"1 ms\"");
+        std::string alarms;
+        for (const AlarmRow& row : ALARMS)
+            if ((bits[1] & row.bit) != 0)
+                alarms += (alarms.empty() ? "\"" : ", \"") + std::string(row.name) + '"';
+        if (alarms.empty())
+            return;
+        slave.table.Add("alarms", '[' + alarms + ']');
+        _alarms = true;
+    }
+
     static void DraftFlags(Slave& slave) {
         constexpr std::uint32_t unnamed = 0x01;
         const std::uint32_t flags = slave.record.Number("slaveFlags");
@@ -118,20 +226,33 @@ private:
             return; // the key of the whole byte will follow
         if ((flags & SlaveFlags::ACTIVE) == 0)
             slave.table.Add("active", "false");
-        const std::pair<std::uint32_t, const char*> named[] = {
-            {SlaveFlags::NEW_PARAMETERS, "new-parameters"},
-            {SlaveFlags::FAIL_SAFE, "fail-safe"},
-            {SlaveFlags::PUBLISHER, "publisher"},
-            {SlaveFlags::DPV1, "dpv1"},
-            {SlaveFlags::DPV1_DATA_TYPES, "dpv1-data-types"},
-            {SlaveFlags::EXTRA_ALARM_SAP, "extra-alarm-sap"}};
-        for (const auto& [bit, key] : named)
-            if ((flags & bit) != 0)
-                slave.table.Add(key, "true");
-        if ((flags & SlaveFlags::DPV1) == 0)
+        const bool dpv1 = slave.device != nullptr && slave.device->dpv1.value;
+        const bool types = slave.device != nullptr && slave.device->dpv1DataTypes.value;
+
+        const struct {
+            std::uint32_t bit;
+            const char* key;
+            bool unsaid; // what it is without the key
+        } named[] = {{SlaveFlags::NEW_PARAMETERS, "new-parameters", false},
+                     {SlaveFlags::FAIL_SAFE, "fail-safe", false},
+                     {SlaveFlags::PUBLISHER, "publisher", false},
+                     {SlaveFlags::DPV1, "dpv1", dpv1 && !IsDpv1Enabled(slave)},
+                     {SlaveFlags::DPV1_DATA_TYPES, "dpv1-data-types", types},
+                     {SlaveFlags::EXTRA_ALARM_SAP, "extra-alarm-sap", false}};
+
+        for (const auto& [bit, key, unsaid] : named)
+            if (const bool set = (flags & bit) != 0; set != unsaid)
+                slave.table.Add(key, set ? "true" : "false");
+        if ((flags & SlaveFlags::DPV1) == 0 || slave.device != nullptr)
             return;
         AddField(slave, "maxChannelDataLength");
         AddField(slave, "mSAC1Timeout");
+    }
+
+    /// Whether the slave's first status byte says so.
+    static bool IsDpv1Enabled(const Slave& slave) {
+        const Bytes& parameters = slave.record.BytesAt("userParameters");
+        return !parameters.empty() && (parameters[0] & 0x80) != 0;
     }
 
     static void DraftWatchdog(Slave& slave) {
@@ -177,6 +298,12 @@ private:
                 slave.table.Add("watchdog", slave.watchdog);
     }
 
+    /// The number of alarms has to be given where there are some, even if it is the default.
+    void DraftAlarms(const Record& master) {
+        if (_alarms)
+            _bus.Add(*KeyOf(BusKeys(), "alarmMax"), master.At("alarmMax"));
+    }
+
     // What it still has to say
 
     std::string Render() const {
@@ -195,7 +322,7 @@ private:
         Findings findings;
         const auto compiled = CompileText("unchecked = true\n" + Render(), findings);
         if (!compiled)
-            throw std::logic_error("a draft is no description: " + findings.at(0).ToString());
+            throw DraftError("a draft is no description: " + findings.at(0).ToString());
         bool differs = false;
         for (Slave& slave : _slaves)
             differs |=
@@ -206,6 +333,18 @@ private:
                                          _bus, BusKeys());
     }
 
+    /// Where names do not bring about the user parameters, they will stand there in raw form.
+    static void TakeParametersBack(Slave& slave, const FieldList& made) {
+        const Record other(made);
+        if (other.At("userParameters") == slave.record.At("userParameters") &&
+            other.At("extUsrPrmData") == slave.record.At("extUsrPrmData"))
+            return;
+        slave.table.Comment("The file's names do not give these user parameters.");
+        for (const char* const key : {"parameters", "alarms", "watchdog-base", "modules"})
+            slave.table.Remove(key);
+        slave.table.Add("modules", slave.plainModules);
+    }
+
     static bool AddDifferences(const FieldList& wanted, const FieldList& made, DraftTable& table,
                                std::span<const Key> keys) {
         bool differs = false;
@@ -214,7 +353,7 @@ private:
                 continue;
             const Key* key = KeyOf(keys, wanted[i].first);
             if (key == nullptr)
-                throw std::logic_error("no key brings about " + wanted[i].first);
+                throw DraftError("no key brings about " + wanted[i].first);
             table.Add(*key, wanted[i].second);
             differs = true;
         }
@@ -236,6 +375,8 @@ private:
 
     IBusConfig& _config;
     DeviceFiles& _files;
+    const std::vector<std::string> _gsds;
+    bool _alarms = false;
     DraftTable _bus;
     std::vector<Slave> _slaves;
     Area _toBus;
@@ -245,8 +386,12 @@ private:
 } // namespace
 
 std::string Decompile(IBusConfig& config, const std::string& source, DeviceFiles& files,
-                      const std::vector<std::string>&) {
-    return Decompiler(config, files).Text(source);
+                      const std::vector<std::string>& gsds) {
+    try {
+        return Decompiler(config, files, gsds).Text(source);
+    } catch (const DraftError&) {
+        return Decompiler(config, files, {}).Text(source); // the database goes beyond what a file allows
+    }
 }
 
 } // namespace BusDescription

@@ -82,6 +82,10 @@ struct Signal {
     std::string unit;
 };
 
+/// Whether it is a letter, then letters, digits, hyphens and underscores, as the names of slaves and signals
+/// are.
+bool IsName(std::string_view name);
+
 /// "int16" and so on.
 std::string_view NameOf(SignalType type);
 

@@ -41,13 +41,6 @@ std::vector<std::string> TypeNames() {
     return names;
 }
 
-/// A letter, then letters, digits, hyphens and underscores.
-bool IsName(std::string_view name) {
-    const auto letter = [](char c) { return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z'); };
-    const auto inner = [&](char c) { return letter(c) || (c >= '0' && c <= '9') || c == '-' || c == '_'; };
-    return !name.empty() && letter(name.front()) && std::all_of(name.begin(), name.end(), inner);
-}
-
 std::vector<std::string> AlarmNames() {
     return {"diagnostic", "process", "pull-plug", "status", "update", "manufacturer"};
 }
@@ -389,9 +382,13 @@ void ReadTables(const toml::table& text, Description& description, Report& repor
             table.Error(description.busPlace, "master is missing, the master's address from 0 to 125");
         table.RefuseOthers();
     }
+    constexpr std::size_t most = 256; // addresses, also without checks
     std::size_t number = 0;
     top.ForEach("slave", "tables [[slave]]", [&](const toml::node& node) {
-        ++number;
+        if (++number == most + 1)
+            report.Error(PlaceOf(node), "more than 256 slaves");
+        if (number > most)
+            return;
         if (const toml::table* table = node.as_table())
             description.slaves.push_back(SlaveReader(*table, number, report).Read());
         else
@@ -417,6 +414,12 @@ Place DeepKey(std::string_view text) {
 }
 
 } // namespace
+
+bool IsName(std::string_view name) {
+    const auto letter = [](char c) { return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z'); };
+    const auto inner = [&](char c) { return letter(c) || (c >= '0' && c <= '9') || c == '-' || c == '_'; };
+    return !name.empty() && letter(name.front()) && std::all_of(name.begin(), name.end(), inner);
+}
 
 std::string_view NameOf(SignalType type) {
     return std::find_if(TYPES.begin(), TYPES.end(), [type](const TypeRow& row) { return row.type == type; })

@@ -96,4 +96,29 @@ TEST_F(DecompileTest, WhatComesOutBuildsTheSameBytes) {
     }
 }
 
+/// Slaves of examples/drive.gsd: as its names say, with user parameters that no names give, and with modules
+/// that it does not have.
+TEST_F(DecompileTest, NamesWhatADeviceFileHas) {
+    const std::string slave = "[[slave]]\ngsd = \"drive.gsd\"\n";
+    const std::string named =
+        "modules = [\"4 words\", { name = \"Encoder\", parameters = { \"Offset\" = -5 } }]\n"
+        "parameters = { \"Mode\" = \"Position\", \"Ramp\" = 200 }\nwatchdog-base = \"1 ms\"\n"
+        "alarms = [\"process\"]\n";
+    const std::string text = "[bus]\nrate = \"1.5M\"\nmaster = 1\nwatchdog = \"5 s\"\nmax-alarms = 2\n" +
+                             slave + "address = 2\n" + named + slave +
+                             "address = 3\nmodules = [\"4 words\"]\nuser-parameters = \"01 02\"\n" + slave +
+                             "address = 4\nidentifier-bytes = \"1f\"\nuser-parameters = \"\"\n";
+    DeviceFiles files(SOURCE_DIR "/examples");
+    Findings findings;
+    const auto bus = Compile(ReadText(text, "plant.toml", findings), files, findings);
+    ASSERT_TRUE(bus) << findings.at(0).ToString();
+    const std::string made = Decompile(*bus->config, "plant.ddb", files, {"drive.gsd"});
+    EXPECT_THAT(made, testing::HasSubstr(named));
+    EXPECT_THAT(made, testing::HasSubstr("modules = [\"4 words\"]\nuser-parameters = \"01 02\"\n"));
+    EXPECT_THAT(made, testing::HasSubstr("ident = 0x2a14\nidentifier-bytes = \"1f\"\n"));
+    const auto again = Compile(ReadText(made, "again.toml", findings), files, findings);
+    ASSERT_TRUE(again) << findings.at(0).ToString();
+    EXPECT_EQ(DatabaseBytes(*again->config), DatabaseBytes(*bus->config));
+}
+
 } // namespace

@@ -153,11 +153,15 @@ const std::vector<Command>& Commands() {
 
         {"config", FILES, "Make, show and compare configuration database files.", nullptr},
         {"config show", FILES,
-         "Show every field of a configuration database file.\n"
+         "Show every field of a configuration database, or of the one that a bus description makes, and what "
+         "it "
+         "means.\n"
          "Example: vesk config show examples/plant.ddb",
          AddConfigShow},
         {"config diff", FILES,
-         "Show the fields in which two configuration database files differ, a line each. The exit status is "
+         "Show the fields in which two configurations differ, databases or bus descriptions, a line each. "
+         "The "
+         "exit status is "
          "diff's: 0 the same, 1 different, 2 trouble.\n"
          "Example: vesk config diff old.ddb new.ddb",
          AddConfigDiff, DIFF_FAILED},
@@ -172,6 +176,11 @@ const std::vector<Command>& Commands() {
          "database again.\n"
          "Example: vesk config decompile examples/plant.ddb",
          AddConfigDecompile, FAILED, ALONE},
+        {"config header", FILES,
+         "Make a C++ header of a bus description, with which an application maps the data of each slave, and "
+         "reads and writes its signals by name.\n"
+         "Example: vesk config header examples/plant.toml",
+         AddConfigHeader, FAILED, ALONE},
         {"firmware", FILES, "Make and show firmware files.", nullptr},
         {"firmware show", FILES,
          "Show what a firmware file says about its program, and whether its checksum fits.\n"

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "tools/vesk/files/ConfigJson.h"
+#include "tools/vesk/files/ConfigText.h"
 #include "tools/vesk/files/DatabaseFile.h"
 #include "tools/vesk/files/FileCommands.h"
 #include "tools/vesk/text/ByteText.h"
@@ -19,6 +20,7 @@ struct ConfigOptions {
     std::string otherPath; // of what it is compared with
     bool json = false;
     bool force = false;
+    bool raw = false;
 };
 
 void ShowConfig(const ConfigOptions& options) {
@@ -32,6 +34,10 @@ void ShowConfig(const ConfigOptions& options) {
         auto json = ToJson(*config);
         json["statedChecksum"] = file.checksum;
         std::cout << JsonText(json);
+        return;
+    }
+    if (!options.raw) {
+        std::cout << ConfigText(*config);
         return;
     }
     std::istringstream lines(config->ToString().Value());
@@ -99,9 +105,10 @@ bool DiffConfigs(const ConfigOptions& options) {
 
 Action AddConfigShow(CLI::App& command) {
     const auto options = std::make_shared<ConfigOptions>();
-    AddArgument(command, "FILE", options->path, "Configuration database file (.ddb)");
+    AddArgument(command, "FILE", options->path, "Configuration database (.ddb) or bus description (.toml)");
     command.add_flag("--force", options->force,
                      "Show a file that does not have the checksum of its first line, too");
+    command.add_flag("--raw", options->raw, "Show the values as they are, without what they mean");
     AddJson(command, options->json);
     return [options] {
         ShowConfig(*options);
@@ -111,7 +118,7 @@ Action AddConfigShow(CLI::App& command) {
 
 Action AddConfigDiff(CLI::App& command) {
     const auto options = std::make_shared<ConfigOptions>();
-    AddArgument(command, "A", options->path, "Configuration database file (.ddb)");
+    AddArgument(command, "A", options->path, "Configuration database (.ddb) or bus description (.toml)");
     AddArgument(command, "B", options->otherPath, "The file that it is compared with");
     AddJson(command, options->json);
     return [options] { return DiffConfigs(*options) ? DONE : DIFF_DIFFERENT; };

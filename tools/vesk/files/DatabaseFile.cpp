@@ -2,6 +2,7 @@
 #include "tools/vesk/files/DatabaseFile.h"
 
 #include "tools/vesk/explain/Advice.h"
+#include "tools/vesk/files/DescriptionFile.h"
 #include "tools/vesk/files/FileBytes.h"
 #include "tools/vesk/text/Text.h"
 #include "vesk/core/VeskException.h"
@@ -78,6 +79,10 @@ std::string DatabaseFile::Damage(const std::string& path) const {
 }
 
 DatabaseFile ReadDatabaseFile(const std::string& path) {
+    if (IsDescription(path)) {
+        const auto config = CompileDescription(path).bus.config;
+        return {config, ChecksumText(config->Checksum())};
+    }
     FileContent bytes = ReadFile(path, MOST);
     if (const std::string wrong = WrongDatabase(bytes); !wrong.empty())
         throw Failure(path + ": " + wrong);

@@ -18,7 +18,8 @@ struct DatabaseFile {
     std::string Damage(const std::string& path) const;
 };
 
-/// Reads the database file at `path`, or "-" for standard input. Failure, which names the file and says what
+/// Reads the database file at `path`, or "-" for standard input; of a bus description (".toml") the database
+/// that it makes. Failure, which names the file and says what
 /// is wrong with it and where, for anything that is none.
 DatabaseFile ReadDatabaseFile(const std::string& path);
 

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 // The commands that make files of a bus description.
 #include "busdescription/decompile/Decompile.h"
+#include "busdescription/header/Header.h"
 #include "busdescription/records/DatabaseBytes.h"
 #include "tools/vesk/files/DatabaseFile.h"
 #include "tools/vesk/files/DescriptionFile.h"
@@ -142,6 +143,28 @@ void DecompileDatabase(const DecompileOptions& options) {
         WriteFile(options.output, {text.begin(), text.end()}, options.path, "the database");
 }
 
+struct HeaderOptions {
+    std::string path;
+    std::string output; // empty: standard output
+    std::string space;  // empty: the text's name
+};
+
+void MakeHeader(const HeaderOptions& options) {
+    const CompiledDescription compiled = CompileDescription(options.path);
+    BusDescription::Findings findings;
+    const std::string space =
+        options.space.empty() ? BusDescription::TypeName(std::filesystem::path(options.path).stem().string())
+                              : options.space;
+    if (!BusDescription::IsName(space))
+        throw Failure("\"" + space + "\" is no name for a namespace, give one with --namespace");
+    const std::string text = BusDescription::Header(compiled.description, compiled.bus, space, findings);
+    Judge(options.path, findings, false);
+    if (options.output.empty())
+        std::cout << text;
+    else
+        WriteFile(options.output, {text.begin(), text.end()}, options.path, "the description");
+}
+
 } // namespace
 
 Action AddConfigBuild(CLI::App& command) {
@@ -167,6 +190,18 @@ Action AddConfigDecompile(CLI::App& command) {
         ->type_name("FOLDER");
     return [options] {
         DecompileDatabase(*options);
+        return DONE;
+    };
+}
+
+Action AddConfigHeader(CLI::App& command) {
+    const auto options = std::make_shared<HeaderOptions>();
+    AddArgument(command, "FILE", options->path, "Bus description (.toml)");
+    command.add_option("-o,--output", options->output, "Header to make; standard output without it")
+        ->type_name("FILE");
+    command.add_option("--namespace", options->space, "Its namespace (the name of FILE)")->type_name("NAME");
+    return [options] {
+        MakeHeader(*options);
         return DONE;
     };
 }

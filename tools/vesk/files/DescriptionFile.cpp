@@ -17,8 +17,7 @@ static std::string Count(std::ptrdiff_t number, const std::string& what) {
     return std::to_string(number) + " " + what + (number == 1 ? "" : "s");
 }
 
-/// Failure where there are errors among the findings, after all of them have been shown.
-static void Judge(const std::string& path, BusDescription::Findings& findings, bool strict) {
+void Judge(const std::string& path, const BusDescription::Findings& findings, bool strict) {
     for (const Finding& finding : findings)
         std::cerr << Printable(finding.ToString()) << "\n";
     const auto errors = std::count_if(findings.begin(), findings.end(), [](const Finding& finding) {

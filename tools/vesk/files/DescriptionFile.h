@@ -16,6 +16,10 @@ struct CompiledDescription {
 /// errors.
 CompiledDescription CompileDescription(const std::string& path, bool strict = false);
 
+/// Shows findings about the file at `path` on standard error; Failure where there are errors among them, or
+/// warnings and it is `strict`.
+void Judge(const std::string& path, const BusDescription::Findings& findings, bool strict);
+
 /// Whether the file's name is that of a bus description: it ends with ".toml".
 bool IsDescription(const std::string& path);
 

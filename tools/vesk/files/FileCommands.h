@@ -10,6 +10,7 @@ Action AddConfigShow(CLI::App& command);
 Action AddConfigDiff(CLI::App& command);
 Action AddConfigBuild(CLI::App& command);
 Action AddConfigDecompile(CLI::App& command);
+Action AddConfigHeader(CLI::App& command);
 Action AddFirmwareShow(CLI::App& command);
 Action AddFirmwareBuild(CLI::App& command);
 Action AddGsdShow(CLI::App& command);

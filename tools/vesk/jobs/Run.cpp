@@ -226,8 +226,9 @@ void Run::Line(const std::string& text) {
 
 Action AddRun(CLI::App& command) {
     const auto options = std::make_shared<Run::Options>();
-    command.add_option("CONFIG", options->configPath,
-                       "Configuration database file (.ddb); without one the plant of the examples");
+    command.add_option(
+        "CONFIG", options->configPath,
+        "Configuration database (.ddb) or bus description (.toml); without one the plant of the examples");
     command.add_option("--cycles", options->cycles, "Process data exchanges to check")->capture_default_str();
     AddJson(command, options->json);
     const auto link = std::make_shared<LinkOptions>();

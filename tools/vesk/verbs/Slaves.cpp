@@ -151,7 +151,7 @@ Action AddSlaves(CLI::App& app) {
         "-v,--verbose", [self] { self->verb = &VERBOSE; },
         "What each slave says of itself, and what --config tells it");
     command->AddConfig(
-        "Configuration database file (.ddb) that the module was given",
+        "Configuration database (.ddb) or bus description (.toml) that the module was given",
         [self](const std::string& path) { self->arguments["config"] = ToJson(*LoadDatabaseFile(path)); });
     return [command] { return command->Execute(); };
 }

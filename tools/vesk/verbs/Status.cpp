@@ -42,7 +42,7 @@ Action AddStatus(CLI::App& app) {
     app.add_flag_callback(
         "--watch", [self] { self->run = [self](Session& session) { return Watch(session, *self); }; },
         "Look again each second until the program is interrupted, over the end of a module too");
-    command->AddConfig("Configuration database file (.ddb) that the module should hold",
+    command->AddConfig("Configuration database (.ddb) or bus description (.toml) that the module should hold",
                        [self](const std::string& path) {
                            self->arguments["checksum"] = ChecksumText(LoadDatabaseFile(path)->Checksum());
                        });

@@ -93,7 +93,8 @@ CLI::Option* VerbCommand::AddAddress() {
 }
 
 void VerbCommand::AddFile(const std::function<void(const std::string& path)>& take) {
-    _app.add_option_function<std::string>("CONFIG", take, "Configuration database file (.ddb)")
+    _app.add_option_function<std::string>("CONFIG", take,
+                                          "Configuration database (.ddb) or bus description (.toml)")
         ->required()
         ->type_name("");
 }
