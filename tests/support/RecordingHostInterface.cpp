@@ -50,6 +50,7 @@ void RecordingHostInterface::Read(int offset, const std::shared_ptr<System::IArr
 
 void RecordingHostInterface::Write(int offset, const std::shared_ptr<System::IArray<unsigned char>>& array,
                                    int arrayOffset, int count) {
+    System::CheckRange(array.get(), arrayOffset, count);
     Note(Text("W %04x+%d", offset, count));
     std::copy_n(array->Data() + arrayOffset, count, &bytes.at(static_cast<std::size_t>(offset)));
 }
