@@ -443,6 +443,8 @@ Description ReadText(std::string_view text, const std::string& file, Findings& f
         description.complete = true;
     } catch (const toml::parse_error& error) {
         report.Error(PlaceOf(error.source()), std::string(error.description()));
+    } catch (const UnforeseenText&) {
+        report.Error({}, "is no TOML; look for a table header that has too many brackets");
     }
     return description;
 }

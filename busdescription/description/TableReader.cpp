@@ -10,6 +10,10 @@ namespace BusDescription {
 
 using std::chrono::microseconds;
 
+void RefuseText() {
+    throw UnforeseenText();
+}
+
 void Report::Error(Place place, const std::string& text) {
     if (_findings.size() < MAX_TEXT_FINDINGS)
         _findings.push_back({Severity::ERROR, _file, place.line, place.column, text});

@@ -201,6 +201,7 @@ TEST_F(CompileTest, SaysWhereAMistakeIsAndWhatIsExpected) {
     const Mistake mistakes[] = {
         {"", "1:1: error: the table [bus] is missing, with rate and master"},
         {"[bus]\nrate = 1.5M\n", "2:11: error: "},
+        {"[[[slave]]\n", " error: is no TOML; "},
         {"[bus]\nmaster = 1\n", "1:1: error: bus: rate is missing, such as \"1.5M\""},
         {"[bus]\nrate = \"1.5\"\nmaster = 1\n",
          "2:8: error: bus: rate is \"1.5\", expected one of 9.6k, 19.2k, "
