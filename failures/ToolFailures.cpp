@@ -201,6 +201,7 @@ constexpr std::array TABLE{
 const std::vector<const Outcome*>& ToolFailures() {
     static const std::vector<const Outcome*> all = [] {
         std::vector<const Outcome*> made;
+        made.reserve(std::size(TABLE));
         for (const Outcome& outcome : TABLE)
             made.push_back(&outcome);
         return made;

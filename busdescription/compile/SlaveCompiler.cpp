@@ -243,7 +243,7 @@ void SlaveCompiler::ProposeWatchdog(RecordPlan& record) {
     const bool raw = record.Has("watchdogFactor1") && record.Has("watchdogFactor2");
     const Place place = WatchdogPlace();
     if (place.line == 0 && !raw)
-        _report.Error(_slave.place, Called() + "watchdog is missing, a time such as \"100 ms\", or \"off\"");
+        _report.Error(_slave.place, Called() + R"(watchdog is missing, a time such as "100 ms", or "off")");
     if (_slave.watchdogBase1ms && _slave.watchdogBase1ms.value != Base1ms(record))
         _report.Implausible(_slave.watchdogBase1ms.place,
                             Called() +

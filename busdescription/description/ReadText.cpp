@@ -36,6 +36,7 @@ constexpr std::uint32_t LAST_PLACE = 3499;
 
 std::vector<std::string> TypeNames() {
     std::vector<std::string> names;
+    names.reserve(TYPES.size());
     for (const TypeRow& row : TYPES)
         names.emplace_back(row.name);
     return names;
@@ -53,6 +54,7 @@ Given<std::uint32_t> ReadRate(TableReader& table) {
         code != nullptr && code->get() >= 0 && code->get() <= 255 && table.TheReport().unchecked)
         return {static_cast<std::uint32_t>(code->get()), PlaceOf(*node)};
     std::vector<std::string> names;
+    names.reserve(Gsd::RATES.size());
     for (const Gsd::Rate& rate : Gsd::RATES)
         names.push_back(std::string(rate.name) + (rate.bitsPerSecond < 1'000'000 ? "k" : ""));
     const auto* text = node->as_string();
@@ -78,7 +80,7 @@ public:
             return;
         const toml::table* table = node->as_table();
         if (table == nullptr)
-            return _owner.Unexpected(*node, "parameters", "a table such as { \"Mode\" = \"speed\" }");
+            return _owner.Unexpected(*node, "parameters", R"(a table such as { "Mode" = "speed" })");
         for (const auto& [key, value] : *table)
             if (const toml::array* several = value.as_array())
                 for (const toml::node& each : *several)

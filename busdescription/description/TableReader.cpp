@@ -128,7 +128,7 @@ Given<WatchdogSetting> TableReader::Watchdog(std::string_view name) {
         if (*text == "off" || watchdog.value.time.count() > 0)
             return watchdog;
     }
-    Unexpected(*node, name, "a time such as \"100 ms\", \"off\", or two factors from 1 to 255");
+    Unexpected(*node, name, R"(a time such as "100 ms", "off", or two factors from 1 to 255)");
     return {{}, PlaceOf(*node)};
 }
 

@@ -58,7 +58,8 @@ static int Execute(int argc, char** argv, const VeskTool::Telling& telling, int&
     return status;
 }
 
-int main(int argc, char** argv) {
+/// The same, with words for whatever goes wrong.
+static int ExecuteAndTell(int argc, char** argv) {
     VeskTool::OpenStandardDescriptors();
     VeskTool::StandardOutput output;
     // A dump after every command would only be in the way of the one that an application left behind.
@@ -76,5 +77,13 @@ int main(int argc, char** argv) {
     } catch (const std::exception& exception) { // it could not even be printed as JSON
         telling.Shortly(exception);
         return failed;
+    }
+}
+
+int main(int argc, char** argv) {
+    try {
+        return ExecuteAndTell(argc, argv);
+    } catch (...) { // not even a sentence could be made of it
+        return VeskTool::FAILED;
     }
 }
