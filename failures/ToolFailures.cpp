@@ -133,6 +133,8 @@ constexpr std::array TABLE{
             "The file is cut short, or no configuration database.", RIGHT_FILE, EXPORT},
     Outcome{OWN, "*: ends at byte #, in the middle of message #, *",
             "The file is cut short, or was changed by an editor or on its way.", RIGHT_FILE, EXPORT},
+    Outcome{OWN, "*: message #, from byte # on: it has the message type or the error code #, *",
+            "The file was changed by an editor or on its way.", RIGHT_FILE, EXPORT},
     Outcome{OWN, "*: ends behind its first line, without any message", "The file is cut short.", RIGHT_FILE,
             EXPORT},
     Outcome{OWN, "*: has more than # bytes, the most that a * can have*", "The file is none of that kind.",

@@ -59,6 +59,14 @@ std::string MessageAt(std::int64_t position) {
            " on: ";
 }
 
+/// The number that the parser gives for a message type or an error code that does not exist; or nothing.
+std::string UnknownNumber(const std::exception& exception) {
+    const std::string message = RawMessageOf(exception);
+    const bool number =
+        std::all_of(message.begin(), message.end(), [](char c) { return c >= '0' && c <= '9'; });
+    return number ? message : "";
+}
+
 /// The checksum of the records, from what the parser says where the first line has another one.
 std::optional<std::string> CalculatedChecksum(const std::exception& exception) {
     unsigned int calculated = 0;
@@ -92,6 +100,10 @@ DatabaseFile ReadDatabaseFile(const std::string& path) {
         return {DdbParser::FromStream(stream), checksum};
     } catch (const std::exception& exception) {
         const auto calculated = CalculatedChecksum(exception);
+        if (const std::string number = UnknownNumber(exception); !number.empty())
+            throw Failure(path + ": " + MessageAt(stream->Position()) +
+                          "it has the message type or the error code " + number +
+                          ", and there is none of that number");
         if (!calculated)
             throw FileFailure(path, MessageAt(stream->Position()), exception);
         std::copy(calculated->begin(), calculated->end(), bytes.begin());
