@@ -114,8 +114,8 @@ public:
 
 class Decompiler {
 public:
-    Decompiler(IBusConfig& config, DeviceFiles& files, const std::vector<std::string>& gsds)
-        : _config(config), _files(files), _gsds(gsds) {}
+    Decompiler(IBusConfig& config, DeviceFiles& files, std::vector<std::string> gsds)
+        : _config(config), _files(files), _gsds(std::move(gsds)) {}
 
     std::string Text(const std::string& source) {
         const Record master(FieldsOf(*_config.Master()));
@@ -230,17 +230,17 @@ private:
         const bool types = slave.device != nullptr && slave.device->dpv1DataTypes.value;
 
         const struct {
-            std::uint32_t bit;
             const char* key;
+            std::uint32_t bit;
             bool unsaid; // what it is without the key
-        } named[] = {{SlaveFlags::NEW_PARAMETERS, "new-parameters", false},
-                     {SlaveFlags::FAIL_SAFE, "fail-safe", false},
-                     {SlaveFlags::PUBLISHER, "publisher", false},
-                     {SlaveFlags::DPV1, "dpv1", dpv1 && !IsDpv1Enabled(slave)},
-                     {SlaveFlags::DPV1_DATA_TYPES, "dpv1-data-types", types},
-                     {SlaveFlags::EXTRA_ALARM_SAP, "extra-alarm-sap", false}};
+        } named[] = {{"new-parameters", SlaveFlags::NEW_PARAMETERS, false},
+                     {"fail-safe", SlaveFlags::FAIL_SAFE, false},
+                     {"publisher", SlaveFlags::PUBLISHER, false},
+                     {"dpv1", SlaveFlags::DPV1, dpv1 && !IsDpv1Enabled(slave)},
+                     {"dpv1-data-types", SlaveFlags::DPV1_DATA_TYPES, types},
+                     {"extra-alarm-sap", SlaveFlags::EXTRA_ALARM_SAP, false}};
 
-        for (const auto& [bit, key, unsaid] : named)
+        for (const auto& [key, bit, unsaid] : named)
             if (const bool set = (flags & bit) != 0; set != unsaid)
                 slave.table.Add(key, set ? "true" : "false");
         if ((flags & SlaveFlags::DPV1) == 0 || slave.device != nullptr)
