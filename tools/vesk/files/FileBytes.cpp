@@ -154,7 +154,7 @@ void WriteFile(const std::string& path, const std::vector<unsigned char>& bytes,
 }
 
 Failure FileFailure(const std::string& path, const std::string& where, const std::exception& exception) {
-    return Failure(path + ": " + where + MessageOf(exception), TypeOf(exception), RawMessageOf(exception));
+    return {path + ": " + where + MessageOf(exception), TypeOf(exception), RawMessageOf(exception)};
 }
 
 } // namespace VeskTool

@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+#include "tools/vesk/files/FileBytes.h"
 #include "tools/vesk/files/FileCommands.h"
 #include "tools/vesk/files/FirmwareFile.h"
 #include "tools/vesk/text/ByteText.h"
