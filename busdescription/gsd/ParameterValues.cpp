@@ -95,7 +95,8 @@ std::int64_t ValueOf(const Parameter& parameter, const ValueTexts* texts, const 
 ParameterValues::ParameterValues(const Device& device, const ParameterPart& part, std::size_t size)
     : _device(device), _part(part), _bytes(size) {
     for (const ParameterConstant& constant : part.constants)
-        std::copy(constant.bytes.begin(), constant.bytes.end(), _bytes.begin() + constant.offset);
+        std::copy(constant.bytes.begin(), constant.bytes.end(),
+                  _bytes.begin() + static_cast<std::ptrdiff_t>(constant.offset));
     for (const ParameterReference& reference : part.references)
         Put(reference, device.parameterTypes[reference.parameter].defaultValue);
 }

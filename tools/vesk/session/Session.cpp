@@ -35,8 +35,8 @@ Refusal::Refusal(const std::string& what, ErrorCode& error)
 Refusal::Refusal(const std::string& whole, unsigned char code)
     : Failure(whole, "Refusal", whole), _code(code) {}
 
-Session::Session(const Link& link, std::shared_ptr<Config::IBusConfig> config)
-    : _link(link), _config(std::move(config)) {
+Session::Session(Link link, std::shared_ptr<Config::IBusConfig> config)
+    : _link(std::move(link)), _config(std::move(config)) {
     Restart();
 }
 

@@ -61,7 +61,7 @@ public:
 
     /// `config` may be null: then the module's database is taken as it is. The library's exceptions pass
     /// through.
-    Session(const Link& link, std::shared_ptr<Vesk::Modules::DPVM::Config::IBusConfig> config);
+    Session(Link link, std::shared_ptr<Vesk::Modules::DPVM::Config::IBusConfig> config);
 
     /// Begins another life: the module object goes, and a new one resets the module. Input data are 0 again.
     void Restart();

@@ -88,7 +88,7 @@ private:
         rl_attempted_completion_over = start == 0 ? 1 : 0;
         const bool known = std::any_of(_words.begin(), _words.end(),
                                        [&](const std::string& word) { return word.starts_with(text); });
-        rl_completion_append_character = known ? ' ' : '\0'; // behind a folder none
+        rl_completion_append_character = known ? int{' '} : 0; // behind a folder none
         return rl_completion_matches(text, [](const char* beginning, int state) -> char* {
             if (state == 0)
                 self->_word = 0;

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "tools/vesk/text/Progress.h"
 
+#include <algorithm>
 #include <cstdio>
 #include <limits>
 #include <ostream>
@@ -11,7 +12,7 @@ namespace VeskTool {
 static constexpr double REDRAW_SECONDS = 0.1;
 
 Progress::Progress(const Console& console, std::string unit, std::int64_t total, std::int64_t bytes)
-    : _console(console), _unit(std::move(unit)), _total(total), _bytes(bytes) {}
+    : _console(console), _unit(std::move(unit)), _total(std::max<std::int64_t>(total, 1)), _bytes(bytes) {}
 
 Progress::~Progress() {
     try {

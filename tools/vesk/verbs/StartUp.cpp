@@ -16,7 +16,6 @@
 
 namespace VeskTool {
 
-using Vesk::Modules::DPVM::IDPVMModule;
 using Vesk::Modules::DPVM::OperationMode_e;
 
 namespace {
