@@ -95,8 +95,11 @@ TEST(CommandsTest, ColourOnATerminalOnly) {
     ::unsetenv("NO_COLOR");
     const char* const update = SOURCE_DIR "/examples/firmware/vt22-1.5.0.fw";
     ::setenv("TERM", "dumb", 1); // which can do nothing but write line after line
-    for (const Arguments& arguments : {Arguments{"status"}, {"flash", update, "--yes"}})
-        EXPECT_THAT(RunTool::RunOnTerminal(arguments, "").out, Not(testing::ContainsRegex("\033|\r[^\n]")));
+    const std::pair<Arguments, const char*> plain[]{{{"status"}, "ok "},
+                                                    {{"flash", update, "--yes", "--virtual"}, "100 %"}};
+    for (const auto& [arguments, shown] : plain)
+        EXPECT_THAT(RunTool::RunOnTerminal(arguments, "").out,
+                    AllOf(HasSubstr(shown), Not(testing::ContainsRegex("\033|\r[^\n]"))));
     ::setenv("TERM", "vt100", 1);
     EXPECT_THAT(RunTool::RunOnTerminal({"run", "--cycles", "1001"}, "").out,
                 HasSubstr("\r[##########] 1001/1001 cycles, 0.0 s left\033[K"));
