@@ -241,11 +241,19 @@ void Session::SetMode(OperationMode mode) {
 
 void Session::InMode(OperationMode mode, const std::function<void()>& work) {
     const auto before = Online() == true ? Mode() : std::nullopt;
+    const auto goBack = [&] {
+        if (before && Alive())
+            SetMode(*before);
+    };
     SetMode(mode);
     _settled = false;
-    work();
-    if (before)
-        SetMode(*before);
+    try {
+        work();
+    } catch (...) {
+        goBack();
+        throw;
+    }
+    goBack();
 }
 
 std::string ModeName(Session::OperationMode mode) {

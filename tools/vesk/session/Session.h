@@ -119,7 +119,8 @@ public:
     /// Asks for an operation mode and updates until the module reports it.
     void SetMode(OperationMode mode);
 
-    /// Does `work` in an operation mode and goes back into the one before, if there was one.
+    /// Does `work` in an operation mode and goes back into the one before, if there was one, also
+    /// where the work fails.
     void InMode(OperationMode mode, const std::function<void()>& work);
 
     const std::vector<Step>& Steps() const { return _steps; }
