@@ -2,6 +2,7 @@
 #include "busdescription/findings/Nearest.h"
 
 #include <algorithm>
+#include <limits>
 #include <numeric>
 
 namespace BusDescription {
@@ -12,8 +13,7 @@ static char Small(char character) {
     return character >= 'A' && character <= 'Z' ? static_cast<char>(character - 'A' + 'a') : character;
 }
 
-/// How many characters are to be put in, taken out or replaced to make `b` of `a`; at least `limit` where it
-/// is not less than that. `row` is for its own use.
+/// The distance; at least `limit` where it is not less than that. `row` is for its own use.
 static std::size_t Distance(std::string_view a, std::string_view b, std::size_t limit,
                             std::vector<std::size_t>& row) {
     row.resize(b.size() + 1);
@@ -31,6 +31,11 @@ static std::size_t Distance(std::string_view a, std::string_view b, std::size_t 
             return least;
     }
     return row.back();
+}
+
+std::size_t Distance(std::string_view a, std::string_view b) {
+    std::vector<std::size_t> row;
+    return Distance(a, b, std::numeric_limits<std::size_t>::max(), row);
 }
 
 std::string Nearest(std::string_view word, const std::vector<std::string>& names) {

@@ -2,9 +2,9 @@
 #include "tools/vesk/explain/Explain.h"
 
 #include "tools/vesk/explain/Explanations.h"
+#include "tools/vesk/explain/Nearest.h"
 #include "tools/vesk/text/ByteText.h"
 #include "tools/vesk/text/Failure.h"
-#include "tools/vesk/text/Nearest.h"
 #include "tools/vesk/text/Text.h"
 
 #include <algorithm>

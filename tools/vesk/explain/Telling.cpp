@@ -2,12 +2,12 @@
 #include "tools/vesk/explain/Telling.h"
 
 #include "tools/vesk/explain/Advice.h"
+#include "tools/vesk/explain/Nearest.h"
 #include "tools/vesk/session/Dumps.h"
 #include "tools/vesk/session/LinkOptions.h"
 #include "tools/vesk/text/ByteText.h"
 #include "tools/vesk/text/Command.h"
 #include "tools/vesk/text/Interruption.h"
-#include "tools/vesk/text/Nearest.h"
 #include "tools/vesk/text/Series.h"
 #include "tools/vesk/text/Text.h"
 

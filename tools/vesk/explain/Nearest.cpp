@@ -1,32 +1,15 @@
 // SPDX-License-Identifier: MIT
-#include "tools/vesk/text/Nearest.h"
+#include "tools/vesk/explain/Nearest.h"
 
+#include "busdescription/findings/Nearest.h"
 #include "tools/vesk/text/Text.h"
 
 #include <algorithm>
-#include <numeric>
-#include <string_view>
 
 namespace VeskTool {
 
 /// A word of this length in a name is no accident.
 static constexpr std::size_t SHORTEST_PART = 3;
-
-/// How many characters have to be added, removed or replaced to make one of the other.
-static std::size_t Distance(std::string_view a, std::string_view b) {
-    std::vector<std::size_t> row(b.size() + 1);
-    std::iota(row.begin(), row.end(), std::size_t{0});
-    for (std::size_t i = 0; i < a.size(); ++i) {
-        std::size_t diagonal = row[0];
-        row[0] = i + 1;
-        for (std::size_t j = 0; j < b.size(); ++j) {
-            const std::size_t replaced = diagonal + (a[i] != b[j]);
-            diagonal = row[j + 1];
-            row[j + 1] = std::min({replaced, diagonal + 1, row[j] + 1});
-        }
-    }
-    return row.back();
-}
 
 std::vector<std::string> Nearest(const std::string& word, const std::vector<std::string>& names,
                                  std::size_t most) {
@@ -36,7 +19,7 @@ std::vector<std::string> Nearest(const std::string& word, const std::vector<std:
     for (const std::string& name : names) {
         const std::string lower = Lower(name);
         const bool part = text.size() >= SHORTEST_PART && lower.find(text) != std::string::npos;
-        found.emplace_back(part ? 1 : Distance(text, lower.substr(0, text.size() + 2)), name);
+        found.emplace_back(part ? 1 : BusDescription::Distance(text, lower.substr(0, text.size() + 2)), name);
     }
     std::sort(found.begin(), found.end());
     found.erase(std::unique(found.begin(), found.end()), found.end());
