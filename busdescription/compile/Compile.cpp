@@ -26,9 +26,8 @@ const std::string DEFAULT = "default";
 constexpr const Gsd::Rate& FASTEST = Gsd::RATES.back();
 
 const Gsd::Rate& RateOf(std::uint32_t code) {
-    const auto rate = std::find_if(Gsd::RATES.begin(), Gsd::RATES.end(),
-                                   [code](const Gsd::Rate& each) { return each.code == code; });
-    return rate == Gsd::RATES.end() ? FASTEST : *rate;
+    const Gsd::Rate* const rate = Gsd::RateWithCode(code);
+    return rate == nullptr ? FASTEST : *rate;
 }
 
 class Compiler {

@@ -353,15 +353,14 @@ ExchangedData SlaveCompiler::Data(const RecordPlan& record) const {
 }
 
 unsigned int SlaveCompiler::MaxStationDelay(unsigned int rateCode) const {
-    for (std::size_t i = 0; _device != nullptr && i < Gsd::RATES.size(); ++i)
-        if (Gsd::RATES[i].code == rateCode) {
-            if (!_device->rates[i].supported.value)
-                _report.Warning(_slave.gsd.place, Called() + "the device does not have the rate " +
-                                                      std::string(Gsd::RATES[i].name) + " of the bus, by " +
-                                                      FileOrigin(0));
-            return _device->rates[i].maxTsdr.ValueOr(0);
-        }
-    return 0;
+    const Gsd::Rate* const rate = Gsd::RateWithCode(rateCode);
+    if (_device == nullptr || rate == nullptr)
+        return 0;
+    const Gsd::RateSupport& support = _device->rates.at(static_cast<std::size_t>(rate - Gsd::RATES.data()));
+    if (!support.supported.value)
+        _report.Warning(_slave.gsd.place, Called() + "the device does not have the rate " +
+                                              std::string(rate->name) + " of the bus, by " + FileOrigin(0));
+    return support.maxTsdr.ValueOr(0);
 }
 
 unsigned int SlaveCompiler::MinInterval() const {

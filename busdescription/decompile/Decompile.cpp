@@ -37,11 +37,9 @@ private:
     FieldList _fields;
 };
 
-std::string RateText(std::uint32_t code) {
-    for (const Gsd::Rate& rate : Gsd::RATES)
-        if (rate.code == code)
-            return '"' + std::string(rate.name) + (rate.bitsPerSecond < 1'000'000 ? "k\"" : "\"");
-    return std::to_string(code);
+std::string RateValue(std::uint32_t code) {
+    const Gsd::Rate* const rate = Gsd::RateWithCode(code);
+    return rate == nullptr ? std::to_string(code) : '"' + RateText(*rate) + '"';
 }
 
 /// The numbers as a list.
@@ -119,7 +117,7 @@ public:
 
     std::string Text(const std::string& source) {
         const Record master(FieldsOf(*_config.Master()));
-        _bus.Add("rate", RateText(master.Number("dataRate")));
+        _bus.Add("rate", RateValue(master.Number("dataRate")));
         _bus.Add("master", std::to_string(master.Number("stationAddress")));
         const auto addresses = _config.SlaveAddresses();
         for (int i = 0; i < addresses->Count(); ++i)

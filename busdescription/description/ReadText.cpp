@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "busdescription/description/TableReader.h"
 
+#include "busdescription/description/Units.h"
 #include "busdescription/findings/Nearest.h"
 #include "busdescription/gsd/Device.h"
 
@@ -56,7 +57,7 @@ Given<std::uint32_t> ReadRate(TableReader& table) {
     std::vector<std::string> names;
     names.reserve(Gsd::RATES.size());
     for (const Gsd::Rate& rate : Gsd::RATES)
-        names.push_back(std::string(rate.name) + (rate.bitsPerSecond < 1'000'000 ? "k" : ""));
+        names.push_back(RateText(rate));
     const auto* text = node->as_string();
     for (std::size_t i = 0; text != nullptr && i < names.size(); ++i)
         if (text->get() == names[i])

@@ -19,6 +19,10 @@ static bool IsDigit(char character) {
     return character >= '0' && character <= '9';
 }
 
+std::string RateText(const Gsd::Rate& rate) {
+    return std::string(rate.name) + (rate.bitsPerSecond < 1'000'000 ? "k" : "");
+}
+
 std::optional<microseconds> ParseDuration(std::string_view text) {
     const std::size_t end = std::min(text.find_first_not_of("0123456789."), text.size());
     const std::string_view number = text.substr(0, end);

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "busdescription/gsd/Device.h"
 #include "busdescription/records/RecordFields.h"
 
 #include <chrono>
@@ -10,6 +11,9 @@
 
 /// How values are written in a description.
 namespace BusDescription {
+
+/// "500k", "1.5M".
+std::string RateText(const Gsd::Rate& rate);
 
 /// "1.5 s", "100 ms", "400 us", the blank may be missing; nothing for anything else, for fractions of a
 /// microsecond and for more than an hour.

@@ -5,6 +5,12 @@
 
 namespace BusDescription::Gsd {
 
+const Rate* RateWithCode(unsigned int code) {
+    const auto* const rate =
+        std::find_if(RATES.begin(), RATES.end(), [code](const Rate& each) { return each.code == code; });
+    return rate == RATES.end() ? nullptr : rate;
+}
+
 static bool Within(const std::vector<Interval>& intervals, std::int64_t value) {
     return std::any_of(intervals.begin(), intervals.end(), [value](const Interval& interval) {
         return value >= interval.least && value <= interval.most;

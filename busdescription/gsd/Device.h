@@ -48,6 +48,9 @@ inline constexpr std::array<Rate, 11> RATES{{{"9.6", 9'600, 0, 60},
                                              {"6M", 6'000'000, 8, 450},
                                              {"12M", 12'000'000, 9, 800}}};
 
+/// The one of the RATES that has the code; null for a code that is no rate.
+const Rate* RateWithCode(unsigned int code);
+
 /// What a device does at one of the RATES.
 struct RateSupport {
     Given<bool> supported;

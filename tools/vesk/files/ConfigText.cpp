@@ -53,12 +53,11 @@ std::string Groups(std::uint32_t value) {
 }
 
 std::string RateName(std::uint32_t code) {
-    for (const Bus::Gsd::Rate& rate : Bus::Gsd::RATES)
-        if (rate.code == code)
-            return rate.name.ends_with('M')
-                       ? std::string(rate.name.substr(0, rate.name.size() - 1)) + " Mbit/s"
-                       : std::string(rate.name) + " kbit/s";
-    return "";
+    const Bus::Gsd::Rate* const rate = Bus::Gsd::RateWithCode(code);
+    if (rate == nullptr)
+        return "";
+    const std::string text = Bus::RateText(*rate); // with the "k" or "M" at its end
+    return text.substr(0, text.size() - 1) + " " + text.back() + "bit/s";
 }
 
 std::string DataWords(const Bus::Gsd::IdentifierData& data) {
