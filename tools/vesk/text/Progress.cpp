@@ -25,7 +25,7 @@ Progress::~Progress() {
 void Progress::Show(std::int64_t done, std::int64_t bytes, double seconds) {
     Note(done, bytes, seconds);
     const bool whole = done == _total;
-    const std::int64_t tenth = done * 10 / _total;
+    const std::int64_t tenth = done * 10 / std::max<std::int64_t>(_total, 1);
     if (_console.draws) {
         if (!whole && _drawn >= 0 && seconds - _drawn < REDRAW_SECONDS)
             return;
