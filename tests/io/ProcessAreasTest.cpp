@@ -114,6 +114,39 @@ TEST(InAreaTest, LooksAtTheMappedBytesOnlyAndKeepsWhatItCouldNotWrite) {
     broken(-1, "srcOffset (-1) must not be less than zero (0)");
 }
 
+TEST(InAreaTest, WritesHeldBytesUntilTheyAreReleased) {
+    const auto dpRam = std::make_shared<RecordingHostInterface>();
+    const auto area = InArea::Create(0x100, 100, dpRam);
+    const Bytes bytes = Array<unsigned char>::Create(4);
+    area->MapInputData(2, bytes, 0, 4);
+    const auto exchange = [&] {
+        area->Acquired();
+        area->Update();
+        return std::pair(dpRam->TakeLog().size(), dpRam->Bytes(0x100, 7));
+    };
+    using Exchange = std::pair<std::size_t, std::vector<int>>; // writes, and what is there then
+    ExpectFailure<ArgumentOutOfRangeException>("offset 6 of the input area is not mapped",
+                                               [&] { area->Hold(6, 1); });
+    area->Hold(3, 7); // before the first write, which has to be made all the same
+    area->Hold(5, 0);
+    bytes->Set(3, 9);
+    EXPECT_EQ(exchange(), (Exchange{1, {0, 0, 0, 7, 0, 0, 0}}));
+    bytes->Set(1, 8);
+    EXPECT_EQ(exchange(), (Exchange{0, {0, 0, 0, 7, 0, 0, 0}})) << "nothing new for the module";
+    bytes->Set(0, 6);
+    area->Hold(5, 5);
+    EXPECT_EQ(exchange(), (Exchange{1, {0, 0, 6, 7, 0, 5, 0}}));
+    std::vector<unsigned char> written(6);
+    area->CopyWritten(written.data());
+    EXPECT_EQ(written, (std::vector<unsigned char>{0, 0, 6, 7, 0, 5}));
+    area->Release(5);
+    EXPECT_EQ(exchange(), (Exchange{1, {0, 0, 6, 7, 0, 9, 0}}));
+    area->Release(3);
+    area->Release(3);
+    EXPECT_EQ(exchange(), (Exchange{1, {0, 0, 6, 8, 0, 9, 0}}));
+    EXPECT_EQ(exchange(), (Exchange{0, {0, 0, 6, 8, 0, 9, 0}}));
+}
+
 TEST(InAreaTest, WritesWhatStandsBeforeASegmentThatLeavesItsArray) {
     const auto dpRam = std::make_shared<RecordingHostInterface>();
     const auto area = InArea::Create(0, 3500, dpRam);

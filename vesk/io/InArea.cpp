@@ -27,29 +27,76 @@ void InArea::MapInputData(unsigned short offset, std::shared_ptr<System::IArray<
     segment->KeepShadowIn(_shadow, offset);
     _placement.Add(std::move(segment));
     _runs.Add(dpRamOffset, offset, *src, srcOffset, count);
-    _mapped = true;
+    _mapped = _special = true;
 }
 
 bool InArea::Update() {
     if (!_acquired)
         return false;
     const Runs::Found found = _runs.Locate(_shadowBytes);
-    if (found == Runs::Found::OUTSIDE)
-        WriteSegments(); // which fails
-    else if (found == Runs::Found::CHANGED || _mapped)
-        WriteRuns();
+    if (_special || found == Runs::Found::OUTSIDE) {
+        if (!WriteSpecially(found))
+            return false;
+    } else if (found == Runs::Found::CHANGED)
+        _runs.Write(*_hostInterface, _shadow);
     else
         return false;
     _acquired = false;
     return true;
 }
 
-void InArea::WriteRuns() {
-    _runs.Write(*_hostInterface, _shadow);
+/// Whether it has written: all segments after a mapping, and those with held bytes where they differ.
+bool InArea::WriteSpecially(Runs::Found found) {
+    if (found == Runs::Found::OUTSIDE)
+        WriteSegments(); // which fails
+    else if (_held.empty())
+        _runs.Write(*_hostInterface, _shadow);
+    else if (TakeHeld() || _mapped)
+        _runs.WriteImage(*_hostInterface, _shadow);
+    else
+        return false;
     if (_mapped)
         for (const auto& segment : _placement.Segments())
             segment->Written();
     _mapped = false;
+    _special = !_held.empty();
+    return true;
+}
+
+/// The arrays' bytes and the held ones into the shadow; whether one of them is new there.
+bool InArea::TakeHeld() {
+    _runs.Collect(_next.data());
+    for (const HeldByte& held : _held)
+        _next[held.offset] = held.value;
+    if (std::equal(_next.begin(), _next.end(), _shadowBytes))
+        return false;
+    std::copy(_next.begin(), _next.end(), _shadowBytes);
+    return true;
+}
+
+std::vector<InArea::HeldByte>::iterator InArea::FindHeld(unsigned short offset) {
+    return std::ranges::find(_held, offset, &HeldByte::offset);
+}
+
+void InArea::Hold(unsigned short offset, unsigned char value) {
+    if (!_placement.Has(offset))
+        System::_env_throw(System::ArgumentOutOfRangeException::Create(
+            TextOf("offset ", offset, " of the input area is not mapped")));
+    _next.resize(static_cast<std::size_t>(_shadow->Count()));
+    if (const auto held = FindHeld(offset); held != _held.end())
+        held->value = value;
+    else
+        _held.push_back({offset, value});
+    _special = true;
+}
+
+void InArea::Release(unsigned short offset) {
+    if (const auto held = FindHeld(offset); held != _held.end())
+        _held.erase(held);
+}
+
+void InArea::CopyWritten(unsigned char* to) const {
+    std::copy_n(_shadowBytes, HighestEnd(), to);
 }
 
 /// One after the other where the first byte has changed, up to the segment that has left its array and says

@@ -5,6 +5,8 @@
 #include "vesk/io/Placement.h"
 #include "vesk/io/Runs.h"
 
+#include <vector>
+
 namespace Vesk::IO {
 
 /// The part of the DPRAM into which the host writes the process data that go to the bus. It is written, all
@@ -28,6 +30,16 @@ public:
     /// is to be released. ArgumentOutOfRangeException for a segment that leaves its array.
     bool Update();
 
+    /// From the next write on the byte at `offset`, counted from the start of the area, is `value`, whatever
+    /// is in its array, until it is released. ArgumentOutOfRangeException for a byte that is not mapped.
+    void Hold(unsigned short offset, unsigned char value);
+
+    /// The byte is the array's again; does nothing for one that is not held.
+    void Release(unsigned short offset);
+
+    /// Copies the bytes last written, HighestEnd() from the start of the area on; 0 where nothing is mapped.
+    void CopyWritten(unsigned char* to) const;
+
     /// Bytes of all segments together.
     unsigned short TotalMapped() const { return _placement.TotalMapped(); }
 
@@ -39,16 +51,26 @@ protected:
            std::shared_ptr<HostInterface::IHostInterface> hostInterface);
 
 private:
-    void WriteRuns();
+    struct HeldByte {
+        unsigned short offset;
+        unsigned char value;
+    };
+
+    bool WriteSpecially(Runs::Found found);
     void WriteSegments();
+    bool TakeHeld();
+    std::vector<HeldByte>::iterator FindHeld(unsigned short offset);
 
     bool _acquired = false;
     std::shared_ptr<HostInterface::IHostInterface> _hostInterface;
     Placement<InputSegment> _placement;
     Runs _runs;
-    bool _mapped = false;                                   // since the last write
+    bool _special = false;                                  // more to look at than the arrays
     std::shared_ptr<System::IArray<unsigned char>> _shadow; // the bytes last written, of the whole area
     unsigned char* _shadowBytes;                            // the first of them
+    bool _mapped = false;                                   // since the last write
+    std::vector<HeldByte> _held;
+    std::vector<unsigned char> _next; // what is to be written while bytes are held
 };
 
 } // namespace Vesk::IO

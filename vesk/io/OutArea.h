@@ -24,6 +24,10 @@ public:
     /// segment that leaves its array.
     void Update();
 
+    /// Copies what the arrays have, HighestEnd() bytes from the start of the area on; bytes where nothing is
+    /// mapped stay as they are.
+    void CopyRead(unsigned char* to) { _runs.Collect(to); }
+
     /// Bytes of all segments together.
     unsigned short TotalMapped() const { return _placement.TotalMapped(); }
 

@@ -4,6 +4,7 @@
 #include "vesk/core/TextOf.h"
 #include "vesk/core/VeskException.h"
 
+#include <algorithm>
 #include <cstdint>
 #include <memory>
 #include <vector>
@@ -22,6 +23,14 @@ public:
 
     /// Adds a segment that passed Check.
     void Add(std::shared_ptr<Segment> segment);
+
+    /// Whether the byte at area offset `offset` belongs to a segment.
+    bool Has(unsigned short offset) const {
+        return std::ranges::any_of(_segments, [&](const auto& segment) {
+            const Range range = RangeOf(*segment);
+            return range.start <= offset && offset < range.end;
+        });
+    }
 
     /// DPRAM offset of the area offset `offset`.
     unsigned short DpRamOffset(unsigned short offset) const {

@@ -83,6 +83,18 @@ void Runs::Write(HostInterface::IHostInterface& dpRam,
     }
 }
 
+void Runs::Collect(unsigned char* image) {
+    for (Piece& piece : _pieces)
+        if (piece.Locate())
+            Copy(image + piece.offset, piece.bytes, piece.count);
+}
+
+void Runs::WriteImage(HostInterface::IHostInterface& dpRam,
+                      const std::shared_ptr<System::IArray<unsigned char>>& image) const {
+    for (const Run& run : _runs)
+        dpRam.Write(run.dpRamOffset, image, run.offset, run.count);
+}
+
 bool Runs::Read(const Run& run, HostInterface::IHostInterface& dpRam,
                 const std::shared_ptr<System::IArray<unsigned char>>& image) {
     for (Piece& piece : PiecesOf(run))

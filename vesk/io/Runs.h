@@ -37,6 +37,14 @@ public:
     void Write(HostInterface::IHostInterface& dpRam,
                const std::shared_ptr<System::IArray<unsigned char>>& image);
 
+    /// Copies the bytes of the arrays, which the last exchange has left there, into the image of the whole
+    /// area. A piece that has left its array is left out.
+    void Collect(unsigned char* image);
+
+    /// Writes the image of the whole area as it is.
+    void WriteImage(HostInterface::IHostInterface& dpRam,
+                    const std::shared_ptr<System::IArray<unsigned char>>& image) const;
+
     /// Reads one run likewise; false, with nothing read, if one of its segments has left its array.
     bool Read(const Run& run, HostInterface::IHostInterface& dpRam,
               const std::shared_ptr<System::IArray<unsigned char>>& image);

@@ -22,6 +22,9 @@ public:
     /// that is none.
     void Update();
 
+    /// The operation mode last reported, if there is a callback for it; OFFLINE before the first report.
+    OperationMode_e OperationMode() const { return static_cast<OperationMode_e>(_masterStatus->Get(0)); }
+
     /// 16 bytes each.
     std::shared_ptr<System::IArray<unsigned char>> SlaveConfiguredList() const {
         return _slaveConfiguredList;

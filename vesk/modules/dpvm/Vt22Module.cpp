@@ -192,6 +192,7 @@ void Vt22Module::CommonStep() {
 
 void Vt22Module::HandleInterrupt() {
     const auto& event = _velmoIndication->Update();
+    ++_interrupts;
     if (event && event->Fatal)
         ThrowFatalEvent();
     if (event && event->PowerOn)
@@ -203,6 +204,7 @@ void Vt22Module::HandleInterrupt() {
     if (event->MailboxInAcknowledged)
         _mailbox->RequestAcknowledged();
     if (event->MailboxOutUpdated) {
+        ++_messages;
         _mailbox->ResponseAvailable();
         _applicationIndication->AckMailboxOut();
     }

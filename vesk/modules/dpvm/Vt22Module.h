@@ -14,6 +14,8 @@
 #include "vesk/modules/dpvm/config/IBusConfig.h"
 #include "vesk/system/collections/Queue.h"
 
+#include <span>
+
 namespace Vesk::Modules::DPVM {
 
 /// A running VT22, a PROFIBUS DP-V1 master. The application makes one with the factories of Vt22.h.
@@ -125,6 +127,35 @@ public:
     void Enqueue(std::shared_ptr<Mailbox::IRequest> request, ResponseAction responseAction,
                  int timeoutSeconds);
 
+    /// Whether the module has reported that it is on the bus, and the operation mode that it has reported:
+    /// OFFLINE before its first report, and always where the object has no operation-mode callback.
+    bool Online() const;
+    OperationMode_e OperationMode() const;
+
+    /// Changes when the module has reported anew of itself or its slaves, so that who watches the station
+    /// lists has to compare a number only.
+    unsigned int Reports() const;
+
+    /// How often the module has raised its interrupt, and has answered a request, since the object was made.
+    /// They begin anew behind the largest number.
+    const unsigned int& Interrupts() const { return _interrupts; }
+
+    const unsigned int& Messages() const { return _messages; }
+
+    /// Copies what the exchange has last written to the input area, and has last read from the output area,
+    /// without an access to the DPRAM: from the start of the area to its last mapped byte. Bytes that are not
+    /// mapped are 0 in the input, and stay as they are in the output. How many bytes that is, at most 3500;
+    /// ArgumentOutOfRangeException where `to` has less room, NullReferenceException before the first
+    /// power-on.
+    int CopyInputData(std::span<unsigned char> to) const;
+    int CopyOutputData(std::span<unsigned char> to) const;
+
+    /// From the next exchange on the byte at `offset` of the input area is `value`, whatever the application
+    /// has in its array, until it is released or the module is reset. ArgumentOutOfRangeException for a byte
+    /// that is not mapped, NullReferenceException before the first power-on.
+    void HoldInput(unsigned short offset, unsigned char value);
+    void ReleaseInput(unsigned short offset);
+
     /// Records that a configuration download has still to send; 0 while none runs.
     int RecordsToDownload() const { return _downloadQueue ? _downloadQueue->Count() : 0; }
 
@@ -205,6 +236,8 @@ private:
     std::shared_ptr<System::IFunc<void>> _offlineCallback;
     std::shared_ptr<System::IFunc<void>> _onlineCallback;
     std::shared_ptr<System::IArgFunc<OperationMode_e, void>> _operationModeCallback;
+    unsigned int _interrupts = 0;
+    unsigned int _messages = 0;
 };
 
 } // namespace Vesk::Modules::DPVM

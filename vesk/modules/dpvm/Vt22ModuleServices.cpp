@@ -66,7 +66,49 @@ void Vt22Module::MapOutputData(unsigned short offset, std::shared_ptr<IArray<uns
     OutArea().OutputData()->MapOutputData(offset, std::move(dst), dstOffset, count);
 }
 
+static void CheckRoom(std::span<unsigned char> room, unsigned short needed) {
+    if (room.size() < needed)
+        System::_throw_not_less_exception(static_cast<std::int64_t>(room.size()), needed, "to",
+                                          "mapped bytes");
+}
+
+int Vt22Module::CopyInputData(std::span<unsigned char> to) const {
+    RequireAreas();
+    CheckRoom(to, _inArea->HighestEnd());
+    _inArea->CopyWritten(to.data());
+    return _inArea->HighestEnd();
+}
+
+int Vt22Module::CopyOutputData(std::span<unsigned char> to) const {
+    IO::OutArea& output = *OutArea().OutputData();
+    CheckRoom(to, output.HighestEnd());
+    output.CopyRead(to.data());
+    return output.HighestEnd();
+}
+
+void Vt22Module::HoldInput(unsigned short offset, unsigned char value) {
+    RequireAreas();
+    _inArea->Hold(offset, value);
+}
+
+void Vt22Module::ReleaseInput(unsigned short offset) {
+    RequireAreas();
+    _inArea->Release(offset);
+}
+
 // ---- the database and the bus
+
+bool Vt22Module::Online() const {
+    return _outArea && _outArea->Online();
+}
+
+OperationMode_e Vt22Module::OperationMode() const {
+    return _outArea ? _outArea->FieldbusOut()->OperationMode() : OperationMode_e::OFFLINE;
+}
+
+unsigned int Vt22Module::Reports() const {
+    return _outArea ? _outArea->Reports() : 0;
+}
 
 std::shared_ptr<DatabaseInfo> Vt22Module::GetDatabaseInfo() {
     if (!Configured())

@@ -37,8 +37,10 @@ void Vt22OutArea::Update() {
     CheckReservedBits(indication.value, OutAreaIndication_t::RESERVED, "indication register");
     if (indication.value & OutAreaIndication_t::MODULE_STATUS)
         UpdateModuleStatus();
-    if (indication.value & OutAreaIndication_t::FIELDBUS_STATUS)
+    if (indication.value & OutAreaIndication_t::FIELDBUS_STATUS) {
         _fieldbusOut->Update();
+        ++_reports;
+    }
     if (indication.value & OutAreaIndication_t::OUTPUT_DATA)
         _outputData->Update();
 }
@@ -63,6 +65,7 @@ void Vt22OutArea::UpdateModuleStatus() {
             _onlineCallback->Invoke();
     }
     _status = status;
+    ++_reports;
 }
 
 } // namespace Vesk::Modules::DPVM

@@ -28,6 +28,12 @@ public:
     /// Reads the module status register and calls the callback that it asks for.
     void UpdateModuleStatus();
 
+    /// The module is on the bus; false before its first report.
+    bool Online() const { return (_status.value & ModuleStatus_t::ONLINE) != 0; }
+
+    /// How often the module has reported its own status or the bus's.
+    unsigned int Reports() const { return _reports; }
+
     const std::shared_ptr<IO::OutArea>& OutputData() const { return _outputData; }
 
     const std::shared_ptr<Vt22FieldbusOut>& FieldbusOut() const { return _fieldbusOut; }
@@ -46,6 +52,7 @@ private:
     std::shared_ptr<System::IFunc<void>> _offlineCallback;
     std::shared_ptr<System::IFunc<void>> _onlineCallback;
     ModuleStatus_t _status; // the last one read
+    unsigned int _reports = 0;
 };
 
 } // namespace Vesk::Modules::DPVM
