@@ -79,6 +79,19 @@ constexpr std::array TABLE{
     Outcome{OWN, "Slaves * do not exchange data; slave #: *",
             "The master does not reach them, or does not take them in.", DIAG, ""},
     // vesk run
+    Outcome{OWN, "the real-time priority # is refused: the limit (RLIMIT_RTPRIO) is #",
+            "The user has no right to that priority, and the process has no CAP_SYS_NICE.",
+            "Check ulimit -r, or LimitRTPRIO= of the service.",
+            "Give the group the right, with a line @vesk - rtprio 99 in /etc/security/limits.d, or run it as "
+            "root."},
+    Outcome{
+        OWN,
+        "the memory cannot be locked, and a disk would stop the cycle: the limit (RLIMIT_MEMLOCK) is # KiB",
+        "The user may not lock as much memory as the process has.",
+        "Check ulimit -l, or LimitMEMLOCK= of the service.",
+        "Give the group the right, with a line @vesk - memlock unlimited in /etc/security/limits.d, or run "
+        "it "
+        "as root."},
     Outcome{OWN, "The second life downloaded the configuration # times instead of 0",
             "The module does not keep the database that was written into it.",
             "Check whether it comes back after another start.",

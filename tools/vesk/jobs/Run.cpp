@@ -46,6 +46,12 @@ void Run::Execute() {
     _report["link"] = _link.description;
     Line("vesk run " + Harmless(name) + ", " + std::to_string(_config->SlaveAddresses()->Count()) +
          " slaves, on a " + _link.description);
+    if (_options.priority != 0) {
+        const int processor = RunInRealTime(_options.priority);
+        Line("real-time priority " + std::to_string(_options.priority) + " on processor " +
+             std::to_string(processor));
+        _report["realTime"] = {{"priority", _options.priority}, {"processor", processor}};
+    }
     FirstLife();
     SecondLife();
     Summarize();
@@ -109,6 +115,9 @@ void Run::ShowModule(Session& session) {
 void Run::Exchange(Session& session, ProcessImage& image) {
     const bool shows = !_options.json && _options.cycles > Options().cycles; // the usual number is soon over
     Progress progress(_console, "cycles", _options.cycles);
+    Cycle realTime;
+    if (_options.priority != 0)
+        session.In(&realTime);
     const auto start = System::DateTime::Now();
     for (unsigned int cycle = 0; cycle < _options.cycles; ++cycle) {
         ExchangeOnce(session, image, cycle);
@@ -116,6 +125,7 @@ void Run::Exchange(Session& session, ProcessImage& image) {
             progress.Show(std::int64_t{cycle} + 1, 0, SecondsSince(start));
     }
     const double milliseconds = SecondsSince(start) * 1000;
+    session.In(nullptr);
     Line("  " + std::to_string(_options.cycles) + " cycles of " + std::to_string(image.InputLength()) +
          " bytes in and " + std::to_string(image.OutputLength()) + " bytes out in " +
          Milliseconds(milliseconds) + ", every byte as expected");
@@ -124,6 +134,18 @@ void Run::Exchange(Session& session, ProcessImage& image) {
                            {"outputLength", image.OutputLength()},
                            {"milliseconds", milliseconds},
                            {"mismatches", 0}};
+    if (_options.priority != 0)
+        ShowCycle(realTime);
+}
+
+void Run::ShowCycle(const Cycle& cycle) {
+    Line("  real time, " + std::to_string(cycle.Missed()) + " milliseconds missed");
+    _report["realTime"]["missed"] = cycle.Missed();
+    for (const auto& [name, key, histogram] : {std::tuple{"from Update to Update", "period", &cycle.Period()},
+                                               {"Update", "update", &cycle.Work()}}) {
+        Line("  " + std::string(name) + ": " + Joined(histogram->Lines(), "\n    "));
+        _report["realTime"][key] = histogram->ToJson();
+    }
 }
 
 /// Writes the pattern of the cycle and updates until it has come back whole. The data of one hand-over belong
@@ -230,6 +252,14 @@ Action AddRun(CLI::App& command) {
         "CONFIG", options->configPath,
         "Configuration database (.ddb) or bus description (.toml); without one the plant of the examples");
     command.add_option("--cycles", options->cycles, "Process data exchanges to check")->capture_default_str();
+    command
+        .add_option(
+            "--rt", options->priority,
+            "Exchange in a cycle of 1 ms with this real-time priority, 1 to 99, the memory locked, on "
+            "the last processor that may be used, and show how even it was and what Update took "
+            "(a virtual module in this process works within Update)")
+        ->check(CLI::Range(1, 99))
+        ->type_name("PRIORITY");
     AddJson(command, options->json);
     const auto link = std::make_shared<LinkOptions>();
     link->AddTo(command);

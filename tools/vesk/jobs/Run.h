@@ -17,6 +17,7 @@ public:
     struct Options {
         std::string configPath;
         unsigned int cycles = 1000;
+        int priority = 0; // of real time; 0 for none
         bool json = false;
     };
 
@@ -34,6 +35,7 @@ private:
     void BringUp(Session& session);
     void ShowModule(Session& session);
     void Exchange(Session& session, ProcessImage& image);
+    void ShowCycle(const Cycle& cycle);
     void ExchangeOnce(Session& session, ProcessImage& image, unsigned int cycle);
     void UseServices(Session& session);
     void ShowBus(Session& session);

@@ -142,7 +142,10 @@ void Session::Update() {
         return "in the state " + Vt22Module::StateToString(_module->State()).Value() + AfterSignal(signal);
     });
     try {
-        _module->Update();
+        if (_cycle)
+            _cycle->Do([this] { _module->Update(); });
+        else
+            _module->Update();
     } catch (const Vt22FatalEventException&) {
         Dumps::Keep();
         _module.reset();
@@ -152,13 +155,14 @@ void Session::Update() {
         throw;
     }
     NoteState();
-    Pause(std::chrono::microseconds(20));
+    Pause(std::chrono::microseconds(_cycle ? 0 : 20));
 }
 
 void Session::Pause(std::chrono::microseconds rest) {
     if (_updateObserver)
         _updateObserver();
-    std::this_thread::sleep_for(rest);
+    if (rest.count() > 0)
+        std::this_thread::sleep_for(rest);
 }
 
 void Session::NoteState() {

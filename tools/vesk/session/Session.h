@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "tools/vesk/session/Cycle.h"
 #include "tools/vesk/session/Link.h"
 #include "tools/vesk/session/ProcessData.h"
 #include "tools/vesk/text/Failure.h"
@@ -87,6 +88,10 @@ public:
     /// Called after each Update, and now and then while the session rests.
     void OnUpdate(std::function<void()> observer) { _updateObserver = std::move(observer); }
 
+    /// From now on each Update waits for its turn in that cycle, which has to outlive the session; null ends
+    /// it.
+    void In(Cycle* cycle) { _cycle = cycle; }
+
     /// Goes on until the module is as far as that; returns at once where it is already, and does not leave
     /// an operation mode that was set. Failure where the module holds no database.
     void Reach(Need need);
@@ -158,6 +163,7 @@ private:
     std::vector<Step> _steps;
     std::function<void(const Step&)> _stateObserver;
     std::function<void()> _updateObserver;
+    Cycle* _cycle = nullptr;
 };
 
 /// How long ago that was, on the library's clock.
