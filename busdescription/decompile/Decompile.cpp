@@ -59,51 +59,6 @@ std::string GroupsText(std::uint32_t bits) {
     return ListText(groups);
 }
 
-std::string ParameterText(const Gsd::ParameterValue& value) {
-    const std::string text = value.text.empty() ? std::to_string(value.value) : Quoted(value.text);
-    return value.nameIsUnique
-               ? text
-               : "{ value = " + text + ", offset = " + std::to_string(value.reference->offset) + " }";
-}
-
-/// The parameters as a table; values of one name are a list.
-std::string ParametersText(const std::vector<Gsd::ParameterValue>& values) {
-    std::map<std::string, std::vector<std::string>> byName;
-    std::vector<std::string> order;
-    for (const Gsd::ParameterValue& value : values) {
-        auto& texts = byName[value.parameter->name];
-        if (texts.empty())
-            order.push_back(value.parameter->name);
-        texts.push_back(ParameterText(value));
-    }
-    std::string text;
-    for (const std::string& name : order) {
-        std::string list;
-        for (const std::string& each : byName[name])
-            list += (list.empty() ? "" : ", ") + each;
-        text += (text.empty() ? " " : ", ") + Quoted(name) + " = " +
-                (byName[name].size() > 1 ? '[' + list + ']' : list);
-    }
-    return '{' + text + " }";
-}
-
-/// The modules as a list; `settings` are those of the station and of each module, or empty.
-std::string ModulesText(const Gsd::Device& device, const std::vector<const Gsd::Module*>& modules,
-                        const std::vector<std::vector<Gsd::ParameterValue>>& settings) {
-    std::string text;
-    for (std::size_t i = 0; i < modules.size(); ++i) {
-        const bool unique = device.ModulesNamed(modules[i]->name).size() == 1;
-        const bool set = i + 1 < settings.size() && !settings[i + 1].empty();
-        std::string table = Quoted(modules[i]->name);
-        if (!unique || set)
-            table = "{ name = " + table +
-                    (unique ? "" : ", reference = " + std::to_string(modules[i]->reference.value)) +
-                    (set ? ", parameters = " + ParametersText(settings[i + 1]) : "") + " }";
-        text += (text.empty() ? "" : ", ") + table;
-    }
-    return '[' + text + ']';
-}
-
 /// What was drafted is not what was meant.
 class DraftError : public std::logic_error {
 public:

@@ -2,6 +2,7 @@
 #pragma once
 
 #include "busdescription/description/Keys.h"
+#include "busdescription/gsd/ParameterValues.h"
 #include "busdescription/records/RecordFields.h"
 
 #include <string>
@@ -40,5 +41,11 @@ private:
 std::string QuotedBytes(std::string_view bytes);
 /// The text, which is UTF-8, in quotes.
 std::string Quoted(std::string_view text);
+
+/// Parameters as a table; values of one name are a list.
+std::string ParametersText(const std::vector<Gsd::ParameterValue>& values);
+/// Modules as a list; `settings` are those of the station and of each module, or empty.
+std::string ModulesText(const Gsd::Device& device, const std::vector<const Gsd::Module*>& modules,
+                        const std::vector<std::vector<Gsd::ParameterValue>>& settings);
 
 } // namespace BusDescription

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 // What a database is decompiled to builds the same database.
 #include "busdescription/decompile/Decompile.h"
+#include "busdescription/decompile/FoundBus.h"
 #include "busdescription/records/DatabaseBytes.h"
 #include "tests/support/DatabaseFileBuilder.h"
 #include "tests/support/TemporaryFolder.h"
@@ -119,6 +120,29 @@ TEST_F(DecompileTest, NamesWhatADeviceFileHas) {
     const auto again = Compile(ReadText(made, "again.toml", findings), files, findings);
     ASSERT_TRUE(again) << findings.at(0).ToString();
     EXPECT_EQ(DatabaseBytes(*again->config), DatabaseBytes(*bus->config));
+}
+
+/// Slaves that do not say enough, or have no address, stay comments of a text that can be used.
+TEST_F(DecompileTest, DraftsWhoWasFound) {
+    const FoundBus bus{6,
+                       2,
+                       {{7, 0x1234, Bytes{0x21, 0xC0, 0x00, 0x01}, ""},
+                        {8, {}, Bytes{0x10}, "Odd."},
+                        {126, 0x1234, Bytes{0x10}, ""}}};
+    DeviceFiles files("");
+    const std::string text = DraftFoundBus(bus, files, {});
+    EXPECT_NE(Built(text), Bytes());
+    EXPECT_THAT(text, testing::HasSubstr("\n[[slave]]\nname = \"slave-7\"\naddress = 7\nident = "
+                                         "0x1234\nidentifier-bytes = \"21 c0 00 01\"\n"));
+    EXPECT_THAT(text, testing::HasSubstr("\n# Odd.\n# It has not said what it is.\n# name = \"slave-8\"\n"));
+    EXPECT_THAT(text, testing::HasSubstr("# address = 126\n# ident = 0x1234\n"));
+}
+
+/// An entry that a slave is not to compare may be anything there, and nothing else.
+TEST_F(DecompileTest, ComparesModules) {
+    EXPECT_TRUE(SameModules({0x21, 0x0F, 0x31}, {0x21, 0x10, 0x31}));
+    EXPECT_FALSE(SameModules({0x21, 0x0F, 0x31}, {0x21, 0x10, 0x32}));
+    EXPECT_FALSE(SameModules({0x21}, {0x21, 0x10}));
 }
 
 } // namespace

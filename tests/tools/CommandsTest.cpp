@@ -64,6 +64,8 @@ TEST(CommandsTest, EachNamesAFileThatItCannotUse) {
         {"verify", "", databases},
         {"status --config", "", databases},
         {"slaves --config", "", databases},
+        {"config check", "", databases},
+        {"set 5 00 --config", "", databases},
         {"config show", "", databases},
         {"config diff", good, databases},
         {"config diff" + good, "", databases},

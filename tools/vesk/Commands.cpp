@@ -181,6 +181,19 @@ const std::vector<Command>& Commands() {
          "reads and writes its signals by name.\n"
          "Example: vesk config header examples/plant.toml",
          AddConfigHeader, FAILED, ALONE},
+        {"config scan", FILES,
+         "Ask the bus who is there, and make a draft of a bus description: a table for each slave that "
+         "answers, with its ident number and its modules, by their names where a device description file in "
+         "the folder --gsd has them.\n"
+         "A module without a database cannot go onto a bus; one made of a [bus] table alone will do." +
+             ON_THE_BUS + "\nExample: vesk config scan --gsd examples --rate 1.5M",
+         AddConfigScan},
+        {"config check", FILES,
+         "Compare the slaves that answer on the bus with a bus description or configuration database: who is "
+         "missing, who is not described, who is another device or has other modules, and what to do; exit "
+         "status 3 if there is anything." +
+             ON_THE_BUS + "\nExample: vesk config check examples/plant.toml",
+         AddConfigCheck},
         {"firmware", FILES, "Make and show firmware files.", nullptr},
         {"firmware show", FILES,
          "Show what a firmware file says about its program, and whether its checksum fits.\n"

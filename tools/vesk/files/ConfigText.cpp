@@ -65,22 +65,6 @@ std::string DataWords(const Bus::Gsd::IdentifierData& data) {
     return std::to_string(units) + (data.words ? " word" : " byte") + (units == 1 ? "" : "s");
 }
 
-/// "4 words to the bus and from it, 1 byte from the bus".
-std::string Identifiers(const Bus::Bytes& bytes) {
-    std::vector<std::string> entries;
-    for (const Bus::Gsd::Identifier& entry : Bus::Gsd::DecodeIdentifiers(bytes)) {
-        if (entry.cutShort)
-            entries.emplace_back("cut short");
-        else if (!entry.toBus && !entry.fromBus)
-            entries.emplace_back("empty");
-        if (entry.toBus)
-            entries.push_back(DataWords(*entry.toBus) + " to the bus");
-        if (entry.fromBus)
-            entries.push_back(DataWords(*entry.fromBus) + " from the bus");
-    }
-    return Joined(entries, ", ");
-}
-
 /// Everything about one record.
 class RecordText {
 public:
@@ -138,7 +122,7 @@ private:
         if (field == "outputOffsetTable")
             return "from the bus";
         if (field == "identifierBytes")
-            return Identifiers(std::get<Bus::Bytes>(value));
+            return IdentifiersText(std::get<Bus::Bytes>(value));
         const auto* number = std::get_if<std::uint32_t>(&value);
         if (number == nullptr)
             return "";
@@ -165,6 +149,21 @@ private:
 };
 
 } // namespace
+
+std::string IdentifiersText(const Bus::Bytes& bytes) {
+    std::vector<std::string> entries;
+    for (const Bus::Gsd::Identifier& entry : Bus::Gsd::DecodeIdentifiers(bytes)) {
+        if (entry.cutShort)
+            entries.emplace_back("cut short");
+        else if (!entry.toBus && !entry.fromBus)
+            entries.emplace_back("empty");
+        if (entry.toBus)
+            entries.push_back(DataWords(*entry.toBus) + " to the bus");
+        if (entry.fromBus)
+            entries.push_back(DataWords(*entry.fromBus) + " from the bus");
+    }
+    return Joined(entries, ", ");
+}
 
 std::string ConfigText(Vesk::Modules::DPVM::Config::IBusConfig& config) {
     const auto addresses = Elements(*config.SlaveAddresses());

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "busdescription/records/RecordFields.h"
 #include "vesk/modules/dpvm/config/IBusConfig.h"
 
 #include <string>
@@ -9,5 +10,9 @@ namespace VeskTool {
 
 /// A configuration for people: each field of its records, and what its value means.
 std::string ConfigText(Vesk::Modules::DPVM::Config::IBusConfig& config);
+
+/// What a slave's identifier bytes stand for: "4 words to the bus, 4 words from the bus, 1 byte from the
+/// bus".
+std::string IdentifiersText(const BusDescription::Bytes& bytes);
 
 } // namespace VeskTool

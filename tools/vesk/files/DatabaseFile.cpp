@@ -13,6 +13,7 @@
 #include <algorithm>
 #include <cctype>
 #include <cstdio>
+#include <filesystem>
 #include <optional>
 
 namespace VeskTool {
@@ -116,6 +117,15 @@ std::shared_ptr<Vesk::Modules::DPVM::Config::IBusConfig> LoadDatabaseFile(const 
     if (file.Damaged())
         throw Failure(file.Damage(path));
     return file.config;
+}
+
+std::shared_ptr<const DescribedBus> LoadDescribedBus(const std::string& path) {
+    if (!IsDescription(path))
+        return std::make_shared<DescribedBus>(DescribedBus{path, "", LoadDatabaseFile(path), {}});
+    CompiledDescription compiled = CompileDescription(path);
+    return std::make_shared<DescribedBus>(DescribedBus{path,
+                                                       std::filesystem::path(path).parent_path().string(),
+                                                       compiled.bus.config, std::move(compiled.description)});
 }
 
 } // namespace VeskTool

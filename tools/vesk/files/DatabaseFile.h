@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "vesk/modules/dpvm/config/IBusConfig.h"
+#include "tools/vesk/session/DescribedBus.h"
 
 #include <memory>
 #include <string>
@@ -25,5 +25,8 @@ DatabaseFile ReadDatabaseFile(const std::string& path);
 
 /// The bus configuration of a database file; Failure for a damaged one too.
 std::shared_ptr<Vesk::Modules::DPVM::Config::IBusConfig> LoadDatabaseFile(const std::string& path);
+
+/// The same with the names of a bus description; a database has none.
+std::shared_ptr<const DescribedBus> LoadDescribedBus(const std::string& path);
 
 } // namespace VeskTool

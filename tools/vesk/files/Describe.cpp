@@ -116,23 +116,9 @@ struct DecompileOptions {
     std::string folder; // of device description files; or empty
 };
 
-/// The device description files in `folder`, in the order of their names, as seen from `base`.
-std::vector<std::string> DeviceFilesIn(const std::string& folder, const std::filesystem::path& base) {
-    std::vector<std::string> paths;
-    if (!folder.empty())
-        for (const auto& entry : std::filesystem::directory_iterator(folder))
-            if (const std::string ending = Lower(entry.path().extension().string());
-                entry.is_regular_file() && ending.size() == 4 && ending.starts_with(".gs"))
-                paths.push_back(std::filesystem::proximate(entry.path(), base).string());
-    std::sort(paths.begin(), paths.end());
-    return paths;
-}
-
 void DecompileDatabase(const DecompileOptions& options) {
     const auto config = LoadDatabaseFile(options.path);
-    // What the text's paths begin from; that of standard output may stand anywhere.
-    const auto base =
-        std::filesystem::absolute(options.output.empty() ? "text" : options.output).parent_path();
+    const auto base = FolderOfText(options.output);
     BusDescription::DeviceFiles files(base.string());
     const std::string name = std::filesystem::path(options.path).filename().string();
     const std::string text =

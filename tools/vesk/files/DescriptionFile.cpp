@@ -3,6 +3,7 @@
 
 #include "tools/vesk/files/FileBytes.h"
 #include "tools/vesk/text/ByteText.h"
+#include "tools/vesk/text/Text.h"
 
 #include <algorithm>
 #include <filesystem>
@@ -41,6 +42,25 @@ CompiledDescription CompileDescription(const std::string& path, bool strict) {
     Judge(path, findings, strict);
     compiled.bus = std::move(*bus);
     return compiled;
+}
+
+std::vector<std::string> DeviceFilesIn(const std::string& folder, const std::filesystem::path& base) {
+    std::vector<std::string> paths;
+    if (folder.empty())
+        return paths;
+    std::error_code error;
+    for (const auto& entry : std::filesystem::directory_iterator(folder, error))
+        if (const std::string ending = Lower(entry.path().extension().string());
+            entry.is_regular_file() && ending.size() == 4 && ending.starts_with(".gs"))
+            paths.push_back(std::filesystem::proximate(entry.path(), base).string());
+    if (error)
+        throw Failure(folder + ": cannot be read: " + error.message());
+    std::sort(paths.begin(), paths.end());
+    return paths;
+}
+
+std::filesystem::path FolderOfText(const std::string& output) {
+    return std::filesystem::absolute(output.empty() ? "text" : output).parent_path();
 }
 
 bool IsDescription(const std::string& path) {

@@ -264,7 +264,8 @@ Action AddRun(CLI::App& command) {
     const auto link = std::make_shared<LinkOptions>();
     link->AddTo(command);
     return [options, link] {
-        const auto config = options->configPath.empty() ? Plant() : LoadDatabaseFile(options->configPath);
+        const auto config =
+            options->configPath.empty() ? Plant()->config : LoadDatabaseFile(options->configPath);
         Run(*options, config, link->Open(), Console::Standard()).Execute();
         return DONE;
     };

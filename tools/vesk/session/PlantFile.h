@@ -5,7 +5,7 @@
 
 namespace VeskTool {
 
-/// The bytes of examples/plant.ddb, which the build puts into the program.
+/// The bytes of examples/plant.toml, which the build puts into the program.
 extern const std::span<const unsigned char> PLANT_FILE;
 
 } // namespace VeskTool

@@ -1,16 +1,14 @@
 // SPDX-License-Identifier: MIT
 #include "tools/vesk/session/PlantFlash.h"
 
+#include "busdescription/compile/Compile.h"
 #include "tools/vesk/session/PlantFile.h"
 #include "tools/vesk/text/Elements.h"
 #include "tools/vesk/text/Text.h"
-#include "vesk/modules/dpvm/config/DdbParser.h"
-#include "vesk/system/Convert.h"
 #include "vesk/system/io/MemoryStream.h"
 
 namespace VeskTool {
 
-using namespace Vesk::Modules::DPVM::Config;
 using System::IO::MemoryStream;
 
 /// The binary form of a master or slave record.
@@ -21,13 +19,24 @@ static VirtualModule::Bytes BinaryForm(const Record& record) {
     return Elements(*stream->ToArray());
 }
 
-std::shared_ptr<IBusConfig> Plant() {
-    const auto file = System::Array<unsigned char>::Create({PLANT_FILE.begin(), PLANT_FILE.end()});
-    return DdbParser::FromStream(MemoryStream::Create(file));
+/// It has no device description files.
+static std::shared_ptr<const DescribedBus> MakePlant() {
+    const std::string_view text(reinterpret_cast<const char*>(PLANT_FILE.data()), PLANT_FILE.size());
+    const std::string name = "examples/plant.toml";
+    BusDescription::Findings findings;
+    auto description = BusDescription::ReadText(text, name, findings);
+    BusDescription::DeviceFiles files("");
+    const auto bus = BusDescription::Compile(description, files, findings);
+    return std::make_shared<DescribedBus>(DescribedBus{name, "", bus.value().config, std::move(description)});
+}
+
+std::shared_ptr<const DescribedBus> Plant() {
+    static const auto plant = MakePlant();
+    return plant;
 }
 
 VirtualModule::Flash PlantFlash() {
-    const auto plant = Plant();
+    const auto plant = Plant()->config;
     VirtualModule::Flash flash;
     VirtualModule::Database& database = flash.database;
     database.master = BinaryForm(*plant->Master());

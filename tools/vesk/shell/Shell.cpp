@@ -187,7 +187,7 @@ std::vector<std::string> Shell::WordsAfter(const std::string& beginning) {
 
 struct ShellOptions {
     LinkOptions link;
-    SharedConfig places;
+    SharedBus bus;
     bool json = false;
 };
 
@@ -197,15 +197,17 @@ Action AddShell(CLI::App& app, AddLineCommands addCommands) {
     const auto options = std::make_shared<ShellOptions>();
     options->link.AddTo(app);
     app.add_option_function<std::string>(
-           "--config", [options](const std::string& path) { options->places = LoadDatabaseFile(path); },
-           "Configuration database file (.ddb) of the module, which says where set puts its bytes")
+           "--config", [options](const std::string& path) { options->bus = LoadDescribedBus(path); },
+           "Bus description (.toml) or configuration database (.ddb) of the module: names, and where set "
+           "puts its bytes")
         ->type_name("FILE");
     AddJson(app, options->json);
     return [options, addCommands] {
         Series series(options->json);
         const auto live = [&] {
-            const auto session = OpenSession(options->link, nullptr, options->places);
-            const SharedLife life(*session, options->link);
+            const SharedBus bus = KnownBus(options->link, options->bus);
+            const auto session = OpenSession(options->link, nullptr, bus);
+            const SharedLife life(*session, options->link, bus);
             return Shell(*session, series, addCommands).Run();
         };
         return Telling(options->json).Do(live, FAILED);

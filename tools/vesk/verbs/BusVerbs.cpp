@@ -18,9 +18,6 @@ using ResponseAction = IDPVMModule::ResponseAction;
 
 namespace {
 
-/// Slaves that can be started and stopped have the addresses 0 to 125, a byte each in the request.
-constexpr unsigned int HIGHEST_SLAVE = 125;
-
 /// How long a change on the bus may take until the lists show it.
 constexpr double CHANGE_SECONDS = 1;
 
@@ -144,12 +141,15 @@ std::string SetAddressText(const Json& facts, const Paint& paint) {
 
 Action AddStartOrStop(CLI::App& app, const Verb& verb) {
     const auto command = std::make_shared<VerbCommand>(app, verb);
+    command->AddBus();
     const auto take = [self = command.get()](const std::vector<std::string>& texts) {
         for (const std::string& text : texts)
-            self->arguments["addresses"].push_back(ParseNumber("ADDRESS", text, 0, HIGHEST_SLAVE));
+            self->TakeAddress("ADDRESS", text, HIGHEST_SLAVE, [self](unsigned int address) {
+                self->arguments["addresses"].push_back(address);
+            });
     };
     app.add_option_function<std::vector<std::string>>("ADDRESS", take,
-                                                      "Station addresses of slaves, 0 to 125")
+                                                      "Station addresses of slaves, 0 to 125, or their names")
         ->required()
         ->type_name("");
     return [command] { return command->Execute(); };
@@ -187,7 +187,7 @@ Action AddMode(CLI::App& app) {
 Action AddSetAddress(CLI::App& app) {
     static constexpr Verb SET_ADDRESS{Need::INITIALISED, AnswerSetAddress, SetAddressText, true};
     const auto command = std::make_shared<VerbCommand>(app, SET_ADDRESS);
-    command->AddNumber("OLD", "old", 0, HIGHEST_ADDRESS, "Address of the slave, 0 to 126")->required();
+    command->AddAddress("OLD", "old");
     command->AddNumber("NEW", "new", 0, HIGHEST_SLAVE, "Its new address, 0 to 125")->required();
     command->AddNumber("IDENT", "identNumber", 0, 0xFFFF, "Its ident number, 0 to 0xffff")->required();
     const auto lock = std::make_shared<bool>(false);
@@ -195,8 +195,8 @@ Action AddSetAddress(CLI::App& app) {
     app.add_flag("--lock", *lock,
                  "The slave takes no other address after that, until it is reset to its delivery state");
     app.add_flag("--yes", *yes, "Do not ask before --lock; needed where there is no terminal");
-    return [command, lock, yes] {
-        Json& arguments = command->arguments;
+    const auto confirm = [self = command.get(), lock, yes](const DescribedBus*) {
+        Json& arguments = self->arguments;
         if (arguments["old"] == arguments["new"])
             throw CLI::ValidationError("NEW", arguments["new"].dump() + " is the slave's address already");
         arguments["lock"] = *lock;
@@ -206,6 +206,9 @@ Action AddSetAddress(CLI::App& app) {
             console.Confirm(*yes, "Let slave " + arguments["old"].dump() + " keep the address " +
                                       arguments["new"].dump() + " for good?");
         }
+    };
+    return [command, confirm] {
+        command->preparations.emplace_back(confirm);
         return command->Execute();
     };
 }

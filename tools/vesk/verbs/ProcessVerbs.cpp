@@ -180,9 +180,6 @@ Action AddSet(CLI::App& app) {
            "is 0 without")
         ->required()
         ->type_name("");
-    if (!SharedLife::Current())
-        self->AddConfig("Configuration database file (.ddb) of the module, which says where the bytes are",
-                        [self](const std::string& path) { self->places = LoadDatabaseFile(path); });
     return [command] { return command->Execute(); };
 }
 

@@ -1,7 +1,9 @@
 // SPDX-License-Identifier: MIT
 #include "tools/vesk/verbs/Stations.h"
 
+#include "tools/vesk/explain/Diagnosis.h"
 #include "tools/vesk/session/StationLists.h"
+#include "tools/vesk/text/ByteText.h"
 #include "tools/vesk/text/Elements.h"
 #include "tools/vesk/text/Text.h"
 
@@ -68,6 +70,24 @@ std::optional<std::vector<unsigned char>> TryAboutSlave(Session& session, unsign
     if (answer->Error() != Vesk::Mailbox::ErrorCode::NO_ERROR)
         return std::nullopt;
     return Elements(*answer->Data());
+}
+
+Json AskForFoundSlaves(Session& session, const Json& liveList) {
+    Json slaves = Json::array();
+    for (const Json& station : liveList) {
+        if (station["kind"] != KINDS[0])
+            continue;
+        const Json& address = station["address"];
+        const auto identifiers = TryAboutSlave(session, address, &IDPVMModule::GetSlaveConfig);
+        const auto bytes = TryAboutSlave(session, address, &IDPVMModule::GetSlaveDiag);
+        const Json diagnosis = bytes ? Diagnosis(*bytes).ToJson() : Json();
+        const bool said = bytes && diagnosis["status"]["stationNonExistent"] == false;
+        slaves.push_back({{"address", address},
+                          {"identNumber", said ? diagnosis["identNumber"] : Json()},
+                          {"identifiers", identifiers ? Json(HexDigits(*identifiers)) : Json()},
+                          {"diagnosis", diagnosis}});
+    }
+    return slaves;
 }
 
 std::string SlaveTable(const std::vector<std::vector<std::string>>& rows, const Json& slaves,

@@ -5,6 +5,9 @@
 
 namespace VeskTool {
 
+/// Highest address of a slave that can take part.
+inline constexpr unsigned int HIGHEST_SLAVE = 125;
+
 /// The master's four lists of its slaves, each an array of station addresses.
 Json StationListsToJson(Session& session);
 
@@ -14,6 +17,10 @@ bool Lists(const Json& list, unsigned int address);
 /// The live list: an array of {"address", "kind"} for each station that answers. Kinds: "slave",
 /// "master, not ready", "master, ready for the ring", "master in the ring".
 Json AskForLiveList(Session& session);
+
+/// Each slave that answers: an array of {"address", "identNumber", "identifiers", "diagnosis"}, each but the
+/// first null where it does not say.
+Json AskForFoundSlaves(Session& session, const Json& liveList);
 
 /// Whether a live list has the station.
 bool Lives(const Json& liveList, unsigned int address);

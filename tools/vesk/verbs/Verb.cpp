@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "tools/vesk/verbs/Verb.h"
 
+#include "tools/vesk/files/DatabaseFile.h"
 #include "tools/vesk/session/PlantFlash.h"
 #include "tools/vesk/text/ByteText.h"
 #include "tools/vesk/text/Console.h"
@@ -35,8 +36,8 @@ void Print(const Verb& verb, const Json& facts, bool json) {
 
 static const SharedLife* sharedLife = nullptr;
 
-SharedLife::SharedLife(Session& session, const LinkOptions& link)
-    : _session(session), _link(link), _outer(sharedLife) {
+SharedLife::SharedLife(Session& session, const LinkOptions& link, SharedBus bus)
+    : _session(session), _link(link), _bus(std::move(bus)), _outer(sharedLife) {
     sharedLife = this;
 }
 
@@ -54,10 +55,21 @@ Session& SharedLife::SessionFor(const Verb& verb) const {
     return _session;
 }
 
-std::unique_ptr<Session> OpenSession(const LinkOptions& link, SharedConfig config, SharedConfig places) {
+SharedBus KnownBus(const LinkOptions& link, SharedBus bus) {
+    return bus || !link.UseVirtual() ? std::move(bus) : Plant();
+}
+
+std::unique_ptr<Session> OpenSession(const LinkOptions& link, SharedConfig config, const SharedBus& bus) {
     auto session = std::make_unique<Session>(link.Open(PlantFlash()), std::move(config));
-    session->Inputs().TakePlaces(places || !link.UseVirtual() ? std::move(places) : Plant());
+    session->Inputs().TakePlaces(bus ? bus->config : nullptr);
     return session;
+}
+
+const DescribedBus& NeedNames(const DescribedBus* known) {
+    if (known == nullptr)
+        throw Failure(
+            "Only a bus description says what a slave or a signal is called; name it with --config");
+    return *known;
 }
 
 VerbCommand::VerbCommand(CLI::App& command, const Verb& asked) : verb(&asked), _app(command) {
@@ -68,9 +80,11 @@ VerbCommand::VerbCommand(CLI::App& command, const Verb& asked) : verb(&asked), _
 }
 
 int VerbCommand::Execute() {
-    if (const SharedLife* const life = SharedLife::Current())
-        return run(life->SessionFor(*verb));
-    return run(*OpenSession(_link, config, places));
+    const SharedLife* const life = SharedLife::Current();
+    const SharedBus known = life == nullptr ? KnownBus(_link, bus) : bus ? bus : life->Bus();
+    for (const auto& prepare : preparations)
+        prepare(known.get());
+    return life == nullptr ? run(*OpenSession(_link, config, known)) : run(life->SessionFor(*verb));
 }
 
 int VerbCommand::Run(Session& session) const {
@@ -87,9 +101,28 @@ CLI::Option* VerbCommand::AddNumber(const std::string& name, const char* key, un
     return _app.add_option_function<std::string>(name, take, description)->type_name("");
 }
 
-CLI::Option* VerbCommand::AddAddress() {
-    return AddNumber("ADDRESS", "address", 0, HIGHEST_ADDRESS, "Station address of the slave, 0 to 126")
+CLI::Option* VerbCommand::AddAddress(const std::string& name, const char* key) {
+    const auto take = [this, name, key](const std::string& text) {
+        TakeAddress(name, text, HIGHEST_ADDRESS,
+                    [this, key](unsigned int address) { arguments[key] = address; });
+    };
+    AddBus();
+    return _app
+        .add_option_function<std::string>(name, take, "Station address of the slave, 0 to 126, or its name")
+        ->type_name("")
         ->required();
+}
+
+void VerbCommand::TakeAddress(const std::string& name, const std::string& text, unsigned int most,
+                              const std::function<void(unsigned int address)>& take) {
+    if (BusDescription::IsName(text)) {
+        preparations.emplace_back([text, take](const DescribedBus* known) {
+            take(NeedNames(known).SlaveNamed(text).address.value);
+        });
+        return;
+    }
+    const unsigned int address = ParseNumber(name, text, 0, most);
+    preparations.emplace_back([address, take](const DescribedBus*) { take(address); });
 }
 
 void VerbCommand::AddFile(const std::function<void(const std::string& path)>& take) {
@@ -102,6 +135,13 @@ void VerbCommand::AddFile(const std::function<void(const std::string& path)>& ta
 void VerbCommand::AddConfig(const std::string& description,
                             const std::function<void(const std::string& path)>& take) {
     _app.add_option_function<std::string>("--config", take, description)->type_name("FILE");
+}
+
+void VerbCommand::AddBus() {
+    if (!SharedLife::Current())
+        AddConfig(
+            "Bus description (.toml) or configuration database (.ddb) of the module; a description has names",
+            [this](const std::string& path) { bus = LoadDescribedBus(path); });
 }
 
 } // namespace VeskTool

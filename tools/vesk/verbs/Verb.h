@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "tools/vesk/session/DescribedBus.h"
 #include "tools/vesk/session/LinkOptions.h"
 #include "tools/vesk/session/Session.h"
 #include "tools/vesk/text/Command.h"
@@ -59,12 +60,15 @@ Json Answer(const Verb& verb, Session& session, const Json& arguments);
 /// The exit status that goes with the facts.
 int StatusOf(const Json& facts);
 
+/// The bus that the names in a command belong to.
+using SharedBus = std::shared_ptr<const DescribedBus>;
+
 /// A life that verbs share. While it lives, every verb is answered in its session, and has no options that
 /// say which module it is.
 class SharedLife {
 public:
-    /// `link`: how the module of the session was named.
-    SharedLife(Session& session, const LinkOptions& link);
+    /// `link`: how the module of the session was named. `bus`: what is known of it, or null.
+    SharedLife(Session& session, const LinkOptions& link, SharedBus bus);
     ~SharedLife();
     SharedLife(const SharedLife&) = delete;
     SharedLife& operator=(const SharedLife&) = delete;
@@ -75,15 +79,24 @@ public:
     /// The session that `verb` is answered in; CLI::ParseError where the verb needs a module that is named.
     Session& SessionFor(const Verb& verb) const;
 
+    const SharedBus& Bus() const { return _bus; }
+
 private:
     Session& _session;
     const LinkOptions& _link;
+    SharedBus _bus;
     const SharedLife* _outer;
 };
 
-/// A new session, which takes the places of input data from `places`; without these a virtual module those of
-/// the plant.
-std::unique_ptr<Session> OpenSession(const LinkOptions& link, SharedConfig config, SharedConfig places);
+/// What is known of the bus of the module: `bus`, or without it that of the plant for a virtual module; null
+/// where nothing is.
+SharedBus KnownBus(const LinkOptions& link, SharedBus bus);
+
+/// `known`; Failure where that is null.
+const DescribedBus& NeedNames(const DescribedBus* known);
+
+/// A new session, which takes the places of input data from `bus`, unless that is null.
+std::unique_ptr<Session> OpenSession(const LinkOptions& link, SharedConfig config, const SharedBus& bus);
 
 /// `vesk VERB`: what every verb has on the command line, and the running of one in a session of its own.
 class VerbCommand {
@@ -106,8 +119,11 @@ public:
     /// The configuration of the session; null at first.
     SharedConfig config;
 
-    /// The configuration that says where input data have their places; null at first.
-    SharedConfig places;
+    /// What is known of the bus, from an option of this very command; null at first.
+    SharedBus bus;
+
+    /// Done one after the other before the module is touched, with what is known of its bus, or null.
+    std::vector<std::function<void(const DescribedBus* known)>> preparations;
 
     /// Answers the verb in `session` and prints the facts; the exit status. The verb's own way unless it is
     /// replaced.
@@ -117,8 +133,13 @@ public:
     CLI::Option* AddNumber(const std::string& name, const char* key, unsigned int least, unsigned int most,
                            const std::string& description);
 
-    /// The same for the station address of a slave.
-    CLI::Option* AddAddress();
+    /// The same for a slave, its station address or its name; and the option --config (AddBus).
+    CLI::Option* AddAddress(const std::string& name = "ADDRESS", const char* key = "address");
+
+    /// Gives the slave's address to `take` before the module is touched: `text`, the argument `name`, is an
+    /// address, no more than `most`, or the slave's name.
+    void TakeAddress(const std::string& name, const std::string& text, unsigned int most,
+                     const std::function<void(unsigned int address)>& take);
 
     /// The positional argument CONFIG, the path of a configuration database file, which goes to `take` before
     /// the module is touched.
@@ -126,6 +147,10 @@ public:
 
     /// The option --config, the path of such a file, likewise.
     void AddConfig(const std::string& description, const std::function<void(const std::string& path)>& take);
+
+    /// The option --config, from which `bus` comes; where verbs share a life, that of the life serves
+    /// instead.
+    void AddBus();
 
     /// Opens the session, or takes the one that is shared, and runs; the exit status.
     int Execute();

@@ -22,6 +22,8 @@ Action AddSlaveConfig(CLI::App& app);
 Action AddInput(CLI::App& app);
 Action AddOutput(CLI::App& app);
 Action AddSet(CLI::App& app);
+Action AddConfigScan(CLI::App& app);
+Action AddConfigCheck(CLI::App& app);
 Action AddRead(CLI::App& app);
 Action AddWrite(CLI::App& app);
 
