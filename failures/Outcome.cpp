@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "failures/Outcome.h"
+#include "failures/Steps.h"
 
 #include <algorithm>
 #include <array>
@@ -47,8 +48,6 @@ constexpr std::string_view AGAIN =
     "Start again, which resets the module; if it comes back, look at the dump: vesk dump.";
 constexpr std::string_view TRACE =
     "Start again; if it comes back, --trace mailbox,handshake shows the way there.";
-constexpr std::string_view EXPORT = "Export it again from the configuration tool.";
-constexpr std::string_view FETCH = "Get the file again from where it came.";
 constexpr std::string_view SHOW_FIRMWARE = "See what it says: vesk firmware show.";
 
 } // namespace

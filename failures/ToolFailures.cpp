@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 // What the command line says by itself, in the order in which a user meets it; the more particular first.
 #include "failures/Outcome.h"
+#include "failures/Steps.h"
 
 #include <array>
 
@@ -12,8 +13,6 @@ constexpr std::string_view OWN = "Failure";
 
 // What to check, and what to do then.
 constexpr std::string_view RIGHT_FILE = "Check that it is the file that was meant, and that it is complete.";
-constexpr std::string_view EXPORT = "Export it again from the configuration tool.";
-constexpr std::string_view FETCH = "Get the file again from where it came.";
 constexpr std::string_view SLAVES = "See who is there and who is configured: vesk slaves.";
 constexpr std::string_view DIAG = "Check its supply, its address and the cable; vesk diag ADDRESS says more.";
 constexpr std::string_view BUS = "Check the bus connector, its termination and the slaves: vesk status.";

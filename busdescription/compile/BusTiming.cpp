@@ -10,7 +10,7 @@ static constexpr unsigned int WITHOUT_DATA = 6;
 static constexpr unsigned int ACKNOWLEDGEMENT = 1;
 static constexpr unsigned int TOKEN = 3;
 
-static constexpr unsigned int LONGEST = 244; // bytes of data
+static constexpr unsigned int LONGEST_DATA = 244; // bytes of data
 
 RateParameters ParametersAt(unsigned int bitsPerSecond) {
     if (bitsPerSecond <= 187'500)
@@ -49,8 +49,8 @@ std::uint64_t ExchangeTime(const CycleParameters& bus, const std::vector<Exchang
 
 std::uint64_t RotationTime(const CycleParameters& bus, const std::vector<ExchangedData>& slaves) {
     constexpr std::uint64_t step = 100;
-    const std::uint64_t acyclic = MessageCycle(bus, LONGEST, LONGEST);
-    const std::uint64_t diagnosis = MessageCycle(bus, 0, LONGEST);
+    const std::uint64_t acyclic = MessageCycle(bus, LONGEST_DATA, LONGEST_DATA);
+    const std::uint64_t diagnosis = MessageCycle(bus, 0, LONGEST_DATA);
     const std::uint64_t gap = IdleTime(bus) + Telegram(0, WITHOUT_DATA) + bus.slotTime;
     const std::uint64_t token = IdleTime(bus) + CHARACTER * TOKEN;
     return ((ExchangeTime(bus, slaves) + acyclic + diagnosis + gap + token) / step + 1) * step;

@@ -20,8 +20,6 @@ using Vesk::Modules::DPVM::Config::BusConfig;
 
 namespace {
 
-const std::string DEFAULT = "default";
-
 /// What the bus has at a code that is no rate; only descriptions without checks have one.
 constexpr const Gsd::Rate& FASTEST = Gsd::RATES.back();
 

@@ -9,6 +9,9 @@
 
 namespace BusDescription {
 
+/// Where a value comes from that nobody has given.
+inline const std::string DEFAULT = "default";
+
 /// The fields of a record, each with where its value comes from: "plant.toml:12:8", "drive.gsd:31",
 /// "default", or how it was computed.
 class RecordPlan {

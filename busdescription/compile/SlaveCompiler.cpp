@@ -15,8 +15,6 @@ using std::chrono::microseconds;
 
 namespace {
 
-const std::string DEFAULT = "default";
-
 // Bits of the first status byte of a DP-V1 slave, the first of its user parameters.
 constexpr std::uint8_t STATUS_DPV1 = 0x80;
 constexpr std::uint8_t STATUS_FAIL_SAFE = 0x40;

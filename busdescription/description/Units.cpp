@@ -13,7 +13,7 @@ struct TimeUnit {
 };
 
 static constexpr std::array<TimeUnit, 3> TIME_UNITS{{{"s", 1'000'000}, {"ms", 1'000}, {"us", 1}}};
-static constexpr std::int64_t LONGEST = 3'600'000'000;
+static constexpr std::int64_t LONGEST_TIME = 3'600'000'000;
 
 static bool IsDigit(char character) {
     return character >= '0' && character <= '9';
@@ -45,7 +45,7 @@ std::optional<microseconds> ParseDuration(std::string_view text) {
             if (behind && worth < 10 && digit != 0)
                 return std::nullopt;
             value = behind ? value + digit * (worth /= 10) : value * 10 + digit * unit.microseconds;
-            if (value > LONGEST)
+            if (value > LONGEST_TIME)
                 return std::nullopt;
         }
         return microseconds(value);

@@ -7,7 +7,7 @@
 
 namespace BusDescription {
 
-static constexpr std::size_t LONGEST = 64;
+static constexpr std::size_t LONGEST_WORD = 64;
 
 static char Small(char character) {
     return character >= 'A' && character <= 'Z' ? static_cast<char>(character - 'A' + 'a') : character;
@@ -45,7 +45,7 @@ std::string Nearest(std::string_view word, const std::vector<std::string>& names
     std::vector<std::size_t> row;
     for (const std::string& name : names) {
         const std::size_t lengths = std::max(word.size(), name.size()) - std::min(word.size(), name.size());
-        if (word.size() > LONGEST || lengths >= least)
+        if (word.size() > LONGEST_WORD || lengths >= least)
             continue;
         const std::size_t distance = Distance(word, name, least, row);
         if (distance < least) {

@@ -22,7 +22,7 @@ enum LineNumber : unsigned int { RESET = 2, BOOT = 4, IRQ = 17, TAKEN = 20, LINE
 
 VirtualModule::InProcess* module;
 std::vector<std::string> requests; // in the order of the host
-const char* consumer;              // of the line that is taken
+const char* takenBy;               // the consumer of the line that is taken
 int failures;                      // errno of the next reading or driving; 0 for none
 
 int Drive(unsigned int line, int level) {
@@ -85,7 +85,7 @@ int gpiod_line_update(gpiod_line*) {
 }
 
 const char* gpiod_line_consumer(gpiod_line*) {
-    return consumer;
+    return takenBy;
 }
 
 int gpiod_line_get_value(gpiod_line* line) {
@@ -141,7 +141,7 @@ TEST_F(GpioTest, ALineThatFailsIsNamed) {
     expectFailure("gpiochip9: No such file", [&] { Open("gpiochip9:irq=17,reset=2,boot=4"); });
     expectFailure("line 99 (irq): Invalid", [&] { Open("gpiochip0:a:irq=99,reset=2,boot=4"); });
     for (const auto& [name, shown] : {std::pair{"plc", "plc"}, {nullptr, "somebody whom the kernel"}}) {
-        consumer = name;
+        takenBy = name;
         expectFailure(("line 20 (boot) is in use by " + std::string(shown)).c_str(),
                       [&] { Open("gpiochip0:a:irq=17,reset=2,boot=20"); });
     }

@@ -9,8 +9,6 @@
 
 namespace Vesk::Handshake {
 
-using Bits = ApplicationIndication_t;
-
 static constexpr std::int64_t WRITE_SPACING_NANOSECONDS = 500'000;
 
 std::shared_ptr<ApplicationIndication>
@@ -34,7 +32,8 @@ void ApplicationIndication::Update() {
     _next.value = command | _actions;
     if (RuntimeConfig::_printApplicationHandshake)
         PrintHandshake(); // shows which actions are taken, which the levels of the toggle bits do not
-    constexpr unsigned char TOGGLES = Bits::EVENT | Bits::M_OUT | Bits::M_IN;
+    constexpr unsigned char TOGGLES =
+        ApplicationIndication_t::EVENT | ApplicationIndication_t::M_OUT | ApplicationIndication_t::M_IN;
     _next.value = static_cast<unsigned char>(command | ((_lastWritten.value ^ _actions) & TOGGLES));
     _actions = 0;
     UpdateDpRam();
@@ -50,7 +49,7 @@ void ApplicationIndication::UpdateDpRam() {
 
 void ApplicationIndication::PrintHandshake() const {
     System::Diagnostics::Trace::TraceDebug(
-        HostInterface::BitLabels("ApplicationInd:", _next.value, Bits::LABELS));
+        HostInterface::BitLabels("ApplicationInd:", _next.value, ApplicationIndication_t::LABELS));
 }
 
 unsigned char ApplicationIndication::TakeAreaCommand() {
@@ -58,8 +57,8 @@ unsigned char ApplicationIndication::TakeAreaCommand() {
         return 0;
     _indicationReceived = false;
     if (_releases)
-        return std::exchange(_releases, {}) | Bits::LOCK;
-    return std::exchange(_requests, {}) | Bits::LOCK | Bits::ACTION;
+        return std::exchange(_releases, {}) | ApplicationIndication_t::LOCK;
+    return std::exchange(_requests, {}) | ApplicationIndication_t::LOCK | ApplicationIndication_t::ACTION;
 }
 
 } // namespace Vesk::Handshake

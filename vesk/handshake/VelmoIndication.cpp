@@ -9,7 +9,6 @@
 namespace Vesk::Handshake {
 
 using System::InvalidOperationException;
-using Bits = VelmoIndication_t;
 
 std::shared_ptr<VelmoIndication>
 VelmoIndication::Create(unsigned short offset, std::shared_ptr<HostInterface::IHostInterface> hostInterface) {
@@ -40,11 +39,13 @@ std::shared_ptr<VelmoEvent> VelmoIndication::Update() {
     const auto rose = [&](unsigned char bit) { return (changed.value & _current.value & bit) != 0; };
     const auto fell = [&](unsigned char bit) { return (changed.value & _previous.value & bit) != 0; };
     const auto toggled = [&](unsigned char bit) { return (changed.value & bit) != 0; };
-    if (fell(Bits::INIT))
+    if (fell(VelmoIndication_t::INIT))
         System::_env_throw(InvalidOperationException::Create("Velmo module no longer initialized!"));
-    const auto event = VelmoEvent::Create(
-        toggled(Bits::EVENT), rose(Bits::FBCTRL), fell(Bits::FBCTRL), rose(Bits::IN), fell(Bits::IN),
-        rose(Bits::INIT), toggled(Bits::M_IN), toggled(Bits::M_OUT), rose(Bits::OUT), fell(Bits::OUT));
+    const auto event = VelmoEvent::Create(toggled(VelmoIndication_t::EVENT), rose(VelmoIndication_t::FBCTRL),
+                                          fell(VelmoIndication_t::FBCTRL), rose(VelmoIndication_t::IN),
+                                          fell(VelmoIndication_t::IN), rose(VelmoIndication_t::INIT),
+                                          toggled(VelmoIndication_t::M_IN), toggled(VelmoIndication_t::M_OUT),
+                                          rose(VelmoIndication_t::OUT), fell(VelmoIndication_t::OUT));
     _previous = _current;
     return event;
 }
@@ -58,7 +59,7 @@ void VelmoIndication::UpdateDpRam() {
 }
 
 System::String VelmoIndication::ToString(const VelmoIndication_t* indication) {
-    return HostInterface::BitLabels("VelmoInd:", indication->value, Bits::LABELS);
+    return HostInterface::BitLabels("VelmoInd:", indication->value, VelmoIndication_t::LABELS);
 }
 
 } // namespace Vesk::Handshake

@@ -13,8 +13,6 @@ namespace VirtualModule {
 
 namespace {
 
-constexpr std::int64_t MILLISECOND = 1'000'000;
-
 /// A fatal event that has something in each of its fields.
 FatalEvent FullEvent(unsigned errorCode) {
     FatalEvent event;
@@ -82,7 +80,7 @@ void FaultyBoard::Boot(std::int64_t now, std::int64_t delay) {
     if (_faults.Strike(FaultId::BOOT_SILENT))
         _faults.Fail(FaultInjector::Outage::DEAD);
     const Fault* late = _faults.Strike(FaultId::BOOT_LATE);
-    Board::Boot(now, late != nullptr ? late->value * MILLISECOND : delay);
+    Board::Boot(now, late != nullptr ? late->value * 1'000'000 : delay);
 }
 
 bool FaultyBoard::TakeTurn(std::int64_t now, std::int64_t period) {

@@ -12,10 +12,10 @@ namespace Vesk::Modules::DPVM {
 
 namespace DpRam = HostInterface::BootloaderDpRam;
 
-static constexpr std::int64_t BOOT_NANOSECONDS = 1'000'000'000;
-static constexpr unsigned short MODULE_TYPE = 0x0101;
-static constexpr unsigned short FIELDBUS_TYPE = 0;
-static constexpr unsigned short VENDOR_ID = 0;
+static constexpr std::int64_t BOOTLOADER_NANOSECONDS = 1'000'000'000;
+static constexpr unsigned short BOOTLOADER_MODULE_TYPE = 0x0101;
+static constexpr unsigned short BOOTLOADER_FIELDBUS_TYPE = 0;
+static constexpr unsigned short BOOTLOADER_VENDOR_ID = 0;
 static constexpr int LOWEST_BOOTLOADER_MAJOR = 2;
 
 std::shared_ptr<Vt22Bootloader>
@@ -37,7 +37,7 @@ void Vt22Bootloader::Reset() {
 }
 
 void Vt22Bootloader::PowerOn() {
-    StartUp::ReleaseReset(*_hostInterface, *_timer, BOOT_NANOSECONDS);
+    StartUp::ReleaseReset(*_hostInterface, *_timer, BOOTLOADER_NANOSECONDS);
     ChangeState(ModuleState_e::POWER_ON);
     CreateAreas();
 }
@@ -111,9 +111,9 @@ void Vt22Bootloader::HandleIndication() {
 }
 
 void Vt22Bootloader::VerifyIdentity() {
-    CheckIdentity("module type", MODULE_TYPE, ModuleType());
-    CheckIdentity("fieldbus type", FIELDBUS_TYPE, FieldbusType());
-    CheckIdentity("vendor id", VENDOR_ID, VendorId());
+    CheckIdentity("module type", BOOTLOADER_MODULE_TYPE, ModuleType());
+    CheckIdentity("fieldbus type", BOOTLOADER_FIELDBUS_TYPE, FieldbusType());
+    CheckIdentity("vendor id", BOOTLOADER_VENDOR_ID, VendorId());
     if (BootloaderMajor() < LOWEST_BOOTLOADER_MAJOR)
         System::_env_throw(ModuleIdentityException::Create(
             TextOf("Unsupported major bootloader version: ", BootloaderMajor(),

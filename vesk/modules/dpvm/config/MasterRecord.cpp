@@ -5,20 +5,20 @@
 
 namespace Vesk::Modules::DPVM::Config {
 
-static constexpr auto LENGTH = BlockLength::Exactly(96);
+static constexpr auto RECORD_LENGTH = BlockLength::Exactly(96);
 
 std::shared_ptr<IMasterRecord> MasterRecord::FromStream(const std::shared_ptr<System::IO::Stream>& stream) {
     return System::MakeShared<MasterRecord>(stream);
 }
 
 MasterRecord::MasterRecord(const std::shared_ptr<System::IO::Stream>& stream) {
-    BlockReader block(stream, LENGTH);
+    BlockReader block(stream, RECORD_LENGTH);
     Layout(block, *this);
     block.Finish();
 }
 
 void MasterRecord::ToStream(const std::shared_ptr<System::IO::Stream>& stream) const {
-    BlockWriter block(stream, LENGTH);
+    BlockWriter block(stream, RECORD_LENGTH);
     Layout(block, *this);
     block.Finish();
 }

@@ -5,7 +5,7 @@
 
 namespace Vesk::Modules::DPVM::Config {
 
-static constexpr auto LENGTH = BlockLength::Exactly(64);
+static constexpr auto MASTER_USER_DATA_LENGTH = BlockLength::Exactly(64);
 
 std::shared_ptr<IMasterUserData>
 MasterUserData::FromStream(const std::shared_ptr<System::IO::Stream>& stream) {
@@ -13,13 +13,13 @@ MasterUserData::FromStream(const std::shared_ptr<System::IO::Stream>& stream) {
 }
 
 MasterUserData::MasterUserData(const std::shared_ptr<System::IO::Stream>& stream) {
-    BlockReader block(stream, LENGTH);
+    BlockReader block(stream, MASTER_USER_DATA_LENGTH);
     Layout(block, *this);
     block.Finish();
 }
 
 void MasterUserData::ToStream(const std::shared_ptr<System::IO::Stream>& stream) const {
-    BlockWriter block(stream, LENGTH);
+    BlockWriter block(stream, MASTER_USER_DATA_LENGTH);
     Layout(block, *this);
     block.Finish();
 }
