@@ -38,6 +38,19 @@ constexpr std::array TABLE{
     Outcome{OWN, "* is in use by *", "A module has one host at a time, and its files serve one module.",
             "Look at the process that is named, and end it first.",
             "vesk dump --dpram shows the DPRAM without disturbing it."},
+    // a module in software on D-Bus
+    Outcome{OWN, "this vesk was built without sdbus-c++, which --publish needs",
+            "The program has no way to D-Bus.", "Check which package of vesk is installed.",
+            "Build it with sdbus-c++ 1.2, its xml2cpp included."},
+    Outcome{OWN, "cannot publish * on the bus *: another program has this name",
+            "A name on D-Bus is one program's.", "Look who has it: busctl list.",
+            "End that program, or publish under another name."},
+    Outcome{
+        OWN, "cannot publish * on the bus *", "The bus is not there, or its policy does not give the name.",
+        "Check the bus: --bus, VESK_BUS, DBUS_SESSION_BUS_ADDRESS.",
+        "The session bus gives every name; the system bus those that a file in /etc/dbus-1/system.d allows."},
+    Outcome{OWN, "the connection to D-Bus is lost: *", "The bus has ended, or has sent this program away.",
+            "Check whether the bus runs.", "Start the module again; its flash file has what it held."},
     // its life
     Outcome{OWN, "The module holds no database, so it cannot go onto a bus",
             "Nothing was downloaded into the module, or a download was not ended.",

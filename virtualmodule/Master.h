@@ -23,6 +23,12 @@ public:
     /// Does what is due at `now`.
     void Step(std::int64_t now);
 
+    /// A slave of the database exchanges data with it.
+    bool Exchanges(std::uint8_t address) const { return _bus.InExchange(address); }
+
+    /// The host is still to answer the last interrupt.
+    bool AwaitsHost() const { return _state == State::INDICATING; }
+
     /// The next indication is the fatal one, and the last.
     void RaiseFatal(const FatalEvent& event);
 

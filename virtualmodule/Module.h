@@ -59,8 +59,36 @@ public:
             _faults->Clear();
     }
 
+    /// Lets a fault strike the next `count` times at its step, or from then on; NAME or NAME=VALUE.
+    /// std::invalid_argument for what is no fault, std::logic_error without Options::faultsOnRequest.
+    void Strike(std::string_view fault, unsigned count);
+
+    /// Off and on again, as soon as the host has answered the last interrupt; only the flash lasts, and what
+    /// hangs on the bus. While reset is held it is off anyway.
+    void PowerCycle() { _powerCycled = true; }
+
     /// Takes a slave off the bus or puts it back, in any state of the module.
     void SetSlavePresent(std::uint8_t address, bool present);
+
+    struct SlaveState {
+        std::uint8_t address;
+        std::uint16_t identNumber;
+        bool present;   // on the bus
+        bool exchanges; // data, with the master that runs
+
+        bool operator==(const SlaveState&) const = default;
+    };
+
+    /// The slaves of the last whole database that the flash had, each at its address now.
+    std::vector<SlaveState> Slaves() const;
+    /// One of them, on the bus or off it, until the database or its address changes; std::invalid_argument,
+    /// which names them, where there is none.
+    Station& Slave(std::uint8_t address);
+
+    /// Who is told, within Step(), when a slave has got other bytes than before.
+    void SetInputListener(Stations::InputListener listener) {
+        _stations.SetInputListener(std::move(listener));
+    }
 
     /// Ends the master's life with a fatal event; std::logic_error while it does not run.
     void RaiseFatal(const FatalEvent& event) { RunningMaster().RaiseFatal(event); }
@@ -69,7 +97,9 @@ public:
     void RaiseLog() { RunningMaster().RaiseLog(); }
 
 private:
+    Board::Phase Look(std::int64_t now);
     void StepProgram(std::int64_t now);
+    void PopulateBus();
     void PowerOff();
     void Boot();
     Master& RunningMaster();
@@ -79,6 +109,9 @@ private:
     Clock _clock;
     Watch _watch;
     Stations _stations;
+    std::uint64_t _populatedWrites = 0; // of the flash, when its slaves were put on the bus
+    bool _held = false;                 // in reset, at the last step
+    bool _powerCycled = false;          // is to be
     std::unique_ptr<FaultInjector> _faults;
     std::unique_ptr<const Kit> _kit;
     std::unique_ptr<Board> _board;

@@ -31,6 +31,8 @@ struct Options {
     /// What goes wrong; Faults.cpp has the list. std::invalid_argument from the module for a VALUE that is
     /// none.
     std::vector<Fault> faults;
+    /// Whether Module::Strike may add to them.
+    bool faultsOnRequest = false;
     /// Called before each interrupt, so before the host may look at what it announces; may be empty. What is
     /// to outlive this process, the flash above all, is put away here.
     std::function<void()> beforeInterrupt{};

@@ -38,17 +38,21 @@ void Bus::Exchange(ByteView input, std::span<std::uint8_t> output) {
     if (!Exchanges(_mode))
         return;
     for (const auto& [address, slave] : _slaves)
-        Exchange(slave, InExchange(address) ? _stations.Find(address) : nullptr, input, output);
+        Exchange(address, slave, input, output);
 }
 
-void Bus::Exchange(const Slave& slave, Station* station, ByteView input,
-                   std::span<std::uint8_t> output) const {
+void Bus::Exchange(std::uint8_t address, const Slave& slave, ByteView input, std::span<std::uint8_t> output) {
+    Station* const station = InExchange(address) ? _stations.Find(address) : nullptr;
     if (station != nullptr) {
+        bool changed = false;
         for (std::size_t i = 0; i < slave.record.inputPlaces.size(); ++i) {
             const bool operate = _mode == OperationMode::OPERATE;
-            station->Input()[i] = operate ? input[slave.record.inputPlaces[i]] : std::uint8_t{0};
+            const std::uint8_t byte = operate ? input[slave.record.inputPlaces[i]] : std::uint8_t{0};
+            changed |= std::exchange(station->Input()[i], byte) != byte;
         }
         station->Echo();
+        if (changed)
+            _stations.InputChanged(address, station->Input());
     }
     for (std::size_t i = 0; i < slave.record.outputPlaces.size(); ++i)
         output[slave.record.outputPlaces[i]] = station != nullptr ? station->Output()[i] : std::uint8_t{0};
@@ -63,9 +67,9 @@ BusStatus Bus::Status() const {
         if (InExchange(address)) {
             Mark(status.dataTransfer, address);
             Mark(status.connections, address);
-        } else if (slave.started && Exchanges(_mode)) {
-            Mark(status.diagnostic, address);
         }
+        if (HasDiagnosis(address))
+            Mark(status.diagnostic, address);
     }
     for (const auto& [reference, address] : _connections)
         Mark(status.connections, address);
@@ -80,11 +84,28 @@ ErrorCode Bus::Reach(std::uint8_t address) const {
     return Configured(address) ? ErrorCode::RESPONSE : ErrorCode::ADDRESS;
 }
 
-bool Bus::InExchange(std::uint8_t address) const {
+const Bus::Slave* Bus::ShouldExchange(std::uint8_t address) const {
     const auto slave = _slaves.find(address);
+    return slave != _slaves.end() && slave->second.started && Exchanges(_mode) ? &slave->second : nullptr;
+}
+
+bool Bus::InExchange(std::uint8_t address) const {
+    const Slave* slave = ShouldExchange(address);
     const Station* station = _stations.Find(address);
-    return slave != _slaves.end() && station != nullptr && slave->second.started && Exchanges(_mode) &&
-           station->Fits(slave->second.record);
+    return slave != nullptr && station != nullptr && station->Fits(slave->record);
+}
+
+bool Bus::HasDiagnosis(std::uint8_t address) const {
+    return InExchange(address) ? !_stations.Find(address)->Diagnosis().empty()
+                               : ShouldExchange(address) != nullptr;
+}
+
+Bus::Refusal Bus::RefusalOf(std::uint8_t address) const {
+    const Slave* slave = ShouldExchange(address);
+    const Station* station = _stations.Find(address);
+    if (slave == nullptr || station == nullptr || station->Fits(slave->record))
+        return Refusal::NONE;
+    return station->IdentNumber() != slave->record.identNumber ? Refusal::PARAMETERS : Refusal::CONFIGURATION;
 }
 
 bool Bus::Connect(std::uint16_t reference, std::uint8_t address) {

@@ -18,14 +18,15 @@ struct BusStatus {
     OperationMode mode = OperationMode::STOP; // never OFFLINE: off the bus it stands in STOP
     StationList configured{};
     StationList dataTransfer{}; // exchanges data
-    StationList diagnostic{};   // should exchange data and does not
+    StationList diagnostic{};   // should exchange data and does not, or has a diagnosis of its own
     StationList connections{};  // has a Class 1 or Class 2 connection
 };
 
 /// The bus as the master works it: the slaves of its database and the devices that really hang there.
 ///
 /// Data is exchanged in CLEAR and OPERATE. In CLEAR the slaves are given zeros. In STOP and OFFLINE nothing
-/// is exchanged and the output data stays as it was. A slave that does not exchange data reads as zeros.
+/// is exchanged and the output data stays as it was. A slave that does not exchange data reads as zeros; so
+/// does one that is another device than the database says, which refuses its parameters or its configuration.
 class Bus {
 public:
     /// Highest address on a DP bus; the last one that is no broadcast.
@@ -60,6 +61,11 @@ public:
 
     bool InExchange(std::uint8_t address) const;
 
+    /// What a slave that is there and should exchange data does not accept.
+    enum class Refusal : std::uint8_t { NONE, PARAMETERS, CONFIGURATION };
+
+    Refusal RefusalOf(std::uint8_t address) const;
+
     /// Opens a Class 2 connection; false if the reference is in use.
     bool Connect(std::uint16_t reference, std::uint8_t address);
 
@@ -78,7 +84,9 @@ private:
         bool started = true;
     };
 
-    void Exchange(const Slave& slave, Station* station, ByteView input, std::span<std::uint8_t> output) const;
+    const Slave* ShouldExchange(std::uint8_t address) const;
+    bool HasDiagnosis(std::uint8_t address) const;
+    void Exchange(std::uint8_t address, const Slave& slave, ByteView input, std::span<std::uint8_t> output);
     void DropLostConnections();
 
     Stations& _stations;

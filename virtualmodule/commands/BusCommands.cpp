@@ -17,18 +17,31 @@ constexpr std::uint8_t NO_STATION = 0x04;
 // The six standard bytes of a slave's diagnosis: three of status, the master's address, the ident number.
 constexpr std::uint8_t STATION_NON_EXISTENT = 0x01; // status 1
 constexpr std::uint8_t STATION_NOT_READY = 0x02;    // status 1
+constexpr std::uint8_t CONFIGURATION_FAULT = 0x04;  // status 1
+constexpr std::uint8_t EXTENDED_DIAGNOSIS = 0x08;   // status 1: bytes of the slave's own follow
+constexpr std::uint8_t PARAMETER_FAULT = 0x40;      // status 1
 constexpr std::uint8_t PARAMETERS_REQUIRED = 0x01;  // status 2
 constexpr std::uint8_t ALWAYS_SET = 0x04;           // status 2
 constexpr std::uint8_t NO_MASTER = 0xFF;
 
-Bytes Diagnosis(const Station* station, bool inExchange, std::uint8_t master) {
+/// A slave that refuses what the master tells it is not ready, and goes back to waiting for parameters.
+Bytes Diagnosis(const Bus& bus, std::uint8_t address, const Station* station) {
     if (station == nullptr)
         return {STATION_NON_EXISTENT, 0, 0, NO_MASTER, 0, 0};
-    const std::uint8_t high = High(station->IdentNumber());
-    const std::uint8_t low = Low(station->IdentNumber());
-    if (inExchange)
-        return {0, ALWAYS_SET, 0, master, high, low};
-    return {STATION_NOT_READY, ALWAYS_SET | PARAMETERS_REQUIRED, 0, NO_MASTER, high, low};
+    const bool inExchange = bus.InExchange(address);
+    const Bus::Refusal refusal = bus.RefusalOf(address);
+    const unsigned status1 = (inExchange ? 0u : STATION_NOT_READY) |
+                             (refusal == Bus::Refusal::PARAMETERS ? PARAMETER_FAULT : 0u) |
+                             (refusal == Bus::Refusal::CONFIGURATION ? CONFIGURATION_FAULT : 0u) |
+                             (station->Diagnosis().empty() ? 0u : EXTENDED_DIAGNOSIS);
+    Bytes bytes{Low(status1),
+                Low(ALWAYS_SET | (inExchange ? 0u : PARAMETERS_REQUIRED)),
+                0,
+                inExchange ? bus.MasterAddress() : NO_MASTER,
+                High(station->IdentNumber()),
+                Low(station->IdentNumber())};
+    Append(bytes, station->Diagnosis());
+    return bytes;
 }
 
 } // namespace
@@ -76,8 +89,7 @@ Answer BusCommands::GetSlaveDiag(const Message& request) {
         return reach;
     if (Low(request.extended[0]) >= REQUEST_TYPES)
         return ErrorCode::INVALID_OTHER;
-    const Station* station = _bus.Devices().Find(address);
-    return Answer(request, Diagnosis(station, _bus.InExchange(address), _bus.MasterAddress()));
+    return Answer(request, Diagnosis(_bus, address, _bus.Devices().Find(address)));
 }
 
 Answer BusCommands::GetSlaveConfig(const Message& request) {

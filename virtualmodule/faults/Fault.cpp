@@ -148,6 +148,14 @@ Fault Fault::Parse(std::string_view text) {
     return Parser(text).Parse();
 }
 
+Fault Fault::ParseWithoutStep(std::string_view text) {
+    const Fault fault = Parse(text);
+    if (text.substr(0, text.find('=')) != KindOf(fault.id).name)
+        throw std::invalid_argument("fault \"" + std::string(text) +
+                                    "\": NAME or NAME=VALUE was expected, without STEP and COUNT");
+    return fault;
+}
+
 std::string Fault::Text() const {
     const FaultKind& kind = KindOf(id);
     return std::string(kind.name) + "@" + std::to_string(step) +

@@ -84,6 +84,9 @@ struct Fault {
     /// be hexadecimal with 0x. What is left out is as the table says. std::invalid_argument says what is
     /// wrong: a name that is none, with those that come close; a number that is none; a VALUE out of range.
     static Fault Parse(std::string_view text);
+    /// Reads NAME[=VALUE], for a fault whose STEP and COUNT are said elsewhere; std::invalid_argument as
+    /// above.
+    static Fault ParseWithoutStep(std::string_view text);
     /// The whole text form.
     std::string Text() const;
 };

@@ -15,7 +15,18 @@ constexpr std::uint16_t LAST_DATABASE_COMMAND = 0x16;
 
 FaultInjector::FaultInjector(const std::vector<Fault>& faults, const Watch& watch) : _watch(watch) {
     for (const Fault& fault : faults)
-        _faults.push_back({fault, KindOf(fault.id, fault.value).counts});
+        Add(fault);
+}
+
+void FaultInjector::Add(const Fault& fault) {
+    const Counts counts = KindOf(fault.id, fault.value).counts;
+    std::erase_if(_faults, [this](const Armed& armed) { return IsSpent(armed); });
+    _faults.push_back({fault, counts});
+}
+
+bool FaultInjector::IsSpent(const Armed& armed) const {
+    const unsigned now = Counted(armed.counts);
+    return armed.fault.count != 0 && now >= armed.fault.step && now - armed.fault.step >= armed.fault.count;
 }
 
 void FaultInjector::CountRequest(const Message& request, bool bootloader) {
@@ -28,10 +39,6 @@ void FaultInjector::CountRequest(const Message& request, bool bootloader) {
     Count(Counts::REQUESTS);
     if (_request != Counts::REQUESTS)
         Count(_request);
-}
-
-bool FaultInjector::HasStruck() const {
-    return std::any_of(_faults.begin(), _faults.end(), [](const Armed& armed) { return armed.logged != 0; });
 }
 
 /// Not between two of what it counts.
@@ -50,8 +57,8 @@ const Fault* FaultInjector::Strike(FaultId id) {
     for (Armed& armed : _faults) {
         const Fault& fault = armed.fault;
         const unsigned now = Counted(armed.counts);
-        if (fault.id == id && now >= fault.step && (fault.count == 0 || now - fault.step < fault.count) &&
-            AtIts(armed.counts)) {
+        if (fault.id == id && now >= fault.step && !IsSpent(armed) && AtIts(armed.counts)) {
+            _struck = true;
             if (std::exchange(armed.logged, now) != now)
                 _watch.Log([&] { return "fault " + fault.Text() + " strikes at " + std::to_string(now); });
             return &fault;

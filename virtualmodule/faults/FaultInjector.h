@@ -25,8 +25,12 @@ public:
     /// std::invalid_argument for a VALUE that the table does not have.
     FaultInjector(const std::vector<Fault>& faults, const Watch& watch);
 
+    /// One more fault, which takes the place of those that will not strike again; std::invalid_argument as
+    /// above.
+    void Add(const Fault& fault);
+
     /// Whether any fault has struck.
-    bool HasStruck() const;
+    bool HasStruck() const { return _struck; }
 
     /// Nothing goes wrong from now on; what went wrong stays so until the next reset.
     void Clear() { _faults.clear(); }
@@ -72,12 +76,14 @@ private:
     };
 
     bool AtIts(Counts counts) const;
+    bool IsSpent(const Armed& armed) const;
 
     std::vector<Armed> _faults;
     const Watch& _watch;
     std::array<unsigned, COUNTS> _counted{};
     Counts _request = Counts::REQUESTS; // what else the last request counts as
     Outage _outage = Outage::NONE;
+    bool _struck = false;
 };
 
 } // namespace VirtualModule

@@ -26,22 +26,15 @@ FatalEvent FullEvent(unsigned errorCode) {
     return event;
 }
 
-Board::Wiring BehindDpRam(Board::Wiring wiring, FaultyDpRam* dpRam) {
-    wiring.memory = dpRam != nullptr ? dpRam->ModuleSide() : wiring.memory;
-    return wiring;
-}
-
 } // namespace
 
-FaultyBoard::FaultyBoard(Wiring wiring, FaultInjector& faults)
-    : FaultyBoard(wiring, faults,
-                  FaultyDpRam::IsNeeded(faults) ? std::make_unique<FaultyDpRam>(wiring.memory, faults)
-                                                : nullptr) {}
-
-FaultyBoard::FaultyBoard(Wiring wiring, FaultInjector& faults, std::unique_ptr<FaultyDpRam> faulty)
-    : Board(BehindDpRam(std::move(wiring), faulty.get())), _faults(faults), _faultyDpRam(std::move(faulty)) {}
+FaultyBoard::FaultyBoard(Wiring wiring, FaultInjector& faults) : Board(std::move(wiring)), _faults(faults) {}
 
 Board::Phase FaultyBoard::Look(std::int64_t now) {
+    if (!_faultyDpRam && FaultyDpRam::IsNeeded(_faults)) {
+        _faultyDpRam = std::make_unique<FaultyDpRam>(_wiring.memory, _faults);
+        dpRam.MoveTo(_faultyDpRam->ModuleSide());
+    }
     if (_faultyDpRam) {
         _faultyDpRam->TakeHostWrites();
         _faultyDpRam->Show();

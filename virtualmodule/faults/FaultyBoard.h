@@ -19,9 +19,6 @@ public:
     void Indicate(std::initializer_list<std::size_t> registers, unsigned value) override;
 
 private:
-    /// Behind the DPRAM `faulty`; null while it is good.
-    FaultyBoard(Wiring wiring, FaultInjector& faults, std::unique_ptr<FaultyDpRam> faulty);
-
     void Boot(std::int64_t now, std::int64_t delay) override;
     void PullInterrupt() override;
 
@@ -33,11 +30,11 @@ private:
     unsigned FalsifyIndication(unsigned indication);
 
     FaultInjector& _faults;
-    std::unique_ptr<FaultyDpRam> _faultyDpRam;
-    bool _counted = false;     // the reset that the module is in
-    bool _bootloader = false;  // is what booted last
-    bool _interrupted = false; // it has done so since
-    unsigned _bounces = 0;     // how often the last interrupt was repeated
+    std::unique_ptr<FaultyDpRam> _faultyDpRam; // from the first fault on that needs it
+    bool _counted = false;                     // the reset that the module is in
+    bool _bootloader = false;                  // is what booted last
+    bool _interrupted = false;                 // it has done so since
+    unsigned _bounces = 0;                     // how often the last interrupt was repeated
 };
 
 } // namespace VirtualModule

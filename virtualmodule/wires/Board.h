@@ -39,6 +39,9 @@ public:
     /// Looks at the lines. To be called once in each step of the module.
     virtual Phase Look(std::int64_t now);
 
+    /// The module boots in the same release of reset, as after its supply has failed.
+    void Restart(std::int64_t now) { Boot(now, _wiring.bootDelay); }
+
     /// The program that starts is the bootloader.
     bool BootloaderEnabled() const { return _wiring.lines.BootloaderEnabled(); }
 

@@ -23,6 +23,9 @@ public:
     /// On `memory`, exactly SIZE bytes; std::invalid_argument otherwise.
     explicit DpRam(std::span<volatile std::uint8_t> memory);
 
+    /// Works on `memory` from now on, which holds the same SIZE bytes.
+    void MoveTo(std::span<volatile std::uint8_t> memory) { _memory = memory; }
+
     /// Zeroes everything and makes every byte the module's.
     void Clear();
 

@@ -108,6 +108,18 @@ Action AddModule(CLI::App& command) {
         ->allow_extra_args(false)
         ->type_name("ADDRESS")
         ->check(CLI::Range(0u, HIGHEST_ADDRESS).description(""));
+    command
+        .add_option("--publish", options->publish.name,
+                    "Offer the module on D-Bus as org.libvesk.VirtualModule.NAME, for a model of the plant "
+                    "that plays its "
+                    "slaves: docs/guide.md")
+        ->type_name("NAME")
+        ->check(PublishedModule::CheckName);
+    command
+        .add_option("--bus", options->publish.bus,
+                    "The bus for --publish: session, system, or an address like unix:path=/tmp/bus (session)")
+        ->type_name("BUS")
+        ->envname("VESK_BUS");
     command.add_flag("--log", options->log,
                      "Print every indication, message and change of state, with the seconds since the start");
     command

@@ -26,6 +26,8 @@ ModuleProcess::ModuleProcess(Options options, const Console& console)
           ModuleOptions()) {
     if (_options.log)
         _module.SetLog([this](const std::string& text) { Log(text); });
+    if (!_options.publish.name.empty())
+        _published.emplace(_options.publish, _module);
 }
 
 std::int64_t ModuleProcess::ModuleTime() const {
@@ -36,6 +38,7 @@ std::int64_t ModuleProcess::ModuleTime() const {
 /// What the host is told it may rely on, even if this process is killed the next moment.
 VirtualModule::Options ModuleProcess::ModuleOptions() {
     VirtualModule::Options options = _options.module;
+    options.faultsOnRequest = !_options.publish.name.empty();
     options.beforeInterrupt = [this] { SaveFlash(); };
     return options;
 }
@@ -80,6 +83,8 @@ void ModuleProcess::Execute() {
         _module.Step();
         SaveFlash(); // what is written long before its answer, or never answered
         ReportViolations();
+        if (_published)
+            _published->Serve();
     } while (sigtimedwait(&ends, nullptr, lines.ResetAsserted() ? &REST_IN_RESET : &REST) < 0);
     if (_reportedViolations > 0)
         _console.err << "vesk: the host broke the protocol "

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "tools/vesk/jobs/PublishedModule.h"
 #include "tools/vesk/jobs/SharedFile.h"
 #include "tools/vesk/text/Console.h"
 #include "virtualmodule/Module.h"
@@ -26,12 +27,13 @@ public:
         std::string flashPath; // empty: the flash lasts as long as the process
         VirtualModule::Options module;
         std::vector<unsigned int> absentSlaves; // addresses at which nothing answers on the bus
-        double speed = 1;                       // of the module's clock
+        PublishedModule::Options publish;
+        double speed = 1; // of the module's clock
         bool log = false;
     };
 
     /// Takes the files, each of which serves one module at a time: InUse. Failure, or std::runtime_error for
-    /// the flash, where one cannot be used.
+    /// the flash, where one cannot be used; Failure too where it cannot be published as it should be.
     ModuleProcess(Options options, const Console& console);
 
     /// Plays the module until SIGINT, SIGTERM or SIGHUP.
@@ -55,6 +57,7 @@ private:
     VirtualModule::Flash _flash;
     std::uint64_t _savedWrites = 0;
     VirtualModule::Module _module;
+    std::optional<PublishedModule> _published;
     std::size_t _reportedViolations = 0;
 };
 
