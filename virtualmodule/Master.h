@@ -27,7 +27,7 @@ public:
     bool Exchanges(std::uint8_t address) const { return _bus.InExchange(address); }
 
     /// The host is still to answer the last interrupt.
-    bool AwaitsHost() const { return _state == State::INDICATING; }
+    bool AwaitsHost() const { return _state == State::INDICATING && !HostHasWritten(); }
 
     /// The next indication is the fatal one, and the last.
     void RaiseFatal(const FatalEvent& event);
