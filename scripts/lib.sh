@@ -5,8 +5,8 @@ set -euo pipefail
 cd "$(dirname "${BASH_SOURCE[0]}")/.."
 
 BUILD_PACKAGES=(g++ cmake ninja-build pkg-config libcli11-dev nlohmann-json3-dev libtomlplusplus-dev libgpiod-dev
-    libedit-dev)
-TEST_PACKAGES=(libgtest-dev libgmock-dev)
+    libedit-dev libsdbus-c++-dev libsdbus-c++-bin)
+TEST_PACKAGES=(libgtest-dev libgmock-dev dbus python3-dbus python3-gi)
 
 # Prints what happened as the last line and ends the script.
 fail() {
@@ -23,6 +23,11 @@ found_without_packages() {
         libtomlplusplus-dev) have_header toml++/toml.h ;;
         libgpiod-dev) have_header gpiod.h ;;
         libedit-dev) have_header editline/readline.h ;;
+        libsdbus-c++-dev) have_header sdbus-c++/sdbus-c++.h ;;
+        libsdbus-c++-bin) command -v sdbus-c++-xml2cpp ;;
+        dbus) command -v dbus-daemon ;;
+        python3-dbus) python3 -c 'import dbus' ;;
+        python3-gi) python3 -c 'import gi' ;;
         libgtest-dev) have_header gtest/gtest.h ;;
         libgmock-dev) have_header gmock/gmock.h ;;
         libbenchmark-dev) have_header benchmark/benchmark.h ;;
