@@ -24,6 +24,7 @@ private:
     }
 
     TemporaryFolder _folder;
-    Process _daemon{"/usr/bin/dbus-daemon",
-                    {"--nofork", "--print-address", "--config-file=" + _folder.Put("bus.conf", Configuration())}};
+    Process _daemon{
+        "/usr/bin/dbus-daemon",
+        {"--nofork", "--print-address", "--config-file=" + _folder.Put("bus.conf", Configuration())}};
 };

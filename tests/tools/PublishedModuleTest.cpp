@@ -174,9 +174,10 @@ TEST_F(PublishedModuleTest, TheExampleFollowsItsSetPoint) {
     Process model(python, {SOURCE_DIR "/examples/plant_model.py", "plant", bus.Address()});
     ASSERT_TRUE(model.WaitForOut("ready")) << model.Err();
     RunTool::Text(With({"download", PLANT}));
-    const std::string script = "(echo set 3 0064ffff; while sleep 0.05; do echo output 3; done) | exec " VESK_TOOL
-                               " shell --config " +
-                               std::string(PLANT) + " --dpram " + dpRam + " --lines " + lines;
+    const std::string script =
+        "(echo set 3 0064ffff; while sleep 0.05; do echo output 3; done) | exec " VESK_TOOL
+        " shell --config " +
+        std::string(PLANT) + " --dpram " + dpRam + " --lines " + lines;
     Process host("/bin/sh", {"-c", script});
     EXPECT_TRUE(host.WaitForOut("00 64 00 00 ")) << host.Out() << host.Err() << model.Err();
     host.End(SIGKILL);

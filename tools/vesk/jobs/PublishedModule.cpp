@@ -188,9 +188,12 @@ PublishedModule::PublishedModule(const Options& options, VirtualModule::Module& 
                   "\": " + (taken ? "another program has this name" : error.getMessage()));
 }
 
-void PublishedModule::Serve() try { _object->Serve(); } catch (const sdbus::Error& error) {
-
-    throw Failure("the connection to D-Bus is lost: " + error.getMessage());
+void PublishedModule::Serve() {
+    try {
+        _object->Serve();
+    } catch (const sdbus::Error& error) {
+        throw Failure("the connection to D-Bus is lost: " + error.getMessage());
+    }
 }
 
 #else
