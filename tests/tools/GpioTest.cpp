@@ -5,7 +5,7 @@
 #include "tests/support/TestClock.h"
 #include "tools/vesk/session/LinkOptions.h"
 #include "tools/vesk/session/PlantFlash.h"
-#include "tools/vesk/session/Session.h"
+#include "tools/vesk/session/OwnSession.h"
 #include "vesk/hostinterface/RuntimeConfig.h"
 #include "virtualmodule/InProcess.h"
 
@@ -124,7 +124,7 @@ protected:
 
 TEST_F(GpioTest, TheLinesBringAModuleUp) {
     {
-        Session session(Open("gpiochip0:a:reset=2,irq=17,boot=4"), nullptr);
+        OwnSession session(Open("gpiochip0:a:reset=2,irq=17,boot=4"), nullptr);
         EXPECT_THAT(requests, ElementsAre("output 2 vesk 0", "output 4 vesk 1", "input 17 vesk"));
         session.OnUpdate([this] { clock.Advance(1'000'000); });
         session.Reach(Need::OPERATING);

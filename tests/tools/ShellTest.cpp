@@ -3,6 +3,7 @@
 #include "tests/support/ModuleFiles.h"
 #include "tests/support/RunTool.h"
 #include "tests/support/TestClock.h"
+#include "tools/vesk/session/OwnSession.h"
 #include "tools/vesk/session/PlantFlash.h"
 #include "tools/vesk/verbs/ProcessVerbs.h"
 
@@ -16,7 +17,7 @@ namespace {
 
 TEST(ShellTest, AWatchShowsWhatHasChanged) {
     TestClock clock;
-    Session session(InProcessLink(), nullptr);
+    OwnSession session(InProcessLink(), nullptr);
     session.OnUpdate([&] { clock.Advance(1'000'000); });
     static const char* const DATA[]{"0a0b0c0d", "0a0b0c0d", "ff0bfffe", "ff0bff", "ff0bff00"};
     const Verb verb{Need::NOTHING,

@@ -7,7 +7,7 @@
 #include "tools/vesk/jobs/Jobs.h"
 #include "tools/vesk/session/BootloaderSession.h"
 #include "tools/vesk/session/LinkOptions.h"
-#include "tools/vesk/session/Session.h"
+#include "tools/vesk/session/OwnSession.h"
 #include "tools/vesk/text/ByteText.h"
 #include "tools/vesk/text/Failure.h"
 #include "tools/vesk/text/Interruption.h"
@@ -103,7 +103,7 @@ void Flash::ShowFile() {
 }
 
 Flash::Versions Flash::RunMaster() {
-    Session session(_link, nullptr);
+    OwnSession session(_link, nullptr);
     session.Reach(Need::BOOTED);
     if (!_options.bootloader)
         _replaced = {session.Module().SoftwareMajor(), session.Module().SoftwareMinor()};

@@ -5,6 +5,7 @@
 #include "tools/vesk/files/DatabaseFile.h"
 #include "tools/vesk/jobs/Jobs.h"
 #include "tools/vesk/session/LinkOptions.h"
+#include "tools/vesk/session/OwnSession.h"
 #include "tools/vesk/session/PlantFlash.h"
 #include "tools/vesk/session/StationLists.h"
 #include "tools/vesk/text/ByteText.h"
@@ -59,7 +60,7 @@ void Run::Execute() {
 
 void Run::FirstLife() {
     Line("\nFirst life");
-    Session session(_link, _config);
+    OwnSession session(_link, _config);
     BringUp(session);
     ShowModule(session);
     ProcessImage image(*_config, session.Module());
@@ -75,7 +76,7 @@ void Run::FirstLife() {
 
 void Run::SecondLife() {
     Line("\nSecond life, on the same flash");
-    Session session(_link, _config);
+    OwnSession session(_link, _config);
     BringUp(session);
     session.Reach(Need::INITIALISED);
     if (session.Downloads() != 0)
@@ -94,7 +95,7 @@ void Run::BringUp(Session& session) {
 }
 
 void Run::ShowModule(Session& session) {
-    Vt22Module& module = session.Module();
+    IDPVMModule& module = session.Module();
     Line("  module type " + Hex(module.ModuleType()) + ", fieldbus type " + Hex(module.FieldbusType()) +
          ", vendor " + Hex(module.VendorId()) + ", serial " + Hex(module.Serial()) + ", firmware " +
          session.FirmwareVersion() + ", bootloader " + session.BootloaderVersion());
@@ -177,7 +178,7 @@ static void CheckReadBack(Session& session, const Session::Service& read, const 
 void Run::UseServices(Session& session) {
     if (_config->SlaveAddresses()->Count() == 0)
         return Line("  no slave, so no acyclic services");
-    Vt22Module& module = session.Module();
+    IDPVMModule& module = session.Module();
     const unsigned char slave = _config->SlaveAddresses()->Get(0);
     const std::string record = " of record " + std::to_string(TEST_SLOT) + "/" + std::to_string(TEST_INDEX) +
                                " of slave " + std::to_string(slave);
@@ -205,7 +206,7 @@ void Run::UseServices(Session& session) {
 }
 
 void Run::ShowBus(Session& session) {
-    Vt22Module& module = session.Module();
+    IDPVMModule& module = session.Module();
     const Bytes liveList =
         session.Ask([&](ResponseAction a) { module.GetLiveList(a); }, "the live list")->Data();
     const auto show = [this](const char* name, const char* key, const std::vector<int>& stations) {

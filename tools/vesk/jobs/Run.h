@@ -2,6 +2,7 @@
 #pragma once
 
 #include "tools/vesk/jobs/ProcessImage.h"
+#include "tools/vesk/session/Link.h"
 #include "tools/vesk/session/Session.h"
 #include "tools/vesk/text/Console.h"
 

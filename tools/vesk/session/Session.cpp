@@ -4,13 +4,9 @@
 #include "tools/vesk/session/Dumps.h"
 #include "tools/vesk/text/Interruption.h"
 #include "tools/vesk/text/Text.h"
-#include "vesk/modules/dpvm/CreateHostInterface.h"
-#include "vesk/modules/dpvm/DPVMMessages.h"
-#include "vesk/modules/dpvm/Vt22FatalEventException.h"
 
 #include <algorithm>
 #include <chrono>
-#include <csignal>
 #include <thread>
 
 namespace VeskTool {
@@ -21,13 +17,6 @@ using Vesk::Mailbox::ErrorCode;
 
 static constexpr double TIMEOUT_SECONDS = 15;
 
-/// How long slaves may take to be parameterised, configured and taken into the exchange.
-static constexpr double SETTLING_SECONDS = 1;
-
-// The word of an INVALID_OTHER answer that says why, and its value where there is no database.
-static constexpr int REASON_WORD = 7;
-static constexpr unsigned short NO_DATABASE = 1;
-
 Refusal::Refusal(const std::string& what, ErrorCode& error)
     : Refusal("The module refused " + what + ": " + error.Name.Value() + " (" + Hex(error.Id) + ")",
               error.Id) {}
@@ -35,25 +24,21 @@ Refusal::Refusal(const std::string& what, ErrorCode& error)
 Refusal::Refusal(const std::string& whole, unsigned char code)
     : Failure(whole, "Refusal", whole), _code(code) {}
 
-Session::Session(Link link, std::shared_ptr<Config::IBusConfig> config)
-    : _link(std::move(link)), _config(std::move(config)) {
-    Restart();
-}
-
-void Session::Restart() {
-    _module.reset(); // its end would reset the next one's module
+Session::Callbacks Session::End() {
+    _module.reset();
     Dumps::KeepNone();
     _settled = false;
     _steps.clear();
     _start = DateTime::Now();
     const auto reports = _reports = std::make_shared<Reports>();
-    _module = Vt22Module::Create(
-        CreateHostInterface(_link.dpRamPath, _link.offset, _link.velmoIrq_n, _link.reset_n,
-                            _link.bootloader_enable_n),
-        System::Func<void>::Create([reports] { reports->online = false; }),
-        System::Func<void>::Create([reports] { reports->online = true; }),
-        System::ArgFunc<OperationMode, void>::Create([reports](OperationMode mode) { reports->mode = mode; }),
-        _config);
+    return {System::Func<void>::Create([reports] { reports->online = false; }),
+            System::Func<void>::Create([reports] { reports->online = true; }),
+            System::ArgFunc<OperationMode, void>::Create(
+                [reports](OperationMode mode) { reports->mode = mode; })};
+}
+
+void Session::Begin(std::shared_ptr<IDPVMModule> module) {
+    _module = std::move(module);
     NoteState();
 }
 
@@ -81,49 +66,6 @@ int Session::Downloads() const {
     return static_cast<int>(resets) - 1; // the first one is that of the start
 }
 
-// ---- how far the module is
-
-void Session::Reach(Need need) {
-    CheckAlive();
-    if (need == Need::NOTHING)
-        return;
-    UpdateUntil([this] { return _module->Booted(); }, "BOOTED");
-    if (need == Need::BOOTED)
-        return;
-    if (_config)
-        UpdateUntil([this] { return _module->Configured(); }, "DOWNLOAD_COMPLETE");
-    if (need == Need::CONFIGURED)
-        return;
-    Initialise();
-    if (need == Need::OPERATING)
-        Operate();
-}
-
-void Session::Initialise() {
-    if (_module->State() < State::INITIALIZING) {
-        const auto database = _config ? _module->GetDatabaseInfo() : AskForDatabase();
-        if (!database)
-            throw Failure("The module holds no database, so it cannot go onto a bus");
-        _inputs.Map(*_module, database->Description.Value());
-        _module->BeginInitialization();
-    }
-    UpdateUntil([this] { return _module->Initialized(); }, "INITIALIZED");
-}
-
-void Session::Operate() {
-    if (_settled)
-        return;
-    SetMode(OperationMode_e::OPERATE);
-    UpdateFor(SETTLING_SECONDS, [this] { return AllExchange(); });
-    _settled = true;
-}
-
-bool Session::AllExchange() {
-    const auto configured = _module->GetSlaveConfiguredList();
-    const auto dataTransfer = _module->GetDataTransferList();
-    return std::equal(configured->Data(), configured->Data() + configured->Count(), dataTransfer->Data());
-}
-
 // ---- the loop
 
 void Session::CheckAlive() const {
@@ -131,29 +73,15 @@ void Session::CheckAlive() const {
         throw Failure("The life of the module has ended, so nothing can be asked of it");
 }
 
-/// What the signal does to the module.
-std::string Session::AfterSignal(int signal) const {
-    return signal == SIGINT && _outlivesInterrupts ? "; the module goes on" : "; the module is in reset";
-}
-
 void Session::Update() {
     CheckAlive();
     StopIfSignalled([this](int signal) {
-        return "in the state " + Vt22Module::StateToString(_module->State()).Value() + AfterSignal(signal);
+        return "in the state " + Vt22Module::StateToString(ModuleState()).Value() + AfterSignal(signal);
     });
-    try {
-        if (_cycle)
-            _cycle->Do([this] { _module->Update(); });
-        else
-            _module->Update();
-    } catch (const Vt22FatalEventException&) {
-        Dumps::Keep();
-        _module.reset();
-        throw;
-    } catch (...) {
-        _module.reset();
-        throw;
-    }
+    if (_cycle)
+        _cycle->Do([this] { UpdateModule(); });
+    else
+        UpdateModule();
     NoteState();
     Pause(std::chrono::microseconds(_cycle ? 0 : 20));
 }
@@ -166,7 +94,7 @@ void Session::Pause(std::chrono::microseconds rest) {
 }
 
 void Session::NoteState() {
-    const State state = _module->State();
+    const State state = ModuleState();
     if (!_steps.empty() && _steps.back().state == state)
         return;
     _steps.push_back({state, SecondsSince(_start) * 1000});
@@ -219,20 +147,6 @@ Session::Response Session::Ask(const Service& service, const std::string& what) 
     if (answer->Error() != ErrorCode::NO_ERROR)
         throw Refusal(what, *answer->Error());
     return answer;
-}
-
-std::shared_ptr<DatabaseInfo> Session::AskForDatabase() {
-    const std::string what = "the request for the database information";
-    const Response answer = TryAsk(
-        [this](IDPVMModule::ResponseAction action) {
-            _module->Enqueue(DPVMMessages::GetDatabaseInfo(), std::move(action), SERVICE_SECONDS);
-        },
-        what);
-    if (answer->Error() == ErrorCode::NO_ERROR)
-        return DatabaseInfo::FromMailboxResponse(answer);
-    if (answer->Error() == ErrorCode::INVALID_OTHER && answer->Extended()->Get(REASON_WORD) == NO_DATABASE)
-        return nullptr;
-    throw Refusal(what, *answer->Error());
 }
 
 void Session::SetMode(OperationMode mode) {

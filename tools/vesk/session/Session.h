@@ -2,8 +2,6 @@
 #pragma once
 
 #include "tools/vesk/session/Cycle.h"
-#include "tools/vesk/session/Link.h"
-#include "tools/vesk/session/ProcessData.h"
 #include "tools/vesk/text/Failure.h"
 #include "vesk/modules/dpvm/Vt22Module.h"
 #include "vesk/system/DateTime.h"
@@ -11,6 +9,7 @@
 #include <chrono>
 #include <functional>
 #include <optional>
+#include <span>
 #include <string>
 #include <vector>
 
@@ -42,9 +41,9 @@ private:
     unsigned char _code;
 };
 
-/// One life of the master module: the module object, the loop around its Update, and what the module reported
-/// meanwhile. A new session resets the module. Its time-outs run on the library's clock. An exception out of
-/// an Update ends the life and puts the module into reset; everything but Restart is a Failure then.
+/// One life of the master module: the object that stands for the module, the loop around its Update, and what
+/// the module reported meanwhile. Whose module it is, the derived classes know: OwnSession and RemoteSession.
+/// Time-outs run on the library's clock.
 class Session {
 public:
     using State = Vesk::Modules::DPVM::Vt22Module::ModuleState_e;
@@ -60,12 +59,12 @@ public:
         double milliseconds; // since the start of the session
     };
 
-    /// `config` may be null: then the module's database is taken as it is. The library's exceptions pass
-    /// through.
-    Session(Link link, std::shared_ptr<Vesk::Modules::DPVM::Config::IBusConfig> config);
+    virtual ~Session() = default;
+    Session(const Session&) = delete;
+    Session& operator=(const Session&) = delete;
 
-    /// Begins another life: the module object goes, and a new one resets the module. Input data are 0 again.
-    void Restart();
+    /// Begins another life; what was reported in the one before is forgotten.
+    virtual void Restart() = 0;
 
     /// Whether the life goes on.
     bool Alive() const { return _module != nullptr; }
@@ -73,10 +72,12 @@ public:
     /// From now on SIGINT ends what the session waits for, but not the life.
     void OutliveInterrupts() { _outlivesInterrupts = true; }
 
-    /// What goes to the slaves. Its places have to be there before the module is initialised.
-    InputData& Inputs() { return _inputs; }
+    Vesk::Modules::DPVM::IDPVMModule& Module() { return *_module; }
 
-    Vesk::Modules::DPVM::Vt22Module& Module() { return *_module; }
+    /// The module itself, for what only its owner can do; Failure where it belongs to an application.
+    virtual Vesk::Modules::DPVM::Vt22Module& Own() = 0;
+
+    virtual State ModuleState() const = 0;
 
     /// The versions of the module's programs, "1.4.2" and "2.1", once it has booted.
     std::string FirmwareVersion() const;
@@ -92,9 +93,8 @@ public:
     /// it.
     void In(Cycle* cycle) { _cycle = cycle; }
 
-    /// Goes on until the module is as far as that; returns at once where it is already, and does not leave
-    /// an operation mode that was set. Failure where the module holds no database.
-    void Reach(Need need);
+    /// Goes on until the module is as far as that, or says that it is not; Failure then.
+    virtual void Reach(Need need) = 0;
 
     /// One Update, and a moment's rest for the processor. Interrupted, here and wherever it waits, when a
     /// signal has come.
@@ -119,7 +119,14 @@ public:
     Response Ask(const Service& service, const std::string& what);
 
     /// What the module says about its database; null if it holds none. Refusal for any other error.
-    std::shared_ptr<Vesk::Modules::DPVM::DatabaseInfo> AskForDatabase();
+    virtual std::shared_ptr<Vesk::Modules::DPVM::DatabaseInfo> AskForDatabase() = 0;
+
+    /// Takes the places of input data from `places`, which may be null. Before the module is initialised.
+    virtual void TakePlaces(std::shared_ptr<Vesk::Modules::DPVM::Config::IBusConfig> places) = 0;
+
+    /// Sets bytes of the input data of the slave at `address`, which the module sends to it, from its byte
+    /// `offset` on. They stay as long as the life. Failure where they have no place.
+    virtual void SetInput(unsigned int address, std::size_t offset, std::span<const unsigned char> bytes) = 0;
 
     /// Asks for an operation mode and updates until the module reports it.
     void SetMode(OperationMode mode);
@@ -138,28 +145,46 @@ public:
 
     std::optional<OperationMode> Mode() const { return _reports->mode; }
 
+protected:
+    /// What a module object reports through its callbacks.
+    struct Callbacks {
+        std::shared_ptr<System::IFunc<void>> offline;
+        std::shared_ptr<System::IFunc<void>> online;
+        std::shared_ptr<System::IArgFunc<OperationMode, void>> mode;
+    };
+
+    Session() = default;
+
+    /// Ends the life; what the next object reports comes through the callbacks.
+    Callbacks End();
+    /// The next object is there.
+    void Begin(std::shared_ptr<Vesk::Modules::DPVM::IDPVMModule> module);
+
+    /// The Update of the object.
+    virtual void UpdateModule() = 0;
+
+    /// What a signal does to the module, as the end of a sentence: "; the module is in reset".
+    virtual std::string AfterSignal(int signal) const = 0;
+
+    void CheckAlive() const;
+
+    bool OutlivesInterrupts() const { return _outlivesInterrupts; }
+
+    std::shared_ptr<Vesk::Modules::DPVM::IDPVMModule> _module; // null when the life has ended
+    bool _settled = false; // the slaves had their time, or another mode than OPERATE is wanted
+
 private:
     struct Reports {
         std::optional<bool> online;
         std::optional<OperationMode> mode;
     };
 
-    void CheckAlive() const;
-    std::string AfterSignal(int signal) const;
     void NoteState();
     void Pause(std::chrono::microseconds rest);
-    void Initialise();
-    void Operate();
-    bool AllExchange();
 
-    Link _link;
-    std::shared_ptr<Vesk::Modules::DPVM::Config::IBusConfig> _config;
     System::DateTime _start = System::DateTime::Now();
     std::shared_ptr<Reports> _reports;
-    std::shared_ptr<Vesk::Modules::DPVM::Vt22Module> _module; // null when the life has ended
-    InputData _inputs;
     bool _outlivesInterrupts = false;
-    bool _settled = false; // the slaves had their time, or another mode than OPERATE is wanted
     std::vector<Step> _steps;
     std::function<void(const Step&)> _stateObserver;
     std::function<void()> _updateObserver;

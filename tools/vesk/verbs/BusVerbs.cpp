@@ -31,7 +31,7 @@ void CheckConfigured(const Json& addresses, const std::vector<int>& configured) 
 }
 
 Json SetStarted(Session& session, const Json& arguments, bool started) {
-    Vt22Module& module = session.Module();
+    IDPVMModule& module = session.Module();
     const Json& addresses = arguments["addresses"];
     CheckConfigured(addresses, ListedStations(*module.GetSlaveConfiguredList()));
     const auto exchanges = [&](const Json& address) {
@@ -116,13 +116,13 @@ Json AnswerSetAddress(Session& session, const Json& arguments) {
     const std::string what = "the new address " + std::to_string(to) + " for slave " + std::to_string(from);
     Session::Response answer;
     bool answers = false;
+    Vt22Module& module = session.Own();
     session.InMode(OperationMode_e::STOP, [&] {
         answer = session.TryAsk(
             [&](ResponseAction action) {
-                session.Module().Enqueue(
-                    DPVMMessages::SetSlaveAddress(from, to, identNumber, lock,
-                                                  System::Array<unsigned char>::Create(0)),
-                    std::move(action), SERVICE_SECONDS);
+                module.Enqueue(DPVMMessages::SetSlaveAddress(from, to, identNumber, lock,
+                                                             System::Array<unsigned char>::Create(0)),
+                               std::move(action), SERVICE_SECONDS);
             },
             what);
         answers = Lives(AskForLiveList(session), to);

@@ -130,7 +130,7 @@ public:
 
     /// To be called after each Update.
     void Note(bool show) {
-        const auto left = static_cast<std::size_t>(_session.Module().RecordsToDownload());
+        const auto left = static_cast<std::size_t>(_session.Own().RecordsToDownload());
         _begun = _begun || left > 0;
         bool moved = false;
         for (; _begun && _sent < _sizes.size() - left; moved = true)
@@ -141,7 +141,7 @@ public:
 
     /// What the module would be left with if the download ended now; see CarefulWork.
     std::string LeftBehind() {
-        if (!_begun || _session.Module().State() != Vt22Module::ModuleState_e::DOWNLOADING)
+        if (!_begun || _session.ModuleState() != Vt22Module::ModuleState_e::DOWNLOADING)
             return "";
         _progress.End();
         return "with " + std::to_string(_sent) + " of " + std::to_string(_sizes.size()) +

@@ -101,7 +101,7 @@ bool Shows(Session& session, const Json& arguments) {
 
 Json AnswerSet(Session& session, const Json& arguments) {
     const auto bytes = BytesOf(arguments);
-    session.Inputs().Set(arguments["address"], arguments["offset"], bytes);
+    session.SetInput(arguments["address"], arguments["offset"], bytes);
     const auto start = System::DateTime::Now();
     bool shows = Shows(session, arguments);
     while (!shows && SecondsSince(start) < EXCHANGE_SECONDS)

@@ -180,7 +180,7 @@ std::string Examination::DatabaseMatches() {
 
 std::string Examination::Initialised() {
     _session.Reach(Need::INITIALISED);
-    return Vesk::Modules::DPVM::Vt22Module::StateToString(_session.Module().State()).Value();
+    return Vesk::Modules::DPVM::Vt22Module::StateToString(_session.ModuleState()).Value();
 }
 
 std::string Examination::BusOnline() {

@@ -2,6 +2,7 @@
 #include "tools/vesk/verbs/Verb.h"
 
 #include "tools/vesk/files/DatabaseFile.h"
+#include "tools/vesk/session/OwnSession.h"
 #include "tools/vesk/session/PlantFlash.h"
 #include "tools/vesk/text/ByteText.h"
 #include "tools/vesk/text/Console.h"
@@ -60,8 +61,8 @@ SharedBus KnownBus(const LinkOptions& link, SharedBus bus) {
 }
 
 std::unique_ptr<Session> OpenSession(const LinkOptions& link, SharedConfig config, const SharedBus& bus) {
-    auto session = std::make_unique<Session>(link.Open(PlantFlash()), std::move(config));
-    session->Inputs().TakePlaces(bus ? bus->config : nullptr);
+    auto session = std::make_unique<OwnSession>(link.Open(PlantFlash()), std::move(config));
+    session->TakePlaces(bus ? bus->config : nullptr);
     return session;
 }
 
