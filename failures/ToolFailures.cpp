@@ -21,6 +21,8 @@ constexpr std::string_view DPRAM = "Check the address and data lines of the DPRA
 constexpr std::string_view BUILD = "Check the addresses and lengths against the program's own map.";
 constexpr std::string_view UPDATE_AGAIN = "Run the update again.";
 constexpr std::string_view START_MODULE = "Check the path; vesk module makes both files, DPRAM and lines.";
+constexpr std::string_view PLANT_LOG = "Look at what its application says.";
+constexpr std::string_view PLANTS = "See which plants there are: vesk plants.";
 
 constexpr std::array TABLE{
     // where the module is
@@ -51,6 +53,52 @@ constexpr std::array TABLE{
         "The session bus gives every name; the system bus those that a file in /etc/dbus-1/system.d allows."},
     Outcome{OWN, "the connection to D-Bus is lost: *", "The bus has ended, or has sent this program away.",
             "Check whether the bus runs.", "Start the module again; its flash file has what it held."},
+    // a plant
+    Outcome{OWN, "No plant is published as *", "No application publishes its module under that name.",
+            "See which there are: vesk plants.",
+            "Check that the application runs, and on which bus it is: --bus session."},
+    Outcome{OWN, "More than one plant is published; name one with --plant", "The monitor shows one plant.",
+            PLANTS, "Name it with --plant."},
+    Outcome{OWN, "There is no terminal for the monitor; vesk monitor --once prints it",
+            "The monitor draws on the terminal of its standard output.", "Check where the output goes.",
+            "vesk monitor --once prints the same as text."},
+    Outcome{OWN, "The monitor cannot draw on this terminal; vesk monitor --once prints it",
+            "TERM names no terminal that is known here.", "Check TERM, which the terminal sets.",
+            "vesk monitor --once prints the same as text."},
+    Outcome{OWN, "this vesk was built without sdbus-c++, which plants need",
+            "The program has no way to D-Bus.", "Check which package of vesk is installed.",
+            "Build it with sdbus-c++ 1.2 or a later 1.x."},
+    Outcome{OWN, "this vesk was built without ncurses, which the monitor needs",
+            "The program cannot draw on the screen.", "Check which package of vesk is installed.",
+            "See the same once: vesk monitor --once. Or build it with ncurses."},
+    Outcome{OWN, "Plant * has left the bus",
+            "Its application has ended, or does not publish its module any more.", PLANT_LOG, PLANTS},
+    Outcome{OWN, "Plant * is not on the bus",
+            "Its application has ended, or does not publish its module any more.", PLANT_LOG, PLANTS},
+    Outcome{OWN, "Plant * does not answer",
+            "Its application is stopped or busy, or does not call Update any more.", PLANT_LOG, PLANTS},
+    Outcome{OWN, "Plant * lets nobody change anything: *",
+            "Its application publishes the module for those who only look.",
+            "Check that nothing is meant to stay as it is.",
+            "Let the application offer org.libvesk.Control1, if others may change something."},
+    Outcome{OWN, "Plant * does not let this user do that: *",
+            "The policy of the bus forbids it to this user.",
+            "Check who may, in the policy of the bus for org.libvesk.", "Ask as one of those."},
+    Outcome{OWN, "Plant * cannot be used: *", "Its application has answered with an error of its own.",
+            PLANT_LOG, ""},
+    Outcome{OWN, "The * bus cannot be used: *", "The D-Bus of the plants is not there.",
+            "Check that it runs, and that --bus or VESK_BUS names the right one.", ""},
+    Outcome{OWN, "The bus* cannot be used: *", "The D-Bus of the plants is not there.",
+            "Check that it runs, and that --bus or VESK_BUS names the right one.", ""},
+    Outcome{OWN, "The module of plant * is in *, and not yet as far as *",
+            "Its application brings the module up, or has not got further.", PLANT_LOG,
+            "See each step: vesk status --watch."},
+    Outcome{OWN, "Plant * has not read yet which database its module holds",
+            "Its application brings the module up, or has not got further.", PLANT_LOG,
+            "See each step: vesk status --watch."},
+    Outcome{OWN, "The module is that of plant *, and this is only for the program that has the module",
+            "It would change what the application relies on.",
+            "Check that the application is meant to go on.", "End it, and then try again."},
     // its life
     Outcome{OWN, "The module holds no database, so it cannot go onto a bus",
             "Nothing was downloaded into the module, or a download was not ended.",

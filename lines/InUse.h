@@ -8,12 +8,15 @@
 /// force.
 class InUse : public std::runtime_error {
 public:
-    /// "`what` is in use by `user`".
-    InUse(const std::string& what, const std::string& user)
-        : std::runtime_error(what + " is in use by " + user), _user(user) {}
+    /// "`what` is in use by `user`", which is the process of that number, or 0 where nobody knows.
+    InUse(const std::string& what, const std::string& user, long process = 0)
+        : std::runtime_error(what + " is in use by " + user), _user(user), _process(process) {}
 
     const std::string& User() const { return _user; }
 
+    long Process() const { return _process; }
+
 private:
     std::string _user;
+    long _process;
 };

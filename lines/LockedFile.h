@@ -54,8 +54,9 @@ private:
                 return;
             if ((errno != EAGAIN && errno != EACCES) || fcntl(_descriptor, F_OFD_GETLK, &lock) != 0)
                 throw std::system_error(errno, std::generic_category(), path);
+            const auto process = static_cast<long>(lock.l_len);
             if (lock.l_type != F_UNLCK) // otherwise it was given back meanwhile
-                throw InUse(path, ProcessText(static_cast<long>(lock.l_len)));
+                throw InUse(path, ProcessText(process), process);
         }
     }
 

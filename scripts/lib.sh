@@ -5,7 +5,7 @@ set -euo pipefail
 cd "$(dirname "${BASH_SOURCE[0]}")/.."
 
 BUILD_PACKAGES=(g++ cmake ninja-build pkg-config libcli11-dev nlohmann-json3-dev libtomlplusplus-dev libgpiod-dev
-    libedit-dev libsdbus-c++-dev libsdbus-c++-bin)
+    libedit-dev libncurses-dev libsdbus-c++-dev libsdbus-c++-bin)
 TEST_PACKAGES=(libgtest-dev libgmock-dev dbus python3-dbus python3-gi)
 
 # Prints what happened as the last line and ends the script.
@@ -23,6 +23,7 @@ found_without_packages() {
         libtomlplusplus-dev) have_header toml++/toml.h ;;
         libgpiod-dev) have_header gpiod.h ;;
         libedit-dev) have_header editline/readline.h ;;
+        libncurses-dev) have_header ncurses.h ;;
         libsdbus-c++-dev) have_header sdbus-c++/sdbus-c++.h ;;
         libsdbus-c++-bin) command -v sdbus-c++-xml2cpp ;;
         dbus) command -v dbus-daemon ;;

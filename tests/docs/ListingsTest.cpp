@@ -86,6 +86,7 @@ private:
         const std::string plant = ModuleFiles::PLANT;
         for (const auto& [written, meant] : {std::pair<const char*, std::string>{"/tmp/", _folder.Path("")},
                                              {"FILE\\.ddb", plant},
+                                             {"FILE\\.toml", SOURCE_DIR "/examples/plant.toml"},
                                              {"A B", plant + " " + plant},
                                              {"FILE\\.gsd", SOURCE_DIR "/examples/drive.gsd"},
                                              {"FILE\\.fw", ModuleFiles::FIRMWARE},

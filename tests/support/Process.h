@@ -87,7 +87,7 @@ public:
         for (const int signal : {SIGINT, SIGTERM, SIGHUP, SIGPIPE}) // whoever runs the tests may ignore some
             ::signal(signal, SIG_DFL);
         // Where the module is, is the test's affair alone.
-        for (const char* variable : {"VESK_DPRAM", "VESK_OFFSET", "VESK_LINES", "VESK_GPIO"})
+        for (const char* variable : {"VESK_DPRAM", "VESK_OFFSET", "VESK_LINES", "VESK_GPIO", "VESK_BUS"})
             ::unsetenv(variable);
         Arguments words;
 #ifdef TEST_EMULATOR // which the programs of this build need; scripts and shells are the machine's own

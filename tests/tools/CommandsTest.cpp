@@ -19,9 +19,9 @@ Arguments Words(const std::string& text) {
 
 TEST(CommandsTest, EachSaysWhatItDoesAndHow) {
     const std::string all = RunTool::Text({"--help"});
-    const Arguments withoutJson{"config",        "firmware",       "gsd",
-                                "flash",         "module",         "config decompile",
-                                "config header", "firmware build", "generate"};
+    const Arguments withoutJson{"config",         "firmware",         "gsd",     "flash",
+                                "module",         "config decompile", "monitor", "config header",
+                                "firmware build", "generate"};
     for (const auto& [name, group, text, add, failed, alone] : VeskTool::Commands()) {
         SCOPED_TRACE(name);
         const std::string help = RunTool::Text(RunTool::Join(Words(name), {"--help"}));

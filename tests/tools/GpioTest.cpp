@@ -4,8 +4,8 @@
 #include "tests/support/RunTool.h"
 #include "tests/support/TestClock.h"
 #include "tools/vesk/session/LinkOptions.h"
-#include "tools/vesk/session/PlantFlash.h"
 #include "tools/vesk/session/OwnSession.h"
+#include "tools/vesk/session/PlantFlash.h"
 #include "vesk/hostinterface/RuntimeConfig.h"
 #include "virtualmodule/InProcess.h"
 

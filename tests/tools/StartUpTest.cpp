@@ -5,6 +5,7 @@
 #include "tests/support/TemporaryFolder.h"
 #include "tests/support/TestClock.h"
 #include "tools/vesk/session/Dumps.h"
+#include "tools/vesk/session/OwnSession.h"
 #include "tools/vesk/session/PlantFlash.h"
 #include "tools/vesk/text/Text.h"
 #include "vesk/hostinterface/RuntimeConfig.h"
@@ -24,7 +25,7 @@ struct Bench {
         link.velmoIrq_n = System::Func<bool>::Create([this] { return dead || module.VelmoIrq_n(); });
         link.reset_n = ModuleLines(module).reset_n;
         link.bootloader_enable_n = ModuleLines(module).bootloaderEnable_n;
-        session = std::make_unique<Session>(link, nullptr);
+        session = std::make_unique<OwnSession>(link, nullptr);
         session->OnUpdate([this] { clock.Advance(1'000'000); });
         return *session;
     }

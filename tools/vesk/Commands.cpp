@@ -5,7 +5,10 @@
 #include "tools/vesk/explain/Explain.h"
 #include "tools/vesk/files/FileCommands.h"
 #include "tools/vesk/jobs/Jobs.h"
+#include "tools/vesk/monitor/Monitor.h"
+#include "tools/vesk/session/PublishedPlants.h"
 #include "tools/vesk/shell/Shell.h"
+#include "tools/vesk/verbs/Verb.h"
 #include "tools/vesk/verbs/Verbs.h"
 
 namespace VeskTool {
@@ -77,6 +80,24 @@ const std::vector<Command>& Commands() {
          "Example: vesk shell\n"
          "Example: vesk shell --json < script",
          [](CLI::App& app) { return AddShell(app, AddSharingCommands); }, FAILED, ALONE},
+        {"plants", MODULE,
+         "List the plants: modules that applications have and publish on D-Bus.\n"
+         "With --plant NAME the commands that talk to a module ask the application, which goes on "
+         "undisturbed: "
+         "nothing is reset. So they do by themselves where the module of --dpram is in use by such an "
+         "application.\n"
+         "write, mode, start, stop and set need an application that lets others change something.\n"
+         "Example: vesk plants\n"
+         "Example: vesk --plant press status",
+         AddPlants},
+        {"monitor", MODULE,
+         "Show a plant on the whole terminal: state, operation mode, times of its cycle, all stations in a "
+         "grid, "
+         "the data of a slave with what has changed, and a line for whatever happens. The keys stand at the "
+         "bottom. It is the plant of --plant, or the only one; nothing is reset.\n"
+         "Example: vesk monitor --plant press\n"
+         "Example: vesk monitor --once --slave 5",
+         AddMonitor, FAILED, ALONE},
 
         {"slaves", BUS,
          "Show each slave in a line, with the lengths of its input (to the bus) and output (from the bus), "
@@ -126,7 +147,9 @@ const std::vector<Command>& Commands() {
          "Set input data of a slave, which the master sends to it, and wait until the master has them; exit "
          "status 3 if it does not take them. They last as long as the life of the module: in `vesk shell` "
          "until "
-         "it ends. Otherwise the module goes back into reset at once, so what it shows is whether it works.\n"
+         "it ends. With --plant they go out in place of the application's own until Ctrl-C, or for "
+         "--seconds. "
+         "Otherwise the module goes back into reset at once, so what it shows is whether it works.\n"
          "Where a slave has its bytes, only the configuration of the module says: --config. A virtual module "
          "has that of examples/plant.ddb." +
              ON_THE_BUS + "\nExample: vesk set 5 0a0b0c\nExample: vesk set 5 4 \"0a 0b\"",
@@ -239,6 +262,12 @@ const std::vector<Command>& Commands() {
     return COMMANDS;
 }
 
+/// Whether it can be told which module is meant, if it needs one at all.
+static bool AsksModule(const CLI::App& command) {
+    return SharedLife::Current() || command.get_name() == "monitor" ||
+           command.get_option_no_throw("--virtual");
+}
+
 /// Lets what is wrong with the arguments be said in the order in which they stand.
 static void TakeInOrder(CLI::App& command) {
     for (CLI::Option* const option : command.get_options())
@@ -264,7 +293,10 @@ static void AddCommand(CLI::App& program, const Command& row, int& status, int& 
         command.require_subcommand(1);
         return;
     }
-    command.callback([act = row.add(command), whenFailed = row.failed, &status, &failed] {
+    command.callback([act = row.add(command), name = row.name, asks = AsksModule(command),
+                      whenFailed = row.failed, &status, &failed] {
+        if (!asks && !PublishedPlants::Named().empty())
+            throw CLI::ValidationError("--plant", name + " asks no module");
         failed = whenFailed;
         status = act();
     });

@@ -2,6 +2,7 @@
 #include "tools/vesk/Commands.h"
 #include "tools/vesk/explain/Telling.h"
 #include "tools/vesk/session/Dumps.h"
+#include "tools/vesk/session/PublishedPlants.h"
 #include "tools/vesk/text/StandardOutput.h"
 #include "vesk/core/Version.h"
 #include "vesk/hostinterface/RuntimeConfig.h"
@@ -48,6 +49,7 @@ static int Execute(int argc, char** argv, const VeskTool::Telling& telling, int&
     program.require_subcommand(1);
     AddTrace(program);
     AddDumps(program);
+    VeskTool::PublishedPlants::AddTo(program);
     int status = VeskTool::FAILED;
     VeskTool::AddCommands(program, status, failed);
     try {

@@ -32,6 +32,10 @@ void Dumps::KeepNone() {
     Vesk::RuntimeConfig::_hostInterfaceDumpPath = nullptr;
 }
 
+void Dumps::KeptIn(const std::string& path) {
+    Vesk::RuntimeConfig::_hostInterfaceDumpPath = path;
+}
+
 std::string Dumps::Path() {
     const System::String& path = Vesk::RuntimeConfig::_hostInterfaceDumpPath;
     return path.IsNull() ? "" : path.Value();

@@ -17,6 +17,9 @@ public:
     /// Lets it keep none.
     static void KeepNone();
 
+    /// Somebody else has kept one there.
+    static void KeptIn(const std::string& path);
+
     /// The path of the one to keep, or that was kept last; empty for none.
     static std::string Path();
 };

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "tools/vesk/session/LinkOptions.h"
 
+#include "tools/vesk/session/PublishedPlants.h"
 #include "tools/vesk/text/Failure.h"
 #include "tools/vesk/text/Interruption.h"
 #include "tools/vesk/text/Numbers.h"
@@ -53,6 +54,10 @@ const std::string& LinkOptions::Opened() {
     return opened;
 }
 
+void LinkOptions::NoteOpened(const std::string& description) {
+    opened = description;
+}
+
 /// The same value on both is as good as from the variable.
 bool LinkOptions::Place::Given() const {
     const char* const set = std::getenv(variable);
@@ -87,6 +92,8 @@ void LinkOptions::AddTo(CLI::App& command, Unnamed unnamed) {
 
 /// The command line decides alone where it has something to say.
 bool LinkOptions::UseVirtual() const {
+    if (!Plant().empty())
+        return false;
     for (const Place* const place : {&_dpRam, &_offset, &_lines, &_gpio})
         if (_virtual && place->Given())
             throw CLI::ExcludesError("--virtual", place->option);
@@ -100,8 +107,16 @@ bool LinkOptions::UseVirtual() const {
     return true;
 }
 
+std::string LinkOptions::Plant() const {
+    const std::string& plant = PublishedPlants::Named();
+    for (const Place* const place : {&_dpRam, &_offset, &_lines, &_gpio})
+        if (!plant.empty() && (_virtual || place->Given()))
+            throw CLI::ExcludesError("--plant", _virtual ? "--virtual" : place->option);
+    return plant;
+}
+
 void LinkOptions::CheckNamed() const {
-    if (!_virtual && !_dpRam.text)
+    if (Plant().empty() && !_virtual && !_dpRam.text)
         throw CLI::ValidationError(
             "no module is named, and this would change it: name one with --dpram and --lines or --gpio, or "
             "in VESK_DPRAM and VESK_LINES or VESK_GPIO; --virtual takes a virtual one",
@@ -117,6 +132,10 @@ const LinkOptions::Place& LinkOptions::Lines() const {
 }
 
 Link LinkOptions::Open(VirtualModule::Flash flash) const {
+    if (const std::string plant = Plant(); !plant.empty())
+        throw CLI::ValidationError("--plant", "the application of " + plant +
+                                                  " has the module, and this "
+                                                  "needs the module itself");
     WatchSignals();
     if (UseVirtual()) {
         if (!_virtual)

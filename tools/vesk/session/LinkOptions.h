@@ -22,9 +22,12 @@ public:
     /// Adds the options to `command`, whose parsing fills this object.
     void AddTo(CLI::App& command, Unnamed unnamed = Unnamed::VIRTUAL);
 
+    /// The plant that --plant names; empty for none. CLI::ParseError where an option names a module too.
+    std::string Plant() const;
+
     /// The way to the module; a virtual one in this process has `flash`. Failure where its DPRAM or its lines
     /// cannot be used, InUse where another host has the lines, CLI::ParseError where the options and
-    /// variables do not say which it is. From then on signals are watched: they
+    /// variables do not say which it is, or name a plant. From then on signals are watched: they
     /// must not leave a module running.
     Link Open(VirtualModule::Flash flash = {}) const;
 
@@ -36,6 +39,8 @@ public:
 
     /// The description of the module that this process talks to; empty as long as there is none.
     static const std::string& Opened();
+    /// It talks to that one now.
+    static void NoteOpened(const std::string& description);
 
 private:
     /// Three lines of a GPIO chip, as CHIP:irq=N,reset=N,boot=N says them, in any order.

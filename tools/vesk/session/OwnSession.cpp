@@ -22,7 +22,7 @@ static constexpr int REASON_WORD = 7;
 static constexpr unsigned short NO_DATABASE = 1;
 
 OwnSession::OwnSession(Link link, std::shared_ptr<Config::IBusConfig> config)
-    : _link(std::move(link)), _config(std::move(config)) {
+    : Session(std::chrono::microseconds(20)), _link(std::move(link)), _config(std::move(config)) {
     OwnSession::Restart();
 }
 

@@ -19,6 +19,8 @@ public:
     /// The module object goes, and a new one resets the module. Input data are 0 again.
     void Restart() override;
 
+    bool Owns() const override { return true; }
+
     Vesk::Modules::DPVM::Vt22Module& Own() override;
 
     State ModuleState() const override;

@@ -6,6 +6,7 @@
 #include "tools/vesk/text/Failure.h"
 #include "tools/vesk/text/Text.h"
 
+#include <algorithm>
 #include <functional>
 
 namespace VeskTool {
@@ -54,6 +55,12 @@ void InputData::Map(ISlaveModule& module, const std::string& description) {
 }
 
 void InputData::Set(unsigned int address, std::size_t offset, std::span<const unsigned char> bytes) {
+    Places(address, offset, bytes.size());
+    std::copy(bytes.begin(), bytes.end(), _slaves.at(address)->Data() + offset);
+}
+
+std::vector<unsigned short> InputData::Places(unsigned int address, std::size_t offset,
+                                              std::size_t count) const {
     if (!_config)
         throw Failure(
             "Only a configuration says which bytes of the module a slave has; name it with --config");
@@ -61,15 +68,16 @@ void InputData::Set(unsigned int address, std::size_t offset, std::span<const un
         throw Failure("The module holds the database " + Printable(_held) + " instead of " + wanted +
                       ", so nobody knows where its slaves have their bytes");
     const std::string slave = "Slave " + std::to_string(address);
-    const auto found = _slaves.find(address);
-    if (found == _slaves.end())
+    const auto addresses = Elements(*_config->SlaveAddresses());
+    if (std::find(addresses.begin(), addresses.end(), address) == addresses.end())
         throw Failure(slave + " is not in the configuration, so it has no input data");
-    const auto length = static_cast<std::size_t>(found->second->Count());
-    if (bytes.size() > length || offset > length - bytes.size())
-        throw Failure(slave + " has " + std::to_string(length) + " bytes of input data, so " +
-                      std::to_string(bytes.size()) + " from byte " + std::to_string(offset) +
-                      " on do not fit");
-    std::copy(bytes.begin(), bytes.end(), found->second->Data() + offset);
+    const auto places =
+        Elements(*_config->Slave(static_cast<unsigned char>(address))->AddressTable()->InputOffsetTable());
+    if (count > places.size() || offset > places.size() - count)
+        throw Failure(slave + " has " + std::to_string(places.size()) + " bytes of input data, so " +
+                      std::to_string(count) + " from byte " + std::to_string(offset) + " on do not fit");
+    const auto first = places.begin() + static_cast<std::ptrdiff_t>(offset);
+    return {first, first + static_cast<std::ptrdiff_t>(count)};
 }
 
 } // namespace VeskTool

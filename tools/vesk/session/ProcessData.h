@@ -8,6 +8,7 @@
 #include <memory>
 #include <span>
 #include <string>
+#include <vector>
 
 namespace VeskTool {
 
@@ -32,8 +33,16 @@ public:
     /// Where that is not the one of the places, or there are no places, nothing is mapped.
     void Map(Vesk::Modules::Slave::ISlaveModule& module, const std::string& description);
 
+    /// Maps nothing, but says where the bytes have their places in a module that holds the database of that
+    /// description.
+    void Describe(const std::string& description) { _held = description; }
+
     /// Sets bytes of the slave at `address`, from its byte `offset` on. Failure where they have no place.
     void Set(unsigned int address, std::size_t offset, std::span<const unsigned char> bytes);
+
+    /// The places in the input area of so many bytes of the slave at `address`, from its byte `offset` on.
+    /// Failure where they have none.
+    std::vector<unsigned short> Places(unsigned int address, std::size_t offset, std::size_t count) const;
 
 private:
     std::shared_ptr<Vesk::Modules::DPVM::Config::IBusConfig> _config;

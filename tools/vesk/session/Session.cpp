@@ -83,7 +83,7 @@ void Session::Update() {
     else
         UpdateModule();
     NoteState();
-    Pause(std::chrono::microseconds(_cycle ? 0 : 20));
+    Pause(_cycle ? std::chrono::microseconds(0) : _rest);
 }
 
 void Session::Pause(std::chrono::microseconds rest) {

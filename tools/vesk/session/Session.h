@@ -74,7 +74,10 @@ public:
 
     Vesk::Modules::DPVM::IDPVMModule& Module() { return *_module; }
 
-    /// The module itself, for what only its owner can do; Failure where it belongs to an application.
+    /// Whether the module is this program's own, and not an application's.
+    virtual bool Owns() const = 0;
+
+    /// The module itself, for what only its owner can do; Failure where it is an application's.
     virtual Vesk::Modules::DPVM::Vt22Module& Own() = 0;
 
     virtual State ModuleState() const = 0;
@@ -153,7 +156,8 @@ protected:
         std::shared_ptr<System::IArgFunc<OperationMode, void>> mode;
     };
 
-    Session() = default;
+    /// `rest`: how long an Update rests.
+    explicit Session(std::chrono::microseconds rest) : _rest(rest) {}
 
     /// Ends the life; what the next object reports comes through the callbacks.
     Callbacks End();
@@ -182,6 +186,7 @@ private:
     void NoteState();
     void Pause(std::chrono::microseconds rest);
 
+    std::chrono::microseconds _rest;
     System::DateTime _start = System::DateTime::Now();
     std::shared_ptr<Reports> _reports;
     bool _outlivesInterrupts = false;

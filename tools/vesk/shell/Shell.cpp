@@ -144,6 +144,7 @@ void Shell::AddOwnCommands(CLI::App& program, int& status) {
         ->add_option("COMMAND", *words, "One of them")
         ->type_name("");
     add("restart", "Begin another life: the module is reset, and what was set is gone.", [this] {
+        _session.Own();
         _session.Restart();
         Say({{"restarted", true}}, "Another life has begun.\n");
     });

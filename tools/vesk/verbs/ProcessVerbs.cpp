@@ -50,7 +50,7 @@ std::string DataText(const Json& facts, const Paint&) {
     return std::to_string(bytes.size()) + " bytes\n" + HexDump(bytes);
 }
 
-Json Changes(const std::vector<unsigned char>& before, const std::vector<unsigned char>& now) {
+Json ChangedBytes(const std::vector<unsigned char>& before, const std::vector<unsigned char>& now) {
     Json changed = Json::array();
     for (std::size_t i = 0; i < now.size(); ++i)
         if (i >= before.size() || before[i] != now[i])
@@ -89,6 +89,18 @@ Action AddData(CLI::App& app, const Verb& verb) {
 }
 
 // ---- vesk set
+
+/// The bytes that an application is made to send are its own again when this program ends.
+int SetAndHold(Session& session, const std::function<int(Session& session)>& set,
+               const std::optional<unsigned int>& seconds) {
+    const int status = set(session);
+    if (session.Owns() || SharedLife::Current() || status != DONE)
+        return status;
+    std::cerr << "vesk: held " << (seconds ? "for " + std::to_string(*seconds) + " s" : "until Ctrl-C")
+              << ", then the application's own bytes go out again" << std::endl;
+    session.UpdateFor(seconds ? *seconds : std::numeric_limits<double>::infinity(), [] { return false; });
+    return status;
+}
 
 /// Whether the master has the bytes as the input data of the slave by now.
 bool Shows(Session& session, const Json& arguments) {
@@ -137,7 +149,7 @@ void WatchData(const Verb& verb, Session& session, const Json& arguments, double
         const auto now = BytesOf(facts);
         if (!before || *before != now) {
             facts["time"] = UniversalTime();
-            facts["changed"] = Changes(before.value_or(now), now);
+            facts["changed"] = ChangedBytes(before.value_or(now), now);
             show(facts);
         }
         before = now;
@@ -180,6 +192,19 @@ Action AddSet(CLI::App& app) {
            "is 0 without")
         ->required()
         ->type_name("");
+    if (!SharedLife::Current()) {
+        const auto seconds = std::make_shared<std::optional<unsigned int>>();
+        app.add_option_function<std::string>(
+               "--seconds",
+               [seconds](const std::string& text) {
+                   *seconds = ParseNumber("--seconds", text, 0, LONGEST_WATCH);
+               },
+               "With a plant: hold the bytes for that long, and not until the program is interrupted")
+            ->type_name("N");
+        self->run = [set = self->run, seconds](Session& session) {
+            return SetAndHold(session, set, *seconds);
+        };
+    }
     return [command] { return command->Execute(); };
 }
 

@@ -4,6 +4,7 @@
 #include "tools/vesk/text/Clock.h"
 #include "tools/vesk/text/Console.h"
 #include "tools/vesk/text/Text.h"
+#include "tools/vesk/verbs/Changes.h"
 #include "tools/vesk/verbs/StartUp.h"
 #include "tools/vesk/verbs/Verbs.h"
 
@@ -36,12 +37,30 @@ static constexpr Verb STATUS{Need::NOTHING, AnswerStatus, StartUpText};
     WatchStartUp(session, command.arguments, WATCH_SECONDS, show);
 }
 
+/// Shows what changes at an application's module, a line each.
+[[noreturn]] static int WatchChanges(Session& session, const VerbCommand& command) {
+    Changes changes(session);
+    while (true)
+        for (Json& change : changes.Next()) {
+            change["link"] = LinkOptions::Opened();
+            std::cout << (command.PrintsJson() ? JsonLine(change)
+                                               : LocalTime() + " " + Changes::Text(change) + "\n")
+                      << std::flush;
+        }
+}
+
 Action AddStatus(CLI::App& app) {
     const auto command = std::make_shared<VerbCommand>(app, STATUS);
     VerbCommand* const self = command.get();
     app.add_flag_callback(
-        "--watch", [self] { self->run = [self](Session& session) { return Watch(session, *self); }; },
-        "Look again each second until the program is interrupted, over the end of a module too");
+        "--watch",
+        [self] {
+            self->run = [self](Session& session) {
+                return session.Owns() ? Watch(session, *self) : WatchChanges(session, *self);
+            };
+        },
+        "Look again each second until the program is interrupted, over the end of a module too; at a plant a "
+        "line with the time whenever something changes");
     command->AddConfig("Configuration database (.ddb) or bus description (.toml) that the module should hold",
                        [self](const std::string& path) {
                            self->arguments["checksum"] = ChecksumText(LoadDatabaseFile(path)->Checksum());

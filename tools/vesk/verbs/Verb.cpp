@@ -4,9 +4,11 @@
 #include "tools/vesk/files/DatabaseFile.h"
 #include "tools/vesk/session/OwnSession.h"
 #include "tools/vesk/session/PlantFlash.h"
+#include "tools/vesk/session/PublishedPlants.h"
 #include "tools/vesk/text/ByteText.h"
 #include "tools/vesk/text/Console.h"
 #include "tools/vesk/text/Numbers.h"
+#include "vesk/lines/InUse.h"
 
 #include <cstdlib>
 #include <iostream>
@@ -60,8 +62,22 @@ SharedBus KnownBus(const LinkOptions& link, SharedBus bus) {
     return bus || !link.UseVirtual() ? std::move(bus) : Plant();
 }
 
+/// A session with a module of one's own, or with the plant that has the module.
+static std::unique_ptr<Session> OpenWhatIsThere(const LinkOptions& link, const SharedConfig& config) {
+    if (const std::string plant = link.Plant(); !plant.empty() && !config)
+        return PublishedPlants::Open(plant);
+    try {
+        return std::make_unique<OwnSession>(link.Open(PlantFlash()), config);
+    } catch (const InUse& use) {
+        auto session = config ? nullptr : PublishedPlants::OpenThatOf(use.Process());
+        if (!session)
+            throw;
+        return session;
+    }
+}
+
 std::unique_ptr<Session> OpenSession(const LinkOptions& link, SharedConfig config, const SharedBus& bus) {
-    auto session = std::make_unique<OwnSession>(link.Open(PlantFlash()), std::move(config));
+    auto session = OpenWhatIsThere(link, config);
     session->TakePlaces(bus ? bus->config : nullptr);
     return session;
 }

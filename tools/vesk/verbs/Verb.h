@@ -95,7 +95,9 @@ SharedBus KnownBus(const LinkOptions& link, SharedBus bus);
 /// `known`; Failure where that is null.
 const DescribedBus& NeedNames(const DescribedBus* known);
 
-/// A new session, which takes the places of input data from `bus`, unless that is null.
+/// A new session, which takes the places of input data from `bus`, unless that is null. Without `config` it
+/// is one with the application's module where --plant names it, or where an application has the module and
+/// publishes it.
 std::unique_ptr<Session> OpenSession(const LinkOptions& link, SharedConfig config, const SharedBus& bus);
 
 /// `vesk VERB`: what every verb has on the command line, and the running of one in a session of its own.

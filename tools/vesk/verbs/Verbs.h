@@ -6,6 +6,7 @@
 /// The commands that ask a module or tell it something.
 namespace VeskTool {
 
+Action AddPlants(CLI::App& app);
 Action AddIdentify(CLI::App& app);
 Action AddStatus(CLI::App& app);
 Action AddDatabase(CLI::App& app);

@@ -1,0 +1,136 @@
+// SPDX-License-Identifier: MIT
+#include "tools/vesk/session/PublishedPlants.h"
+
+#include "tools/vesk/session/LinkOptions.h"
+#include "tools/vesk/session/Session.h"
+#include "tools/vesk/text/Interruption.h"
+#include "tools/vesk/text/Text.h"
+
+#ifdef VESK_WITH_DBUS
+#include "dbus/remote/Bus.h"
+#include "tools/vesk/session/RemoteSession.h"
+#endif
+
+#include <functional>
+#include <iostream>
+
+namespace VeskTool {
+
+static std::string named;
+static std::string chosenBus;
+
+void PublishedPlants::AddTo(CLI::App& program) {
+    program
+        .add_option("--plant", named,
+                    "Ask the application that has published its module under this name; see vesk plants")
+        ->type_name("NAME");
+    program
+        .add_option("--bus", chosenBus,
+                    "The D-Bus of the plants: system, session or an address (system, then session)")
+        ->envname("VESK_BUS")
+        ->type_name("BUS");
+}
+
+const std::string& PublishedPlants::Named() {
+    return named;
+}
+
+#ifdef VESK_WITH_DBUS
+
+namespace {
+
+using Bus = std::shared_ptr<sdbus::IConnection>;
+
+std::vector<std::string> Buses() {
+    return chosenBus.empty() ? std::vector<std::string>{"system", "session"}
+                             : std::vector<std::string>{chosenBus};
+}
+
+/// Calls `look` for each plant on each bus until it returns true. BusException where no bus can be used.
+void ForEach(const std::function<bool(const Bus& bus, const Vesk::DBus::PublishedPlant& plant,
+                                      const std::string& busName)>& look) {
+    std::exception_ptr wrong;
+    bool any = false;
+    for (const std::string& name : Buses())
+        try {
+            const Bus bus = Vesk::DBus::OpenBus(name);
+            const auto plants = Vesk::DBus::ListPlants(*bus);
+            any = true;
+            for (const auto& plant : plants)
+                if (look(bus, plant, name))
+                    return;
+        } catch (const Vesk::DBus::BusException&) {
+            wrong = wrong ? wrong : std::current_exception();
+        }
+    if (!any)
+        std::rethrow_exception(wrong);
+}
+
+/// A session with the first plant for which `wanted` holds; null where there is none.
+std::unique_ptr<Session> OpenFirst(const std::function<bool(const Vesk::DBus::PublishedPlant&)>& wanted) {
+    std::unique_ptr<Session> session;
+    ForEach([&](const Bus& bus, const Vesk::DBus::PublishedPlant& plant, const std::string&) {
+        if (!wanted(plant))
+            return false;
+        WatchSignals();
+        session = std::make_unique<RemoteSession>(bus, plant);
+        LinkOptions::NoteOpened("plant " + plant.name);
+        std::cerr << "vesk: the application of plant " << Harmless(plant.name)
+                  << " is asked, nothing is reset" << std::endl;
+        return true;
+    });
+    return session;
+}
+
+} // namespace
+
+std::vector<PublishedPlants::Plant> PublishedPlants::All() {
+    std::vector<Plant> plants;
+    ForEach([&](const Bus&, const Vesk::DBus::PublishedPlant& plant, const std::string& bus) {
+        plants.push_back({plant.name, plant.state, plant.process, bus});
+        return false;
+    });
+    return plants;
+}
+
+std::unique_ptr<Session> PublishedPlants::Open(const std::string& name) {
+    std::vector<std::string> others;
+    auto session = OpenFirst([&](const Vesk::DBus::PublishedPlant& plant) {
+        others.push_back(plant.name);
+        return plant.name == name;
+    });
+    if (!session)
+        throw Failure("No plant is published as " + name +
+                      (others.empty() ? ", nor is any other" : "; there is " + Joined(others, ", ")));
+    return session;
+}
+
+std::unique_ptr<Session> PublishedPlants::OpenThatOf(long process) {
+    try {
+        return OpenFirst([=](const Vesk::DBus::PublishedPlant& plant) { return plant.process == process; });
+    } catch (const Vesk::DBus::BusException&) {
+        return nullptr; // then nobody has published it
+    }
+}
+
+#else
+
+static Failure NoBus() {
+    return Failure("this vesk was built without sdbus-c++, which plants need");
+}
+
+std::vector<PublishedPlants::Plant> PublishedPlants::All() {
+    throw NoBus();
+}
+
+std::unique_ptr<Session> PublishedPlants::Open(const std::string&) {
+    throw NoBus();
+}
+
+std::unique_ptr<Session> PublishedPlants::OpenThatOf(long) {
+    return nullptr;
+}
+
+#endif
+
+} // namespace VeskTool
