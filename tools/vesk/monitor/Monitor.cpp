@@ -2,6 +2,8 @@
 #include "tools/vesk/monitor/Monitor.h"
 
 #include "tools/vesk/session/PublishedPlants.h"
+#include "tools/vesk/session/Session.h"
+#include "tools/vesk/text/Failure.h"
 #include "tools/vesk/text/Numbers.h"
 
 #ifdef VESK_WITH_DBUS

@@ -6,8 +6,10 @@
 #ifdef VESK_WITH_NCURSES
 
 #define NCURSES_NOMACROS
+#include <algorithm>
 #include <clocale>
 #include <cstdio>
+#include <cstdlib>
 #include <ncurses.h>
 #include <unistd.h>
 

@@ -3,6 +3,8 @@
 
 #include "tools/vesk/session/LinkOptions.h"
 #include "tools/vesk/session/Session.h"
+#include "tools/vesk/text/ByteText.h"
+#include "tools/vesk/text/Failure.h"
 #include "tools/vesk/text/Interruption.h"
 #include "tools/vesk/text/Text.h"
 
