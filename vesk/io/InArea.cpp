@@ -38,11 +38,15 @@ bool InArea::Update() {
         if (!WriteSpecially(found))
             return false;
     } else if (found == Runs::Found::CHANGED)
-        _runs.Write(*_hostInterface, _shadow);
+        WriteRuns();
     else
         return false;
     _acquired = false;
     return true;
+}
+
+void InArea::WriteRuns() {
+    _runs.Write(*_hostInterface, _shadow);
 }
 
 /// Whether it has written: all segments after a mapping, and those with held bytes where they differ.
@@ -50,7 +54,7 @@ bool InArea::WriteSpecially(Runs::Found found) {
     if (found == Runs::Found::OUTSIDE)
         WriteSegments(); // which fails
     else if (_held.empty())
-        _runs.Write(*_hostInterface, _shadow);
+        WriteRuns();
     else if (TakeHeld() || _mapped)
         _runs.WriteImage(*_hostInterface, _shadow);
     else

@@ -56,6 +56,7 @@ private:
         unsigned char value;
     };
 
+    void WriteRuns();
     bool WriteSpecially(Runs::Found found);
     void WriteSegments();
     bool TakeHeld();
@@ -65,10 +66,10 @@ private:
     std::shared_ptr<HostInterface::IHostInterface> _hostInterface;
     Placement<InputSegment> _placement;
     Runs _runs;
-    bool _special = false;                                  // more to look at than the arrays
+    bool _mapped = false;                                   // since the last write
     std::shared_ptr<System::IArray<unsigned char>> _shadow; // the bytes last written, of the whole area
     unsigned char* _shadowBytes;                            // the first of them
-    bool _mapped = false;                                   // since the last write
+    bool _special = false;                                  // there is more to look at than the arrays
     std::vector<HeldByte> _held;
     std::vector<unsigned char> _next; // what is to be written while bytes are held
 };

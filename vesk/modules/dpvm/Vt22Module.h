@@ -132,6 +132,10 @@ public:
     bool Online() const;
     OperationMode_e OperationMode() const;
 
+    /// What the module has said of its database, whether or not it has one that matches; null until it was
+    /// asked.
+    std::shared_ptr<DatabaseInfo> ReportedDatabase() const;
+
     /// Changes when the module has reported anew of itself or its slaves, so that who watches the station
     /// lists has to compare a number only.
     unsigned int Reports() const;

@@ -106,6 +106,10 @@ OperationMode_e Vt22Module::OperationMode() const {
     return _outArea ? _outArea->FieldbusOut()->OperationMode() : OperationMode_e::OFFLINE;
 }
 
+std::shared_ptr<DatabaseInfo> Vt22Module::ReportedDatabase() const {
+    return _databaseInfo;
+}
+
 unsigned int Vt22Module::Reports() const {
     return _outArea ? _outArea->Reports() : 0;
 }
