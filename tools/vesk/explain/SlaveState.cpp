@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "tools/vesk/explain/SlaveState.h"
 
+#include "failures/Problem.h"
 #include "tools/vesk/explain/Diagnosis.h"
 #include "tools/vesk/session/StationLists.h"
 #include "tools/vesk/text/Elements.h"
@@ -32,7 +33,7 @@ std::string WhatIsWrong(Session& session, unsigned int address) {
     const Diagnosis diagnosis(Elements(*answer->Data()));
     if (exchanges)
         return diagnosis.IsSet("extendedDiagnostics") ? "it reports a fault of its own"
-                                                      : "it reports a diagnosis";
+                                                      : std::string(Failures::Problems::REPORTS_DIAGNOSIS);
     if (diagnosis.IsSet("stationNonExistent") || !Answers(session, address))
         return "it does not answer on the bus: no supply, another address, or the cable";
     const std::string cause = diagnosis.Cause();

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "tools/vesk/text/Failure.h"
 
+#include "failures/Problem.h"
+
 namespace VeskTool {
 
 std::string OneLine(const std::exception& exception) {
@@ -8,15 +10,7 @@ std::string OneLine(const std::exception& exception) {
 }
 
 std::string OneLine(std::string_view text) {
-    std::string line;
-    for (const char character : text)
-        if (character != '\n')
-            line += character;
-        else if (!line.empty() && line.back() != ' ')
-            line += "; ";
-    while (!line.empty() && (line.back() == ' ' || line.back() == ';'))
-        line.pop_back();
-    return line;
+    return Failures::OneLine(text);
 }
 
 } // namespace VeskTool

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "tools/vesk/verbs/StartUp.h"
 
+#include "failures/Problem.h"
 #include "tools/vesk/explain/Advice.h"
 #include "tools/vesk/explain/SlaveState.h"
 #include "tools/vesk/session/Dumps.h"
@@ -9,23 +10,17 @@
 #include "tools/vesk/text/Text.h"
 #include "tools/vesk/verbs/Stations.h"
 
-#include <algorithm>
 #include <array>
 #include <cctype>
 #include <span>
 
 namespace VeskTool {
 
+namespace Problems = Failures::Problems;
+using Failures::Problem;
 using Vesk::Modules::DPVM::OperationMode_e;
 
 namespace {
-
-/// What is not right, where it is more than an exception that the library threw.
-struct Problem {
-    std::string what;
-    std::string cause;
-    std::string next;
-};
 
 class Examination {
 public:
@@ -109,7 +104,7 @@ void Examination::Examine(const Step& step) {
         Fail(step, problem);
     } catch (const Failure& failure) { // the module said no, and goes on
         const Advice advice = AdviceFor(failure);
-        Fail(step, {failure.what(), advice.cause, advice.next});
+        Fail(step, Failures::ProblemOf(failure.what(), advice.cause, advice.next));
     } catch (const std::exception& exception) {
         End(step, exception);
     }
@@ -119,32 +114,17 @@ void Examination::End(const Step& step, const std::exception& exception) {
     const Advice advice = AdviceFor(exception);
     _alive = false;
     const std::string line = Told(exception);
-    Fail(step, {line.substr(0, line.find("; ")), advice.cause, advice.next});
+    Fail(step, Failures::ProblemOf(line.substr(0, line.find("; ")), advice.cause, advice.next));
     if (const Json event = FatalEventOf(exception); !event.is_null()) {
         _problem["fatalEvent"] = event;
         _problem["dump"] = Dumps::Path();
     }
 }
 
-/// The sentences that do not send to where the reader is.
-std::string WithoutStatus(const std::string& sentences) {
-    std::string kept;
-    for (std::size_t start = 0; start < sentences.size();) {
-        const std::size_t end = std::min(sentences.find(". ", start), sentences.size() - 1) + 1;
-        const std::string sentence = sentences.substr(start, end - start);
-        if (sentence.find("vesk status") == std::string::npos)
-            kept += (kept.empty() ? "" : " ") + sentence;
-        start = end + 1;
-    }
-    return kept;
-}
-
 void Examination::Fail(const Step& step, const Problem& problem) {
     _steps.push_back({{"name", step.name}, {"state", "wrong"}, {"detail", problem.what}});
-    _problem = {{"step", step.name},
-                {"what", problem.what},
-                {"cause", problem.cause},
-                {"next", WithoutStatus(problem.next)}};
+    _problem = {
+        {"step", step.name}, {"what", problem.what}, {"cause", problem.cause}, {"next", problem.next}};
 }
 
 // ---- the steps
@@ -154,25 +134,16 @@ std::string Examination::ModuleReady() {
     return "VT22, serial " + Hex(_session.Module().Serial()) + ", firmware " + _session.FirmwareVersion();
 }
 
-bool IsChecksum(const std::string& text) {
-    return text.size() == 8 && text.find_first_not_of("0123456789abcdefABCDEF") == text.npos;
-}
-
 std::string Examination::DatabaseMatches() {
     const auto info = _session.AskForDatabase();
     if (!info)
-        throw Problem{"The module holds no database", "Nothing was downloaded, or a download was not ended",
-                      "vesk download CONFIG.ddb"};
+        throw Problems::NO_DATABASE.With();
     const std::string description = Printable(info->Description.Value());
     const std::string expected = _arguments.value("checksum", description);
-    if (!IsChecksum(info->Description.Value()))
-        throw Problem{
-            "The module describes its database by \"" + description + "\", which is no checksum",
-            "Another tool has written it, or the DPRAM garbles what it carries",
-            "Check the data lines of the DPRAM; vesk identify shows whether other answers arrive whole"};
+    if (!Failures::IsChecksum(info->Description.Value()))
+        throw Problems::NO_CHECKSUM.With({description});
     if (expected != description)
-        throw Problem{"The module holds the database " + description + " instead of " + expected,
-                      "Another configuration was downloaded", "vesk download CONFIG.ddb"};
+        throw Problems::OTHER_DATABASE.With({description, expected});
     return description + ", " + std::to_string(info->NoOfSlaves) + " slaves, " +
            std::to_string(info->TotalInputLength) + " bytes in, " + std::to_string(info->TotalOutputLength) +
            " bytes out";
@@ -190,8 +161,7 @@ std::string Examination::BusOnline() {
         // what it has not reported by now says it better
     }
     if (_session.Online() != true)
-        throw Problem{"The master is not on the bus", "It was taken off the bus or has left it on its own",
-                      "vesk mode operate; check the bus connector and its termination"};
+        throw Problems::OFF_BUS.With();
     // Only an answer shows that the module still lives.
     const Json liveList = AskForLiveList(_session);
     return std::to_string(liveList.size()) + (liveList.size() == 1 ? " station" : " stations");
@@ -199,9 +169,7 @@ std::string Examination::BusOnline() {
 
 std::string Examination::OperationMode() {
     if (_session.Mode() != OperationMode_e::OPERATE)
-        throw Problem{"The operation mode is " + (_session.Mode() ? ModeName(*_session.Mode()) : "unknown"),
-                      "Somebody asked for it, or the master fell back to it because of an error",
-                      "vesk mode operate"};
+        throw Problems::OTHER_MODE.With({_session.Mode() ? ModeName(*_session.Mode()) : "unknown"});
     return "OPERATE";
 }
 
@@ -219,10 +187,10 @@ std::string Examination::Slaves() {
     for (const Json& address : lists["configured"])
         _slaves.push_back(SlaveToJson(address, lists));
     for (const Json& slave : _slaves)
-        if (!slave["cause"].is_null())
-            throw Problem{"Slave " + slave["address"].dump() +
-                              (slave["dataTransfer"] ? " has diagnostics" : " does not exchange data"),
-                          slave["cause"], "vesk diag " + slave["address"].dump()};
+        if (!slave["cause"].is_null()) {
+            const auto& words = slave["dataTransfer"] ? Problems::DIAGNOSIS : Problems::NO_EXCHANGE;
+            throw words.With({slave["address"].dump(), slave["cause"], slave["address"].dump()});
+        }
     return std::to_string(_slaves.size()) + " of " + std::to_string(_slaves.size()) + " exchange data";
 }
 
