@@ -146,6 +146,14 @@ TEST(AccessTrapTest, ALifeMakesTheseAccessesAndNoOther) {
     master->Answer();
     EXPECT_EQ(update(), Answered({"R 0176+288"}));
 
+    // Who looks at the data, or holds a byte of it, does not look at the DPRAM.
+    std::vector<unsigned char> copy(22);
+    EXPECT_EQ(master->Master().CopyInputData(copy), 22);
+    EXPECT_EQ(copy[21], 2);
+    EXPECT_EQ(master->Master().CopyOutputData(copy), 22);
+    master->Master().HoldInput(21, 9);
+    EXPECT_EQ(TakeLog(), Log{});
+
     master.reset();
     EXPECT_EQ(TakeLog(), (Log{"R 0000+8192", "reset low", "R 0000+8192"})) << "the snapshot first";
 }

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 // A cycle costs its accesses to the DPRAM and looks at the clock: no allocation, no lock, no throw, no system
 // call. A program apart, since it counts them in place of the process's own functions.
+#include "dbus/Cycle.h"
 #include "endurance/Heap.h"
 #include "tests/support/RunningMaster.h"
 #include "tests/support/TemporaryFolder.h"
@@ -93,39 +94,59 @@ protected:
 
     void Interrupt(unsigned char indication) {
         _master.Raise(indication);
-        _master.Update();
+        Update();
         Idle();
     }
 
     void Idle() {
         for (int i = 0; i < 3; ++i) {
             _clock.Advance(1'000'000);
-            _master.Update();
+            Update();
         }
     }
 
-    RunningMaster _master{3000, 3};
-    TestClock _clock; // after the master, which sets the clock itself
-};
+    /// By way of what publishes the module, where it is published.
+    void Update() { _cycle ? _cycle->Update() : _master.Update(); }
 
-TEST_F(CycleCostTest, AllocatesNothingLocksNothingAndThrowsNothing) {
-    const auto before = std::tuple(Heap::Allocations(), locks, throws);
-    RunCycles(1000);
-    EXPECT_EQ(std::tuple(Heap::Allocations(), locks, throws), before);
-    EXPECT_EQ(_master.calls, 3000) << "of online, offline and the mode";
-    EXPECT_EQ(_master.DpRam()[0x296], _master.in->Get(0));
-}
+    void Publish() {
+        _cycle = Vesk::DBus::Cycle::Create(_master.Master().shared_from_this(), true, [] {});
+        Idle();
+    }
 
-TEST_F(CycleCostTest, AsksTheSystemForNothingButTheTime) {
-    const auto live = [this] {
+    void ExpectNoCosts() {
+        const auto before = std::tuple(Heap::Allocations(), locks, throws);
+        RunCycles(1000);
+        EXPECT_EQ(std::tuple(Heap::Allocations(), locks, throws), before);
+    }
+
+    /// Ends the process.
+    void LiveOnTheTimeAlone() {
         ForbidSystemCalls();
         RunCycles(1000);
         System::DateTime::SetSource(nullptr); // and with the system's clock, for what does not wait
         for (int i = 0; i < 1000; ++i)
             Exchange();
         ::_exit(0);
-    };
-    EXPECT_EXIT(live(), testing::ExitedWithCode(0), "");
+    }
+
+    std::shared_ptr<Vesk::DBus::Cycle> _cycle;
+    RunningMaster _master{3000, 3};
+    TestClock _clock; // after the master, which sets the clock itself
+};
+
+TEST_F(CycleCostTest, AllocatesNothingLocksNothingAndThrowsNothing) {
+    ExpectNoCosts();
+    EXPECT_EQ(_master.calls, 3000) << "of online, offline and the mode";
+    EXPECT_EQ(_master.DpRam()[0x296], _master.in->Get(0));
+    Publish();
+    ExpectNoCosts();
+    EXPECT_EQ(_cycle->GetFacts().mode, Vesk::Modules::DPVM::OperationMode_e::CLEAR) << "seen, all the same";
+}
+
+TEST_F(CycleCostTest, AsksTheSystemForNothingButTheTime) {
+    EXPECT_EXIT(LiveOnTheTimeAlone(), testing::ExitedWithCode(0), "");
+    Publish();
+    EXPECT_EXIT(LiveOnTheTimeAlone(), testing::ExitedWithCode(0), "");
 }
 
 TEST_F(CycleCostTest, CountsWhatThereIsToCount) {

@@ -1,0 +1,272 @@
+// SPDX-License-Identifier: MIT
+#include "dbus/Cycle.h"
+
+#include "vesk/hostinterface/RuntimeConfig.h"
+#include "vesk/mailbox/ErrorCode.h"
+#include "vesk/mailbox/MailboxTimeoutException.h"
+#include "vesk/modules/dpvm/Vt22FatalEventException.h"
+#include "vesk/system/MakeShared.h"
+
+#include <algorithm>
+#include <chrono>
+#include <utility>
+
+namespace Vesk::DBus {
+
+using Outcome = Question::Outcome;
+using State = Modules::DPVM::Vt22Module::ModuleState_e;
+
+static constexpr int SERVICE_SECONDS = 3; // as for the library's own services
+
+std::shared_ptr<Cycle> Cycle::Create(std::shared_ptr<Vt22Module> master, bool measures,
+                                     std::function<void()> wake) {
+    auto cycle = System::MakeShared<Cycle>(measures, std::move(wake));
+    cycle->SetMaster(std::move(master));
+    return cycle;
+}
+
+Cycle::Cycle(bool measures, std::function<void()> wake) : _measures(measures), _wake(std::move(wake)) {}
+
+void Cycle::SetMaster(std::shared_ptr<Vt22Module> master) {
+    Fail("the application has let go of the module");
+    _master = std::move(master);
+    if (!_master)
+        return;
+    _masterInterrupts = &_master->Interrupts();
+    _seenInterrupts = _master->Interrupts();
+    _seenMessages = _master->Messages();
+    if (!_facts.failure)
+        NoteChange();
+    _seenState = NO_STATE;
+}
+
+// ---- the step
+
+void Cycle::Step(std::int64_t begun) {
+    if (!_master)
+        System::_env_throw(System::InvalidOperationException::Create("no module to update"));
+    try {
+        _master->Update();
+    } catch (...) {
+        NoteFailure(std::current_exception());
+        throw;
+    }
+    _updates.Add(1);
+    if (const unsigned int interrupts = *_masterInterrupts; interrupts != _seenInterrupts) {
+        _interrupts.Add(interrupts - std::exchange(_seenInterrupts, interrupts));
+        _heardOf = begun;
+        CountMessages();
+    }
+    if (static_cast<int>(_master->State()) != _seenState || _master->Reports() != _seenReports)
+        NoteChange();
+}
+
+void Cycle::CountMessages() {
+    const unsigned int messages = _master->Messages();
+    _messages.Add(messages - std::exchange(_seenMessages, messages));
+}
+
+void Cycle::Measure(std::int64_t begun, std::int64_t ended) {
+    _updateTime.Add(static_cast<std::uint64_t>(ended - begun));
+    if (_begun != UNKNOWN)
+        _period.Add(static_cast<std::uint64_t>(begun - _begun));
+    _begun = begun;
+}
+
+static void CopyList(const std::shared_ptr<System::IArray<unsigned char>>& from, StationList& to) {
+    std::copy_n(from->Data(), std::min<std::size_t>(to.size(), static_cast<std::size_t>(from->Count())),
+                to.begin());
+}
+
+static Facts::Identity IdentityOf(Modules::DPVM::Vt22Module& master) {
+    return {master.VendorId(),
+            master.FieldbusType(),
+            master.ModuleType(),
+            master.Serial(),
+            {master.SoftwareMajor(), master.SoftwareMinor(), master.SoftwareBuild()},
+            {master.BootloaderMajor(), master.BootloaderMinor()}};
+}
+
+void Cycle::NoteChange() {
+    Facts facts;
+    facts.state = _master->State();
+    facts.database = _master->ReportedDatabase();
+    if (_master->Booted()) { // what it said before a reset is over
+        facts.online = _master->Online();
+        facts.mode = _master->OperationMode();
+        facts.identity = IdentityOf(*_master);
+        CopyList(_master->GetSlaveConfiguredList(), facts.configured);
+        CopyList(_master->GetDataTransferList(), facts.exchanging);
+        CopyList(_master->GetSlaveDiagnosticList(), facts.diagnostic);
+        CopyList(_master->GetDpv1ConnectionLiveList(), facts.connected);
+    }
+    if (facts.state >= State::INITIALIZING && static_cast<int>(facts.state) != _seenState)
+        for (const HeldByte& held : _held) // which a reset has let go of
+            try {
+                _master->HoldInput(held.offset, held.value);
+            } catch (const System::ArgumentOutOfRangeException&) {
+                // not mapped any more: nothing of it goes to the bus
+            }
+    _seenState = static_cast<int>(facts.state);
+    _seenReports = _master->Reports();
+    _facts = std::move(facts);
+    _latest.Put(_facts);
+}
+
+void Cycle::NoteFailure(const std::exception_ptr& thrown) noexcept try {
+    auto failure = std::make_shared<UpdateFailure>();
+    failure->time = std::chrono::duration_cast<std::chrono::nanoseconds>(
+                        std::chrono::system_clock::now().time_since_epoch())
+                        .count();
+    try {
+        std::rethrow_exception(thrown);
+    } catch (const std::shared_ptr<System::Exception>& exception) {
+        failure->type = exception->TypeName().Value();
+        failure->message = exception->Message().IsNull() ? "" : exception->Message().Value();
+        if (const auto fatal = std::dynamic_pointer_cast<Modules::DPVM::Vt22FatalEventException>(exception)) {
+            failure->fatalEvent = fatal->Info();
+            const System::String& path = RuntimeConfig::_hostInterfaceDumpPath;
+            failure->dump = path.IsNull() ? "" : path.Value();
+        }
+        if (std::dynamic_pointer_cast<Mailbox::MailboxTimeoutException>(exception))
+            _timeOuts.Add(1);
+    } catch (const std::exception& exception) {
+        failure->type = "std::exception";
+        failure->message = exception.what();
+    } catch (...) {
+        failure->type = "unknown";
+    }
+    Fail(failure->type + ": " + failure->message);
+    _facts.failure = std::move(failure);
+    _seenState = NO_STATE; // so that the first Update that works makes new facts
+    _latest.Put(_facts);
+    _wake();
+
+} catch (...) { // NOLINT(bugprone-empty-catch): without memory for it, the application still hears of it
+}
+
+// ---- questions
+
+/// What the module keeps as the action of a request: hands the answer over, and tells when there will be
+/// none, because a reset has thrown the request away.
+class Cycle::Answerer : public Mailbox::IResponseAction {
+public:
+    Answerer(std::weak_ptr<Cycle> cycle, unsigned int ticket) : _cycle(std::move(cycle)), _ticket(ticket) {}
+
+    Answerer(const Answerer&) = delete;
+    Answerer& operator=(const Answerer&) = delete;
+
+    ~Answerer() override {
+        if (const auto cycle = Waiting())
+            cycle->Fail("the module was reset before it answered");
+    }
+
+    void Invoke(std::shared_ptr<Mailbox::IResponse> response) override {
+        if (const auto cycle = Waiting())
+            cycle->OnAnswer(*response);
+    }
+
+private:
+    std::shared_ptr<Cycle> Waiting() const {
+        auto cycle = _cycle.lock();
+        return cycle && cycle->_ticket == _ticket && cycle->_question ? cycle : nullptr;
+    }
+
+    std::weak_ptr<Cycle> _cycle;
+    unsigned int _ticket;
+};
+
+void Cycle::Begin() {
+    _question = _seam.Take();
+    if (!_question)
+        return;
+    _request = 0;
+    try {
+        Perform();
+    } catch (const std::shared_ptr<System::Exception>& exception) {
+        if (_question)
+            Finish(Outcome::INVALID, exception->Message().IsNull() ? exception->TypeName().Value()
+                                                                   : exception->Message().Value());
+    }
+}
+
+void Cycle::Perform() {
+    if (_question->kind == Question::Kind::RELEASE)
+        return Release();
+    if (_facts.failure)
+        return Finish(Outcome::FAILED, _facts.failure->type + ": " + _facts.failure->message);
+    if (!_master || !_master->Initialized())
+        return Finish(Outcome::NOT_READY,
+                      _master ? "the module is " + Vt22Module::StateToString(_master->State()).Value()
+                              : "the application has no module");
+    switch (_question->kind) {
+    case Question::Kind::MESSAGES:
+        return Send();
+    case Question::Kind::SNAPSHOT:
+        return TakeSnapshot();
+    case Question::Kind::HOLD:
+        return Hold();
+    case Question::Kind::RELEASE:
+        break;
+    }
+}
+
+void Cycle::TakeSnapshot() {
+    _question->data.resize(static_cast<std::size_t>(_master->CopyInputData(_question->data)));
+    _question->output.resize(static_cast<std::size_t>(_master->CopyOutputData(_question->output)));
+    _question->time = _heardOf != UNKNOWN ? _heardOf : Now();
+    Finish(Outcome::ANSWERED);
+}
+
+void Cycle::Hold() {
+    for (const HeldByte& byte : _question->bytes) {
+        _master->HoldInput(byte.offset, byte.value);
+        std::erase_if(_held, [&](const HeldByte& held) { return held.offset == byte.offset; });
+        _held.push_back(byte);
+    }
+    Finish(Outcome::ANSWERED);
+}
+
+void Cycle::Release() {
+    for (const HeldByte& byte : _question->bytes) {
+        std::erase_if(_held, [&](const HeldByte& held) { return held.offset == byte.offset; });
+        if (_master && _master->State() >= State::BOOTED)
+            _master->ReleaseInput(byte.offset);
+    }
+    Finish(Outcome::ANSWERED);
+}
+
+void Cycle::Send() {
+    _master->Enqueue(_question->requests[_request], std::make_shared<Answerer>(weak_from_this(), ++_ticket),
+                     SERVICE_SECONDS);
+}
+
+void Cycle::OnAnswer(Mailbox::IResponse& response) {
+    const bool refused = response.Error() != Mailbox::ErrorCode::NO_ERROR;
+    if (_request <= _question->deciding) {
+        _question->outcome = refused ? Outcome::REFUSED : Outcome::ANSWERED;
+        _question->errorCode = response.Error()->Id;
+        _question->why = response.Error()->Name.Value();
+        const auto data = response.Data();
+        _question->data.assign(data->begin(), data->end());
+    }
+    const bool over = refused && _request < _question->deciding;
+    if (over || ++_request == _question->requests.size())
+        return Finish(_question->outcome, std::move(_question->why));
+    Send();
+}
+
+void Cycle::Finish(Outcome outcome, std::string why) {
+    _question->outcome = outcome;
+    _question->why = std::move(why);
+    _question = nullptr;
+    _seam.Answer();
+    _wake();
+}
+
+void Cycle::Fail(const std::string& why) {
+    if (_question)
+        Finish(Outcome::FAILED, why);
+}
+
+} // namespace Vesk::DBus

@@ -1,0 +1,52 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "dbus/Question.h"
+
+#include <map>
+#include <string>
+#include <vector>
+
+namespace Vesk::DBus {
+
+/// Which input bytes are held, and by whom: the service's book of it.
+class Holds {
+public:
+    struct Hold {
+        unsigned char value;
+        std::string holder;
+
+        bool operator==(const Hold&) const = default;
+    };
+
+    /// Who else than `caller` holds the byte; empty where nobody does.
+    std::string HeldByAnother(unsigned short offset, const std::string& caller) const {
+        const auto hold = _holds.find(offset);
+        return hold == _holds.end() || hold->second.holder == caller ? "" : hold->second.holder;
+    }
+
+    void Add(const HeldByte& byte, const std::string& holder) {
+        _holds.insert_or_assign(byte.offset, Hold{byte.value, holder});
+    }
+
+    void Remove(unsigned short offset) { _holds.erase(offset); }
+
+    /// Takes all bytes of a holder out of the book, of anybody for an empty name; they are to be released.
+    std::vector<HeldByte> TakeOf(const std::string& holder) {
+        std::vector<HeldByte> bytes;
+        std::erase_if(_holds, [&](const auto& hold) {
+            const bool his = holder.empty() || hold.second.holder == holder;
+            if (his)
+                bytes.push_back({hold.first, hold.second.value});
+            return his;
+        });
+        return bytes;
+    }
+
+    const std::map<unsigned short, Hold>& All() const { return _holds; }
+
+private:
+    std::map<unsigned short, Hold> _holds;
+};
+
+} // namespace Vesk::DBus

@@ -1,0 +1,110 @@
+// SPDX-License-Identifier: MIT
+#include "dbus/Published.h"
+
+#include <chrono>
+#include <limits>
+#include <utility>
+
+namespace Vesk::DBus {
+
+static constexpr const char* TIME_IS_OVER = "the application did not answer in its time for requests";
+
+Published::Published(std::string name, std::string path, std::shared_ptr<Cycle> cycle, SlaveTable slaves,
+                     SignalTable signals, const PlantOptions& options)
+    : _name(std::move(name)),
+      _path(std::move(path)),
+      _configurationName(options.configurationName),
+      _control(options.control),
+      _cycle(std::move(cycle)),
+      _slaves(std::move(slaves)),
+      _signals(std::move(signals)),
+      _facts(_cycle->GetFacts()),
+      _line(_cycle->GetSeam(),
+            {options.waitingRequests, options.waitingOfOneClient,
+             std::chrono::duration_cast<std::chrono::nanoseconds>(options.requestTime).count()}) {}
+
+std::uint64_t Published::WallTime(std::int64_t cycleTime) const {
+    const auto now = std::chrono::duration_cast<std::chrono::nanoseconds>(
+        std::chrono::system_clock::now().time_since_epoch());
+    return static_cast<std::uint64_t>(now.count() - (_cycle->Now() - cycleTime));
+}
+
+bool Published::Ask(const std::string& caller, std::unique_ptr<Question> question, Reply reply) {
+    const auto answer = [this, reply = std::move(reply), replied = false](Question& answered,
+                                                                          DBus::End end) mutable {
+        if (std::exchange(replied, true) || end == DBus::End::LEFT)
+            return;
+        if (end == DBus::End::TIMED_OUT) {
+            _timedOut.Add(1);
+            answered.outcome = Question::Outcome::TIMED_OUT;
+            answered.why = TIME_IS_OVER;
+        }
+        reply(answered);
+    };
+    return _line.Add(caller, std::move(question), answer, _cycle->Now());
+}
+
+static std::unique_ptr<Question> About(Question::Kind kind, std::vector<HeldByte> bytes) {
+    auto question = std::make_unique<Question>();
+    question->kind = kind;
+    question->bytes = std::move(bytes);
+    return question;
+}
+
+bool Published::Hold(const std::string& caller, const HeldByte& byte, Reply reply) {
+    const auto answer = [this, caller, byte, reply = std::move(reply), ended = false](Question& answered,
+                                                                                      DBus::End end) mutable {
+        if (end == DBus::End::TIMED_OUT) {
+            _timedOut.Add(1);
+            answered.outcome = Question::Outcome::TIMED_OUT;
+            answered.why = TIME_IS_OVER;
+        } else if (end == DBus::End::ANSWERED && answered.outcome == Question::Outcome::ANSWERED) {
+            if (ended) // nobody knows of it
+                return ReleaseAll({byte});
+            _holds.Add(byte, caller);
+        }
+        if (!std::exchange(ended, true) && end != DBus::End::LEFT)
+            reply(answered);
+    };
+    return _line.Add(caller, About(Question::Kind::HOLD, {byte}), answer, _cycle->Now());
+}
+
+bool Published::Release(const std::string& caller, unsigned short offset, Reply reply) {
+    return Ask(caller, About(Question::Kind::RELEASE, {{offset, 0}}),
+               [this, offset, reply = std::move(reply)](Question& answered) {
+                   if (answered.outcome == Question::Outcome::ANSWERED)
+                       _holds.Remove(offset);
+                   reply(answered);
+               });
+}
+
+void Published::ReleaseAll(std::vector<HeldByte> bytes) {
+    if (!bytes.empty())
+        _line.AddDuty(About(Question::Kind::RELEASE, std::move(bytes)));
+}
+
+std::int64_t Published::UntilDeadline() const {
+    const std::int64_t next = _line.NextDeadline();
+    return next == std::numeric_limits<std::int64_t>::max() ? -1
+                                                            : std::max<std::int64_t>(next - _cycle->Now(), 0);
+}
+
+bool Published::Refresh(Facts& before) {
+    const Facts& newest = _cycle->GetFacts();
+    if (newest == _facts)
+        return false;
+    before = std::exchange(_facts, newest);
+    return true;
+}
+
+void Published::Leave(const std::string& caller) {
+    _line.Leave(caller);
+    ReleaseAll(_holds.TakeOf(caller));
+}
+
+void Published::LeaveAll() {
+    _line.LeaveAll();
+    ReleaseAll(_holds.TakeOf(""));
+}
+
+} // namespace Vesk::DBus
