@@ -121,6 +121,7 @@ void Service::Disconnect() {
 void Service::Serve() {
     while (!_ends) {
         Admit();
+        Advance(); // so that nobody is told what was true before the call
         Process();
         Advance();
         const auto poll = _connection->getEventLoopPollData();
