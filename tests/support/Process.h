@@ -82,6 +82,16 @@ public:
         return WaitUntil([&] { return Err().find(text) != std::string::npos; });
     }
 
+    /// What starts the program: an emulator too, where this build is for another machine. Scripts and shells
+    /// are the machine's own.
+    static Arguments WordsOf(const std::string& program) {
+#ifdef TEST_EMULATOR
+        if (program.rfind(BUILD_DIR "/", 0) == 0)
+            return {TEST_EMULATOR, program};
+#endif
+        return {program};
+    }
+
     /// Becomes the program.
     [[noreturn]] static void Execute(const std::string& program, const Arguments& arguments) {
         for (const int signal : {SIGINT, SIGTERM, SIGHUP, SIGPIPE}) // whoever runs the tests may ignore some
@@ -89,12 +99,7 @@ public:
         // Where the module is, is the test's affair alone.
         for (const char* variable : {"VESK_DPRAM", "VESK_OFFSET", "VESK_LINES", "VESK_GPIO", "VESK_BUS"})
             ::unsetenv(variable);
-        Arguments words;
-#ifdef TEST_EMULATOR // which the programs of this build need; scripts and shells are the machine's own
-        if (program.rfind(BUILD_DIR "/", 0) == 0)
-            words = {TEST_EMULATOR};
-#endif
-        words = Join(words, Join({program}, arguments));
+        Arguments words = Join(WordsOf(program), arguments);
         std::vector<char*> argv;
         for (std::string& word : words)
             argv.push_back(word.data());

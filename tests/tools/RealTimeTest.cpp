@@ -39,12 +39,10 @@ TEST(RealTimeTest, DurationsAreCountedByTheMicrosecond) {
 
 TEST(RealTimeTest, ARightThatIsMissingIsNamed) {
     const auto run = [](const std::string& limit, const std::string& capability) {
-        return RunTool::Run({"-c",
-                             "[ \"$(id -u)\" != 0 ] || less='setpriv --bounding-set=-" + capability +
-                                 " --inh-caps=-" + capability + "'; exec prlimit " + limit +
-                                 " $less \"$0\" run --rt 10",
-                             VESK_TOOL},
-                            "/bin/sh");
+        const Process::Arguments script{
+            "-c", "[ \"$(id -u)\" != 0 ] || less='setpriv --bounding-set=-" + capability + " --inh-caps=-" +
+                      capability + "'; exec prlimit " + limit + " $less \"$0\" \"$@\" run --rt 10"};
+        return RunTool::Run(Process::Join(script, Process::WordsOf(VESK_TOOL)), "/bin/sh");
     };
     const ToolResult priority = run("--rtprio=0", "sys_nice");
     EXPECT_EQ(priority.status, 1);

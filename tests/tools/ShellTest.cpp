@@ -43,9 +43,10 @@ struct Shell {
     explicit Shell(const ModuleFiles& files, const std::string& options = "") {
         const std::string pipe = files.folder.Path("pipe");
         ::mkfifo(pipe.c_str(), 0600);
+        const Process::Arguments script{"-c", "exec \"$0\" \"$@\" " + options + " <> " + pipe};
+        const Process::Arguments shell{"shell", "--dpram", files.dpRam, "--lines", files.lines};
         process = std::make_unique<Process>(
-            "/bin/sh", Process::Arguments{"-c", "exec \"$0\" \"$@\" " + options + " <> " + pipe, VESK_TOOL,
-                                          "shell", "--dpram", files.dpRam, "--lines", files.lines});
+            "/bin/sh", Process::Join(script, Process::Join(Process::WordsOf(VESK_TOOL), shell)));
         std::ofstream(pipe) << "identify\n";
     }
 

@@ -52,13 +52,8 @@ protected:
 
     /// What the command shows; times are those of the machine, and that a virtual module serves is not news.
     std::string Run(const std::string& command) const {
-#ifdef TEST_EMULATOR
-        const RunTool::Arguments words{TEST_EMULATOR, VESK_TOOL};
-#else
-        const RunTool::Arguments words{VESK_TOOL};
-#endif
         std::string program;
-        for (const std::string& word : words)
+        for (const std::string& word : Process::WordsOf(VESK_TOOL))
             program += "'" + word + "' ";
         const ToolResult result =
             RunTool::Run({"-c", "cd " + _folder.Path("") + "; vesk() { " + program + "\"$@\"; }\n" +
