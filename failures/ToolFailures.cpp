@@ -33,7 +33,7 @@ constexpr std::array TABLE{
             "Check the name of the device, and that its driver is loaded.", ""},
     Outcome{OWN, "this vesk was built without libgpiod, which --gpio needs",
             "The program has no way to a GPIO chip.", "Check which package of vesk is installed.",
-            "Build it with libgpiod 1.x."},
+            "Build it with libgpiod, 1.6 or later."},
     Outcome{OWN, "cannot be used: *", "The system does not give a file, a device or a line of a GPIO chip.",
             "Check the path, or the chip and its numbers, and who may use it.",
             "docs/hardware.md says how a group gets the right to devices."},

@@ -67,8 +67,12 @@ TEST_F(ApplicationTest, EachDoesItsTask) {
 }
 
 TEST_F(ApplicationTest, EachSaysHowItIsUsed) {
-    for (const std::string example : {"application", "bus_up_and_down", "cyclic_control", "fault_log",
-                                      "firmware_update", "read_record", "several_modules"}) {
+    Arguments examples{"application",     "bus_up_and_down", "cyclic_control", "fault_log",
+                       "firmware_update", "read_record",     "several_modules"};
+#ifdef VESK_WITH_GPIOD
+    examples.emplace_back("event_driven");
+#endif
+    for (const std::string& example : examples) {
         const ToolResult result = RunTool::Run({}, Path(example));
         EXPECT_EQ(result.status, 1);
         EXPECT_THAT(result.err, StartsWith("usage: " + example + " "));

@@ -10,7 +10,10 @@
 #include "virtualmodule/InProcess.h"
 
 #ifdef VESK_WITH_GPIOD
-#include <gpiod.h>
+#include "vesk/lines/GpioLines.h"
+#endif
+#ifdef GPIOD_LINE_BULK_MAX_LINES // libgpiod 1.x, for which it stands in
+#include <unistd.h>
 
 using namespace VeskTool;
 using testing::ElementsAre;
@@ -24,6 +27,7 @@ VirtualModule::InProcess* module;
 std::vector<std::string> requests; // in the order of the host
 const char* takenBy;               // the consumer of the line that is taken
 int failures;                      // errno of the next reading or driving; 0 for none
+int edges[2];                      // a pipe with a byte for each edge
 
 int Drive(unsigned int line, int level) {
     if (line == RESET)
@@ -69,6 +73,20 @@ gpiod_line* gpiod_chip_get_line(gpiod_chip*, unsigned int number) {
 int gpiod_line_request_input(gpiod_line* line, const char* consumer) {
     requests.push_back("input " + std::to_string(line->number) + " " + consumer);
     return 0;
+}
+
+int gpiod_line_request_falling_edge_events(gpiod_line* line, const char*) {
+    requests.push_back("edges " + std::to_string(line->number));
+    return ::pipe(edges);
+}
+
+int gpiod_line_event_get_fd(gpiod_line*) {
+    return edges[0];
+}
+
+int gpiod_line_event_read_multiple(gpiod_line*, gpiod_line_event*, unsigned int most) {
+    char bytes[64];
+    return Fails() ? -1 : static_cast<int>(::read(edges[0], bytes, most));
 }
 
 int gpiod_line_request_output(gpiod_line* line, const char* consumer, int level) {
@@ -132,6 +150,27 @@ TEST_F(GpioTest, TheLinesBringAModuleUp) {
     }
     EXPECT_EQ(requests.back(), "close");
     EXPECT_TRUE(virtualModule.GetModule().Violations().empty());
+}
+
+TEST_F(GpioTest, TheInterruptCanBeWaitedFor) {
+    const auto lines = GpioLines::Open("gpiochip0:a", {IRQ, RESET, BOOT}, GpioLines::Interrupt::AWAITED);
+    EXPECT_EQ(requests.back(), "edges 17");
+    const auto readable = [&] {
+        pollfd waiting{lines->InterruptDescriptor(), POLLIN, 0};
+        return ::poll(&waiting, 1, 0) == 1;
+    };
+    lines->TakeInterrupts(); // none, which does not block
+    EXPECT_FALSE(readable());
+    ASSERT_EQ(::write(edges[1], std::string(40, 'e').data(), 40), 40); // more than are taken at once
+    EXPECT_TRUE(readable());
+    lines->TakeInterrupts();
+    EXPECT_FALSE(readable());
+    ASSERT_EQ(::write(edges[1], "e", 1), 1);
+    failures = EIO;
+    EXPECT_THAT([&] { lines->TakeInterrupts(); },
+                testing::ThrowsMessage<std::system_error>(HasSubstr("line 17 (irq): Input/output error")));
+    ::close(edges[0]);
+    ::close(edges[1]);
 }
 
 TEST_F(GpioTest, ALineThatFailsIsNamed) {
