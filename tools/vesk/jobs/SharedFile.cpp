@@ -3,6 +3,8 @@
 
 #include "tools/vesk/text/Failure.h"
 
+#include <algorithm>
+#include <array>
 #include <cerrno>
 #include <cstring>
 #include <sys/mman.h>
@@ -36,9 +38,19 @@ void SharedFile::Fit(const std::string& path) const {
         throw Failure(path + " is not a regular file");
     if (status.st_size == 0 && ::ftruncate(_file.Descriptor(), static_cast<off_t>(_size)) != 0)
         FailWithReason(path);
-    if (status.st_size != 0 && status.st_size != static_cast<off_t>(_size))
+    if (status.st_size != 0 && status.st_size != static_cast<off_t>(_size) &&
+        !IsFilledToAPage(status.st_size))
         throw Failure(path + " has " + std::to_string(status.st_size) + " bytes instead of " +
                       std::to_string(_size) + ", so it is something else");
+}
+
+bool SharedFile::IsFilledToAPage(std::int64_t length) const {
+    std::array<char, 4096> page{};
+    if (length != static_cast<std::int64_t>(page.size()) || _size > page.size() ||
+        ::pread(_file.Descriptor(), page.data(), page.size(), 0) != static_cast<ssize_t>(page.size()))
+        return false;
+    return std::all_of(page.begin() + static_cast<std::ptrdiff_t>(_size), page.end(),
+                       [](char byte) { return byte == 0; });
 }
 
 } // namespace VeskTool

@@ -4,6 +4,7 @@
 #include "vesk/lines/LockedFile.h"
 
 #include <cstddef>
+#include <cstdint>
 #include <string>
 
 namespace VeskTool {
@@ -13,7 +14,8 @@ namespace VeskTool {
 class SharedFile {
 public:
     /// Makes the file, `size` zero bytes, where it is missing or empty. Failure for anything but a file of
-    /// exactly that size, so that a mistyped path costs no data; InUse for one that another module has.
+    /// exactly that size, so that a mistyped path costs no data; it may be filled up to a page with zeros, as
+    /// the memory of an emulated machine's device is. InUse for one that another module has.
     SharedFile(const std::string& path, std::size_t size);
     ~SharedFile();
     SharedFile(const SharedFile&) = delete;
@@ -24,6 +26,7 @@ public:
 
 private:
     void Fit(const std::string& path) const;
+    bool IsFilledToAPage(std::int64_t length) const;
 
     std::size_t _size;
     LockedFile _file;
