@@ -10,9 +10,13 @@
 #include "vesk/lines/Gpiod2Line.h"
 #endif
 
+#include <cerrno>
+#include <filesystem>
 #include <memory>
 #include <poll.h>
 #include <string>
+#include <system_error>
+#include <unistd.h>
 
 /// The three control lines of a module as lines of a GPIO chip, through libgpiod 1.6 or 2. All of them carry
 /// the levels of the module's pins: low asserts. They belong to this process for as long as the object, or
@@ -71,7 +75,7 @@ private:
     static constexpr const char* CONSUMER = "vesk"; // what `gpioinfo` shows
 
     GpioLines(const std::string& chip, const Numbers& numbers, Interrupt interrupt)
-        : GpioLines(GpioLine::OpenChip(chip), chip, numbers) {
+        : GpioLines(OpenChip(chip), chip, numbers) {
         _reset.Take(CONSUMER, GpioLine::Use::LOW);
         _boot.Take(CONSUMER, GpioLine::Use::HIGH);
         _irq.Take(CONSUMER, interrupt == Interrupt::AWAITED ? GpioLine::Use::EDGES : GpioLine::Use::INPUT);
@@ -81,6 +85,22 @@ private:
         : _irq(Find(chip, name, "irq", numbers.irq)),
           _reset(Find(chip, name, "reset", numbers.reset)),
           _boot(Find(chip, name, "boot", numbers.boot)) {}
+
+    /// A label is looked for among the chips that this user may open, so one of the others may be meant.
+    static GpioLine::Chip OpenChip(const std::string& name) {
+        try {
+            return GpioLine::OpenChip(name);
+        } catch (const std::system_error& error) {
+            if (error.code().value() != ENOENT)
+                throw;
+            for (const auto& file : std::filesystem::directory_iterator("/dev"))
+                if (file.path().filename().string().starts_with("gpiochip") &&
+                    access(file.path().c_str(), R_OK | W_OK) != 0)
+                    throw std::system_error(EACCES, std::generic_category(),
+                                            name + " is none of the chips that may be opened");
+            throw;
+        }
+    }
 
     static GpioLine Find(const GpioLine::Chip& chip, const std::string& name, const std::string& role,
                          unsigned int number) {
