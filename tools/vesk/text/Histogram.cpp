@@ -34,13 +34,13 @@ std::vector<std::string> Histogram::Lines() const {
                                    std::to_string(Quantile(0.5)) + " us, 99.9 % within " +
                                    std::to_string(Quantile(0.999)) + " us"};
     lines.emplace_back();
-    const auto rare = [this](std::size_t bucket) { return std::uint64_t{_buckets[bucket]} * 100 < _count; };
+    const auto many = [this](std::uint64_t durations) { return durations * 100 >= _count; };
     for (std::size_t bucket = Quantile(0); bucket <= LAST; ++bucket) {
         if (_buckets[bucket] == 0)
             continue;
         std::size_t last = bucket; // of those that share an entry
         std::uint64_t sum = _buckets[bucket];
-        for (std::size_t next = bucket + 1; rare(bucket) && next <= LAST && rare(next); ++next)
+        for (std::size_t next = bucket + 1; next <= LAST && !many(sum) && !many(_buckets[next]); ++next)
             if (_buckets[next] != 0) {
                 sum += _buckets[next];
                 last = next;

@@ -25,7 +25,7 @@ public:
     std::size_t Quantile(double share) const;
 
     /// "1000 times, 4 to 31 us, half within 5 us, 99.9 % within 12 us", and in lines below it the buckets as
-    /// "microsecond:count". Neighbours of which none has a hundredth of the durations share one, "7-31:9".
+    /// "microsecond:count". Neighbours share one, "7-31:9", until it has a hundredth of the durations.
     std::vector<std::string> Lines() const;
 
     /// `count`, `least`, `median`, `most` (microseconds), and `buckets`, an array of arrays of microsecond
