@@ -9,7 +9,6 @@ namespace Vesk::DBus {
 
 namespace {
 
-using Variants = std::map<std::string, sdbus::Variant>;
 using Modules::DPVM::Vt22FatalEventInfo;
 
 /// Puts the value of that name into `value`, if it is there.

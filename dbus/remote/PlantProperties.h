@@ -17,6 +17,11 @@ class Variant;
 
 namespace Vesk::DBus {
 
+using Variants = std::map<std::string, sdbus::Variant>;
+
+/// Words of a message of the module that are no data.
+inline constexpr int EXTENDED_SIZE = 8;
+
 /// A slave as a plant lists it. Lengths are bytes.
 struct PlantSlave {
     unsigned char address = 0;
@@ -55,14 +60,14 @@ struct PlantStatistics {
     PlantTime updateTime;
     PlantTime period; ///< from the beginning of an Update to that of the next
 
-    static PlantStatistics From(const std::map<std::string, sdbus::Variant>& statistics);
+    static PlantStatistics From(const Variants& statistics);
 };
 
 /// The properties of org.libvesk.Master1, as the plant has told them last.
 struct PlantProperties {
     /// Takes those that are there; what it does not know it leaves alone. sdbus::Error for one of another
     /// type.
-    void Take(const std::map<std::string, sdbus::Variant>& properties);
+    void Take(const Variants& properties);
 
     std::string state;
     unsigned short vendorId = 0;

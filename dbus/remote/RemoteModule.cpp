@@ -12,12 +12,10 @@
 namespace Vesk::DBus {
 
 using namespace Modules::DPVM;
-using Variants = std::map<std::string, sdbus::Variant>;
 
 namespace {
 
 constexpr int LIST_SIZE = 16;
-constexpr int EXTENDED_SIZE = 8;
 constexpr const char* PROPERTIES_INTERFACE = "org.freedesktop.DBus.Properties";
 
 std::shared_ptr<System::IArray<unsigned char>> NewList() {

@@ -18,8 +18,6 @@ using List = std::shared_ptr<System::IArray<unsigned char>>;
 
 namespace {
 
-constexpr int EXTENDED_SIZE = 8;
-
 /// Longer than any request of the plant to its module takes.
 constexpr std::uint64_t ANSWER_MICROSECONDS = 10'000'000;
 
