@@ -86,9 +86,6 @@ struct Signal {
 /// are.
 bool IsName(std::string_view name);
 
-/// "int16" and so on.
-std::string_view NameOf(SignalType type);
-
 /// When a slave switches itself off: after a time, after as many units as two factors make, or never.
 struct WatchdogSetting {
     std::chrono::microseconds time{0};

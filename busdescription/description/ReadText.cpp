@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "busdescription/description/TableReader.h"
 
+#include "busdescription/description/SignalValue.h"
 #include "busdescription/description/Units.h"
 #include "busdescription/findings/Nearest.h"
 #include "busdescription/gsd/Device.h"
@@ -13,32 +14,13 @@ namespace BusDescription {
 
 namespace {
 
-struct TypeRow {
-    SignalType type;
-    std::string_view name;
-    unsigned int length; // 0: as given
-};
-
-constexpr std::array<TypeRow, 12> TYPES{{{SignalType::BOOL, "bool", 1},
-                                         {SignalType::INT8, "int8", 1},
-                                         {SignalType::INT16, "int16", 2},
-                                         {SignalType::INT32, "int32", 4},
-                                         {SignalType::INT64, "int64", 8},
-                                         {SignalType::UINT8, "uint8", 1},
-                                         {SignalType::UINT16, "uint16", 2},
-                                         {SignalType::UINT32, "uint32", 4},
-                                         {SignalType::UINT64, "uint64", 8},
-                                         {SignalType::FLOAT32, "float32", 4},
-                                         {SignalType::FLOAT64, "float64", 8},
-                                         {SignalType::BYTES, "bytes", 0}}};
-
 constexpr std::uint32_t ANY = 0xFFFFFFFF;
 constexpr std::uint32_t LAST_PLACE = 3499;
 
 std::vector<std::string> TypeNames() {
     std::vector<std::string> names;
-    names.reserve(TYPES.size());
-    for (const TypeRow& row : TYPES)
+    names.reserve(SignalTypes().size());
+    for (const SignalTypeRow& row : SignalTypes())
         names.emplace_back(row.name);
     return names;
 }
@@ -329,7 +311,7 @@ private:
         const auto type = reader.OneOf("type", TypeNames());
         if (reader.Take("type") == nullptr)
             reader.Error(signal.place, "type is missing, such as \"int16\"");
-        const TypeRow& row = TYPES[type.value];
+        const SignalTypeRow& row = SignalTypes()[type.value];
         signal.type = row.type;
         const auto bit = reader.Number("bit", 0, 7);
         const auto length = reader.Number("length", 1, 244);
@@ -345,7 +327,7 @@ private:
         signal.unit = reader.Text("unit").value;
         if (!type)
             return;
-        const bool number = row.type != SignalType::BOOL && row.type != SignalType::BYTES;
+        const bool number = row.kind != SignalKind::BOOL && row.kind != SignalKind::BYTES;
         if (bit && row.type != SignalType::BOOL)
             reader.Error(bit.place, "bit is for the type bool");
         if (length && row.type != SignalType::BYTES)
@@ -422,11 +404,6 @@ bool IsName(std::string_view name) {
     const auto letter = [](char c) { return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z'); };
     const auto inner = [&](char c) { return letter(c) || (c >= '0' && c <= '9') || c == '-' || c == '_'; };
     return !name.empty() && letter(name.front()) && std::all_of(name.begin(), name.end(), inner);
-}
-
-std::string_view NameOf(SignalType type) {
-    return std::find_if(TYPES.begin(), TYPES.end(), [type](const TypeRow& row) { return row.type == type; })
-        ->name;
 }
 
 Description ReadText(std::string_view text, const std::string& file, Findings& findings) {

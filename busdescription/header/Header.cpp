@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "busdescription/header/Header.h"
 
+#include "busdescription/description/SignalValue.h"
 #include "busdescription/description/Units.h"
 
 #include <algorithm>
@@ -49,28 +50,16 @@ constexpr Number Nearest(double value) {
 } // namespace Access
 )";
 
-struct CppType {
-    SignalType type;
-    const char* name;
-    const char* bits; // the unsigned integer of its size
-};
+/// The unsigned integer of that many bytes.
+std::string BitsType(unsigned int length) {
+    return "std::uint" + std::to_string(8 * length) + "_t";
+}
 
-constexpr CppType CPP_TYPES[] = {
-    {SignalType::INT8, "std::int8_t", "std::uint8_t"},
-    {SignalType::INT16, "std::int16_t", "std::uint16_t"},
-    {SignalType::INT32, "std::int32_t", "std::uint32_t"},
-    {SignalType::INT64, "std::int64_t", "std::uint64_t"},
-    {SignalType::UINT8, "std::uint8_t", "std::uint8_t"},
-    {SignalType::UINT16, "std::uint16_t", "std::uint16_t"},
-    {SignalType::UINT32, "std::uint32_t", "std::uint32_t"},
-    {SignalType::UINT64, "std::uint64_t", "std::uint64_t"},
-    {SignalType::FLOAT32, "float", "std::uint32_t"},
-    {SignalType::FLOAT64, "double", "std::uint64_t"},
-};
-
-const CppType& CppTypeOf(SignalType type) {
-    return *std::find_if(std::begin(CPP_TYPES), std::end(CPP_TYPES),
-                         [type](const CppType& each) { return each.type == type; });
+std::string NumberType(const SignalTypeRow& row) {
+    if (row.kind == SignalKind::REAL)
+        return row.length == 4 ? "float" : "double";
+    return row.kind == SignalKind::SIGNED ? "std::int" + std::to_string(8 * row.length) + "_t"
+                                          : BitsType(row.length);
 }
 
 /// So many digits that the same number is read back.
@@ -164,7 +153,7 @@ private:
     }
 
     void Accessors(const Signal& signal) {
-        _text += "\n    // " + signal.name + ": " + std::string(NameOf(signal.type)) +
+        _text += "\n    // " + signal.name + ": " + std::string(RowOf(signal.type).name) +
                  (signal.toBus ? " to the bus" : " from the bus") +
                  (signal.unit.empty() ? "" : ", " + CommentText(signal.unit)) + "\n";
         const std::string offset = std::to_string(signal.offset);
@@ -182,28 +171,30 @@ private:
     }
 
     void NumberAccessors(const Signal& signal, const std::string& offset) {
-        const CppType& type = CppTypeOf(signal.type);
+        const SignalTypeRow& row = RowOf(signal.type);
+        const std::string type = NumberType(row);
+        const std::string bits = BitsType(row.length);
         const std::string order = signal.littleEndian ? "true" : "false";
         const std::string data =
             signal.toBus ? "std::span<const unsigned char, TO_BUS_LENGTH>(data)" : "data";
-        const std::string number = "std::bit_cast<" + std::string(type.name) + ">(Access::Get<" + type.bits +
-                                   ">(" + data + ", " + offset + ", " + order + "))";
-        const std::string set = "Access::Set<" + std::string(type.bits) + ">(data, " + offset + ", " + order +
-                                ", std::bit_cast<" + type.bits + ">(";
+        const std::string number = "std::bit_cast<" + type + ">(Access::Get<" + bits + ">(" + data + ", " +
+                                   offset + ", " + order + "))";
+        const std::string set = "Access::Set<" + std::string(bits) + ">(data, " + offset + ", " + order +
+                                ", std::bit_cast<" + bits + ">(";
         if (!signal.scale) {
-            Getter(signal, type.name, number);
-            Setter(signal, type.name, set + "value));");
+            Getter(signal, type, number);
+            Setter(signal, type, set + "value));");
             return;
         }
         const std::string scale = RealText(*signal.scale);
         const std::string zero = RealText(signal.zero);
-        const bool real = signal.type == SignalType::FLOAT32 || signal.type == SignalType::FLOAT64;
+        const bool real = row.kind == SignalKind::REAL;
         const std::string raw = "(value - (" + zero + ")) / (" + scale + ")";
         Getter(signal, "double", "static_cast<double>(" + number + ") * (" + scale + ") + (" + zero + ")");
         Setter(signal, "double",
                set +
-                   (real ? "static_cast<" + std::string(type.name) + ">(" + raw + ")"
-                         : "Access::Nearest<" + std::string(type.name) + ">(" + raw + ")") +
+                   (real ? "static_cast<" + type + ">(" + raw + ")"
+                         : "Access::Nearest<" + type + ">(" + raw + ")") +
                    "));");
     }
 

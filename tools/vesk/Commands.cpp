@@ -137,11 +137,13 @@ const std::vector<Command>& Commands() {
          AddSlaveConfig},
         {"input", SLAVE,
          "Show the input data that the master sends to a slave; with --watch each change of them." +
-             ON_THE_BUS + "\nExample: vesk input 5",
+             ON_THE_BUS + "\nExample: vesk input 5\nExample: vesk input pump.setpoint",
          AddInput},
         {"output", SLAVE,
          "Show the output data that the master gets from a slave; with --watch each change of them." +
-             ON_THE_BUS + "\nExample: vesk output 5 --json\nExample: vesk output 5 --watch --seconds 60",
+             ON_THE_BUS +
+             "\nExample: vesk output 5 --json\nExample: vesk output 5 --watch --seconds 60\n"
+             "Example: vesk output pump.speed",
          AddOutput},
         {"set", SLAVE,
          "Set input data of a slave, which the master sends to it, and wait until the master has them; exit "
@@ -152,7 +154,9 @@ const std::vector<Command>& Commands() {
          "Otherwise the module goes back into reset at once, so what it shows is whether it works.\n"
          "Where a slave has its bytes, only the configuration of the module says: --config. A virtual module "
          "has that of examples/plant.ddb." +
-             ON_THE_BUS + "\nExample: vesk set 5 0a0b0c\nExample: vesk set 5 4 \"0a 0b\"",
+             ON_THE_BUS +
+             "\nExample: vesk set 5 0a0b0c\nExample: vesk set 5 4 \"0a 0b\"\n"
+             "Example: vesk set pump.setpoint 120",
          AddSet},
         {"read", SLAVE, "Read a record of a slave." + ON_THE_BUS + "\nExample: vesk read 5 0 1 64", AddRead},
         {"write", SLAVE,

@@ -10,10 +10,18 @@ namespace VeskTool {
 
 using BusDescription::SlaveDescription;
 
-template <class Predicate>
-static const SlaveDescription* Find(const std::vector<SlaveDescription>& slaves, Predicate fits) {
-    const auto found = std::find_if(slaves.begin(), slaves.end(), fits);
-    return found == slaves.end() ? nullptr : &*found;
+template <class Thing, class Predicate>
+static const Thing* Find(const std::vector<Thing>& things, Predicate fits) {
+    const auto found = std::find_if(things.begin(), things.end(), fits);
+    return found == things.end() ? nullptr : &*found;
+}
+
+template <class Thing>
+static std::vector<std::string> Names(const std::vector<Thing>& things) {
+    std::vector<std::string> names(things.size());
+    std::transform(things.begin(), things.end(), names.begin(),
+                   [](const Thing& thing) { return thing.name; });
+    return names;
 }
 
 const SlaveDescription& DescribedBus::SlaveNamed(const std::string& name) const {
@@ -22,9 +30,17 @@ const SlaveDescription& DescribedBus::SlaveNamed(const std::string& name) const 
         return *slave;
     if (slaves.empty())
         throw Failure(file + ": has no names, so no slave is called " + name);
-    std::vector<std::string> names(slaves.size());
-    std::transform(slaves.begin(), slaves.end(), names.begin(), [](const auto& slave) { return slave.name; });
-    throw Failure(file + ": no slave is called " + name + BusDescription::DidYouMean(name, names));
+    throw Failure(file + ": no slave is called " + name + BusDescription::DidYouMean(name, Names(slaves)));
+}
+
+const BusDescription::Signal& DescribedBus::SignalNamed(const std::string& name) const {
+    const auto point = name.find('.');
+    const SlaveDescription& slave = SlaveNamed(name.substr(0, point));
+    const std::string called = name.substr(point + 1);
+    if (const auto* signal = Find(slave.signals, [&](const auto& each) { return each.name == called; }))
+        return *signal;
+    throw Failure(file + ": slave " + slave.name + " has no signal " + called +
+                  BusDescription::DidYouMean(called, Names(slave.signals)));
 }
 
 const SlaveDescription* DescribedBus::SlaveAt(unsigned int address) const {

@@ -19,6 +19,9 @@ struct DescribedBus {
     /// The slave of that name. Failure, which names the nearest one, where there is none.
     const BusDescription::SlaveDescription& SlaveNamed(const std::string& name) const;
 
+    /// The signal "slave.signal". Failure, which names the nearest one, where there is none.
+    const BusDescription::Signal& SignalNamed(const std::string& name) const;
+
     /// The slave at `address`; null where the description has none.
     const BusDescription::SlaveDescription* SlaveAt(unsigned int address) const;
 };

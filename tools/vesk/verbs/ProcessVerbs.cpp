@@ -2,10 +2,12 @@
 // The verbs for the process data of a slave: input, output and set.
 #include "tools/vesk/verbs/ProcessVerbs.h"
 
-#include "tools/vesk/files/DatabaseFile.h"
+#include "busdescription/description/SignalValue.h"
 #include "tools/vesk/text/ByteText.h"
 #include "tools/vesk/text/Clock.h"
 #include "tools/vesk/text/Numbers.h"
+#include "tools/vesk/text/Text.h"
+#include "tools/vesk/verbs/Signals.h"
 #include "tools/vesk/verbs/Stations.h"
 #include "tools/vesk/verbs/Verbs.h"
 
@@ -46,8 +48,71 @@ Json AnswerOutput(Session& session, const Json& arguments) {
 }
 
 std::string DataText(const Json& facts, const Paint&) {
+    if (facts.contains("signal"))
+        return SignalText(facts["signals"][0]) + "\n";
     const auto bytes = BytesOf(facts);
-    return std::to_string(bytes.size()) + " bytes\n" + HexDump(bytes);
+    std::string text = std::to_string(bytes.size()) + " bytes\n" + HexDump(bytes);
+    std::vector<std::vector<std::string>> rows;
+    for (const Json& signal : facts.value("signals", Json::array()))
+        rows.push_back({signal["name"], SignalText(signal)});
+    for (const std::string& line : TableLines(rows))
+        text += line + "\n";
+    return text;
+}
+
+/// A slave, or one signal of a slave.
+struct Choice {
+    std::string name;                               // "slave.signal"; or empty
+    const BusDescription::Signal* signal = nullptr; // of that name, once names are known
+};
+
+/// The positional argument ADDRESS, which may name a signal in the direction of the verb.
+std::shared_ptr<Choice> AddChoice(VerbCommand& command, bool toBus) {
+    const auto choice = std::make_shared<Choice>();
+    const auto find = [&command, choice, toBus](const DescribedBus* known) {
+        const DescribedBus& names = NeedNames(known);
+        choice->signal = &names.SignalNamed(choice->name);
+        if (choice->signal->toBus != toBus)
+            throw Failure(choice->name + (toBus ? " comes from the bus, so it is among the output data"
+                                                : " goes to the bus, so it is among the input data"));
+        command.arguments["address"] =
+            names.SlaveNamed(choice->name.substr(0, choice->name.find('.'))).address.value;
+    };
+    const auto take = [&command, choice, find](const std::string& text) {
+        if (text.find('.') == std::string::npos)
+            return command.TakeAddress("ADDRESS", text, HIGHEST_ADDRESS, [&command](unsigned int address) {
+                command.arguments["address"] = address;
+            });
+        choice->name = text;
+        command.preparations.emplace_back(find);
+    };
+    command.AddBus();
+    command.App()
+        .add_option_function<std::string>(
+            "ADDRESS", take, "Station address of the slave, 0 to 126, or its name, or SLAVE.SIGNAL")
+        ->required()
+        ->type_name("");
+    return choice;
+}
+
+/// Adds the values of the signals in the bytes of the facts, which begin with the slave's first one.
+void AddSignals(Session& session, Json& facts, const DescribedBus* known, const Choice& choice, bool toBus) {
+    const std::string held = known == nullptr ? "" : HeldBy(session);
+    const std::string wanted = known == nullptr ? "" : ChecksumText(known->config->Checksum());
+    if (held != wanted && choice.signal != nullptr)
+        throw Failure("The module holds the database " + Printable(held) + " instead of " + wanted +
+                      ", so nobody knows where its slaves have their bytes");
+    const auto* const slave = known != nullptr && held == wanted ? known->SlaveAt(facts["address"]) : nullptr;
+    if (slave == nullptr)
+        return;
+    const auto bytes = BytesOf(facts);
+    Json signals = Json::array();
+    for (const BusDescription::Signal& signal : slave->signals)
+        if (signal.toBus == toBus && (choice.signal == nullptr || choice.signal == &signal))
+            signals.push_back(SignalToJson(signal, bytes));
+    if (choice.signal != nullptr)
+        facts["signal"] = choice.name;
+    facts["signals"] = signals;
 }
 
 Json ChangedBytes(const std::vector<unsigned char>& before, const std::vector<unsigned char>& now) {
@@ -59,17 +124,26 @@ Json ChangedBytes(const std::vector<unsigned char>& before, const std::vector<un
 }
 
 int Watch(Session& session, const VerbCommand& command, double seconds) {
-    WatchData(*command.verb, session, command.arguments, seconds, [&](const Json& facts) {
-        std::cout << (command.PrintsJson() ? JsonLine(facts)
-                                           : LocalTime() + " " + ChangedText(facts, Paint::Standard()) + "\n")
+    Json before;
+    WatchData(*command.verb, session, command.arguments, seconds, [&](Json facts) {
+        command.complete(session, facts);
+        const bool signal = facts.contains("signal");
+        if (signal && facts["signals"] == before)
+            return; // other bytes have changed
+        before = facts.value("signals", Json());
+        std::cout << (command.PrintsJson()
+                          ? JsonLine(facts)
+                          : LocalTime() + " " +
+                                (signal ? SignalText(before[0]) : ChangedText(facts, Paint::Standard())) +
+                                "\n")
                   << std::flush;
     });
     return DONE;
 }
 
-Action AddData(CLI::App& app, const Verb& verb) {
+Action AddData(CLI::App& app, const Verb& verb, bool toBus) {
     const auto command = std::make_shared<VerbCommand>(app, verb);
-    command->AddAddress();
+    const auto choice = AddChoice(*command, toBus);
     const auto seconds = std::make_shared<double>(std::numeric_limits<double>::infinity());
     CLI::Option* const watch = app.add_flag_callback(
         "--watch",
@@ -85,7 +159,15 @@ Action AddData(CLI::App& app, const Verb& verb) {
            "Watch for that long")
         ->needs(watch)
         ->type_name("N");
-    return [command] { return command->Execute(); };
+    return [command, choice, toBus] {
+        command->preparations.emplace_back(
+            [command = command.get(), choice, toBus](const DescribedBus* known) {
+                command->complete = [=](Session& session, Json& facts) {
+                    AddSignals(session, facts, known, *choice, toBus);
+                };
+            });
+        return command->Execute();
+    };
 }
 
 // ---- vesk set
@@ -111,20 +193,39 @@ bool Shows(Session& session, const Json& arguments) {
            std::equal(bytes.begin(), bytes.end(), held->begin() + static_cast<std::ptrdiff_t>(offset));
 }
 
+/// The "data" of the arguments; where they have a "mask", only its bits, and the others as the master has
+/// them.
+std::vector<unsigned char> BytesToSet(Session& session, const Json& arguments) {
+    auto bytes = BytesOf(arguments);
+    if (!arguments.contains("mask"))
+        return bytes;
+    const auto mask = ParseHex("mask", arguments["mask"].get<std::string>());
+    const auto offset = arguments["offset"].get<std::size_t>();
+    const auto held = TryAboutSlave(session, arguments["address"], &IDPVMModule::ReadSlaveInput);
+    for (std::size_t i = 0; held && i < bytes.size() && offset + i < held->size(); ++i)
+        bytes[i] = static_cast<unsigned char>(((*held)[offset + i] & ~mask[i]) | (bytes[i] & mask[i]));
+    return bytes;
+}
+
 Json AnswerSet(Session& session, const Json& arguments) {
-    const auto bytes = BytesOf(arguments);
+    const auto bytes = BytesToSet(session, arguments);
     session.SetInput(arguments["address"], arguments["offset"], bytes);
+    Json set = arguments;
+    set["data"] = HexDigits(bytes);
     const auto start = System::DateTime::Now();
-    bool shows = Shows(session, arguments);
+    bool shows = Shows(session, set);
     while (!shows && SecondsSince(start) < EXCHANGE_SECONDS)
-        shows = Shows(session, arguments);
+        shows = Shows(session, set);
     Json facts{{"ok", shows}, {"offset", arguments["offset"]}};
     facts.update(DataToJson(arguments, bytes));
     return facts;
 }
 
 std::string SetText(const Json& facts, const Paint& paint) {
-    const std::string what = "slave " + facts["address"].dump() + ", input from byte " +
+    const std::string signal = facts.contains("signal") ? facts["signal"].get<std::string>() + " = " +
+                                                              SignalText(facts["signals"][0]) + ", "
+                                                        : "";
+    const std::string what = signal + "slave " + facts["address"].dump() + ", input from byte " +
                              facts["offset"].dump() + " on: " + facts["data"].get<std::string>() + "\n";
     return facts["ok"] ? "Set: " + what : paint.Bad("Not taken by the master: ") + what;
 }
@@ -136,6 +237,23 @@ void TakeBytes(Json& arguments, const std::vector<std::string>& words) {
                                    bytes.empty() ? "there are none" : "more than an offset and one word");
     arguments["data"] = HexDigits(bytes);
     arguments["offset"] = words.size() > 1 ? ParseNumber("OFFSET", words.front(), 0, MAX_DATA_SIZE - 1) : 0;
+}
+
+void TakeValue(VerbCommand& command, const Choice& choice, const std::string& value) {
+    try {
+        const auto [bytes, mask] = BytesOf(*choice.signal, value);
+        command.arguments["data"] = HexDigits(bytes);
+        command.arguments["mask"] = HexDigits(mask);
+        command.arguments["offset"] = choice.signal->offset;
+    } catch (const BusDescription::SignalValueError& error) {
+        throw Failure(error.what());
+    }
+    command.complete = [&choice](Session&, Json& facts) {
+        BusDescription::Signal signal = *choice.signal;
+        signal.offset = 0; // in the bytes that were set
+        facts["signal"] = choice.name;
+        facts["signals"] = {SignalToJson(signal, BytesOf(facts))};
+    };
 }
 
 } // namespace
@@ -173,23 +291,31 @@ std::string ChangedText(const Json& facts, const Paint& paint) {
 
 Action AddInput(CLI::App& app) {
     static constexpr Verb INPUT{Need::OPERATING, AnswerInput, DataText};
-    return AddData(app, INPUT);
+    return AddData(app, INPUT, true);
 }
 
 Action AddOutput(CLI::App& app) {
     static constexpr Verb OUTPUT{Need::OPERATING, AnswerOutput, DataText};
-    return AddData(app, OUTPUT);
+    return AddData(app, OUTPUT, false);
 }
 
 Action AddSet(CLI::App& app) {
     static constexpr Verb SET{Need::OPERATING, AnswerSet, SetText};
     const auto command = std::make_shared<VerbCommand>(app, SET);
     VerbCommand* const self = command.get();
-    self->AddAddress();
+    const auto choice = AddChoice(*self, true);
+    const auto take = [self, choice](const std::vector<std::string>& words) {
+        if (choice->name.empty())
+            return TakeBytes(self->arguments, words);
+        if (words.size() > 1)
+            throw CLI::ValidationError("BYTES", "more than one value for " + choice->name);
+        self->preparations.emplace_back(
+            [self, choice, value = words.front()](const DescribedBus*) { TakeValue(*self, *choice, value); });
+    };
     app.add_option_function<std::vector<std::string>>(
-           "BYTES", [self](const std::vector<std::string>& words) { TakeBytes(self->arguments, words); },
+           "BYTES", take,
            "Hexadecimal digits, two for each byte; in a word before them the number of the first byte, which "
-           "is 0 without")
+           "is 0 without. Of a signal its value: a number in its unit, true or false, or hexadecimal digits")
         ->required()
         ->type_name("");
     if (!SharedLife::Current()) {

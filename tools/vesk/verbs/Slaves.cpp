@@ -5,8 +5,11 @@
 #include "tools/vesk/text/ByteText.h"
 #include "tools/vesk/text/Numbers.h"
 #include "tools/vesk/text/Text.h"
+#include "tools/vesk/verbs/Signals.h"
 #include "tools/vesk/verbs/Stations.h"
 #include "tools/vesk/verbs/Verbs.h"
+
+#include <algorithm>
 
 namespace VeskTool {
 
@@ -14,6 +17,10 @@ namespace {
 
 Json LengthOf(const std::optional<std::vector<unsigned char>>& bytes) {
     return bytes ? Json(bytes->size()) : Json();
+}
+
+Json DataOf(const std::optional<std::vector<unsigned char>>& bytes) {
+    return bytes ? Json(HexDigits(*bytes)) : Json();
 }
 
 /// What `config`, the JSON form of a configuration or null, says about a slave; null if nothing.
@@ -38,6 +45,8 @@ Json SlaveToJson(Session& session, unsigned int address, const Json& lists, cons
             {"identNumber", there ? Json(diagnosis.IdentNumber()) : Json()},
             {"inputLength", LengthOf(input)},
             {"outputLength", LengthOf(output)},
+            {"input", DataOf(input)},
+            {"output", DataOf(output)},
             {"configured", Lists(lists["configured"], address)},
             {"dataTransfer", Lists(lists["dataTransfer"], address)},
             {"diagnostic", Lists(lists["diagnostic"], address)},
@@ -67,6 +76,24 @@ Json AnswerSlaves(Session& session, const Json& arguments) {
             {"configMatches", config.is_null() ? Json() : Json(matches)}};
 }
 
+/// Adds what the description calls the slaves, and the values of their signals.
+void AddNames(Session& session, Json& facts, const DescribedBus* known) {
+    if (known == nullptr || HeldBy(session) != ChecksumText(known->config->Checksum()))
+        return;
+    for (Json& slave : facts["slaves"]) {
+        const auto* const text = known->SlaveAt(slave["address"]);
+        if (text == nullptr)
+            continue;
+        slave["name"] = text->name;
+        slave["signals"] = Json::array();
+        for (const BusDescription::Signal& signal : text->signals) {
+            const Json& data = slave[signal.toBus ? "input" : "output"];
+            slave["signals"].push_back(
+                SignalToJson(signal, ParseHex("data", data.is_null() ? "" : data.get<std::string>())));
+        }
+    }
+}
+
 // ---- for people
 
 std::string NumberText(const Json& value) {
@@ -94,16 +121,35 @@ std::vector<std::string> RecordCells(const Json& record) {
     return {milliseconds == 0 ? "off" : std::to_string(milliseconds) + " ms", user.empty() ? "-" : user};
 }
 
+/// The signals of all slaves.
+std::string SignalTable(const Json& slaves) {
+    std::vector<std::vector<std::string>> rows{{"SIGNAL", "DIRECTION", "VALUE"}};
+    for (const Json& slave : slaves)
+        for (const Json& signal : slave.value("signals", Json::array()))
+            rows.push_back({slave["name"].get<std::string>() + "." + signal["name"].get<std::string>(),
+                            signal["toBus"] ? "to the bus" : "from the bus", SignalText(signal)});
+    std::string text = "\n";
+    for (const std::string& line : TableLines(rows))
+        text += line + "\n";
+    return rows.size() > 1 ? text : "";
+}
+
 std::string SlavesText(const Json& facts, const Paint& paint, bool verbose) {
     const bool records = verbose && !facts["configMatches"].is_null();
     std::vector<std::vector<std::string>> rows{
         {"ADDRESS", "IDENT", "IN", "OUT", "CONFIGURED", "DATA TRANSFER", "DIAGNOSTICS", "DP-V1"}};
+    const bool names = verbose && std::any_of(facts["slaves"].begin(), facts["slaves"].end(),
+                                              [](const Json& slave) { return slave.contains("name"); });
+    if (names)
+        rows[0].insert(rows[0].begin() + 1, "NAME");
     if (verbose)
         rows[0].insert(rows[0].end(), {"IDENTIFIERS", "DIAGNOSIS"});
     if (records)
         rows[0].insert(rows[0].end(), {"WATCHDOG", "PARAMETERS"});
     for (const Json& slave : facts["slaves"]) {
         std::vector<std::string> row = BriefRow(slave);
+        if (names)
+            row.insert(row.begin() + 1, slave.value("name", "-"));
         const Json& identifiers = slave["identifiers"];
         const Json& diagnosis = slave["diagnosis"];
         if (verbose)
@@ -116,6 +162,8 @@ std::string SlavesText(const Json& facts, const Paint& paint, bool verbose) {
         rows.push_back(row);
     }
     std::string text = SlaveTable(rows, facts["slaves"], paint);
+    if (names)
+        text += SignalTable(facts["slaves"]);
     if (facts["configMatches"] == false)
         text += paint.Bad("The module holds another database than that file.") + "\n";
     return text + "\n" + StationGrid(facts["lists"], facts["liveList"], paint);
@@ -150,9 +198,14 @@ Action AddSlaves(CLI::App& app) {
     app.add_flag_callback(
         "-v,--verbose", [self] { self->verb = &VERBOSE; },
         "What each slave says of itself, and what --config tells it");
-    command->AddConfig(
-        "Configuration database (.ddb) or bus description (.toml) that the module was given",
-        [self](const std::string& path) { self->arguments["config"] = ToJson(*LoadDatabaseFile(path)); });
+    command->AddConfig("Configuration database (.ddb) or bus description (.toml) that the module was given",
+                       [self](const std::string& path) {
+                           self->bus = LoadDescribedBus(path);
+                           self->arguments["config"] = ToJson(*self->bus->config);
+                       });
+    command->preparations.emplace_back([self](const DescribedBus* known) {
+        self->complete = [known](Session& session, Json& facts) { AddNames(session, facts, known); };
+    });
     return [command] { return command->Execute(); };
 }
 

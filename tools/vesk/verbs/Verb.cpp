@@ -105,7 +105,8 @@ int VerbCommand::Execute() {
 }
 
 int VerbCommand::Run(Session& session) const {
-    const Json facts = Answer(*verb, session, arguments);
+    Json facts = Answer(*verb, session, arguments);
+    complete(session, facts);
     Print(*verb, facts, _json);
     return StatusOf(facts);
 }

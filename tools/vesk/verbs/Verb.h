@@ -127,6 +127,9 @@ public:
     /// Done one after the other before the module is touched, with what is known of its bus, or null.
     std::vector<std::function<void(const DescribedBus* known)>> preparations;
 
+    /// Adds to the facts what is known beside them; nothing at first.
+    std::function<void(Session& session, Json& facts)> complete = [](Session&, Json&) {};
+
     /// Answers the verb in `session` and prints the facts; the exit status. The verb's own way unless it is
     /// replaced.
     std::function<int(Session& session)> run;
