@@ -2,6 +2,8 @@
 #include "busdescription/gsd/Encoding.h"
 
 #include <algorithm>
+#include <cstdint>
+#include <cstring>
 
 namespace BusDescription::Gsd {
 
@@ -17,6 +19,20 @@ static unsigned int Byte(char character) {
 
 static bool IsAscii(char character) {
     return Byte(character) < 0x80;
+}
+
+/// How many bytes before the first one that is not ASCII; eight at a time, for most files have no other.
+static std::size_t AsciiLength(std::string_view text) {
+    constexpr std::uint64_t others = 0x8080'8080'8080'8080;
+    std::size_t length = 0;
+    for (std::uint64_t eight = 0; text.size() - length >= sizeof eight; length += sizeof eight) {
+        std::memcpy(&eight, text.data() + length, sizeof eight);
+        if ((eight & others) != 0)
+            break;
+    }
+    while (length < text.size() && IsAscii(text[length]))
+        ++length;
+    return length;
 }
 
 /// How many bytes of `text` are its first character in UTF-8; 0 where it does not begin with one.
@@ -39,8 +55,7 @@ static std::size_t CharacterLength(std::string_view text) {
 
 static bool IsUtf8(std::string_view text) {
     while (!text.empty()) {
-        text.remove_prefix(
-            static_cast<std::size_t>(std::find_if_not(text.begin(), text.end(), IsAscii) - text.begin()));
+        text.remove_prefix(AsciiLength(text));
         if (text.empty())
             break;
         const std::size_t length = CharacterLength(text);
@@ -72,7 +87,7 @@ Encoding TakeEncoding(std::string_view& content) {
 }
 
 std::string ToUtf8(std::string_view text, Encoding encoding) {
-    if (std::all_of(text.begin(), text.end(), IsAscii))
+    if (AsciiLength(text) == text.size())
         return std::string(text);
     std::string converted;
     while (!text.empty()) {

@@ -48,7 +48,7 @@ constexpr std::int64_t LEAST_VALUE = INT32_MIN; // of a parameter
 constexpr std::int64_t MOST_VALUE = UINT32_MAX;
 
 struct TypeName {
-    const char* name;
+    std::string_view name;
     ParameterType type;
 };
 
@@ -62,18 +62,18 @@ constexpr TypeName TYPES[] = {{"Unsigned8", ParameterType::UNSIGNED8},
                               {"BitArea", ParameterType::BIT_AREA}};
 
 /// What begins or ends one of the blocks that are read, and so cannot stand within one that is passed over.
-constexpr const char* BORDERS[] = {
+constexpr std::string_view BORDERS[] = {
     "PrmText",   "EndPrmText",     "ExtUserPrmData",    "EndExtUserPrmData", "Module",
     "EndModule", "SlotDefinition", "EndSlotDefinition", "Unit_Diag_Area",    "Unit_Diag_Area_End"};
 
 /// Blocks that say nothing of what is sent to a slave.
-constexpr const char* PASSED_BLOCKS[] = {"UnitDiagType", "Data_Area_Beg", "Physical_Interface",
-                                         "X_Unit_Diag_Area", "Version_Firmware_Download"};
+constexpr std::string_view PASSED_BLOCKS[] = {"UnitDiagType", "Data_Area_Beg", "Physical_Interface",
+                                              "X_Unit_Diag_Area", "Version_Firmware_Download"};
 
 template <std::size_t count>
-bool IsOneOf(const char* const (&names)[count], std::string_view word) {
+bool IsOneOf(const std::string_view (&names)[count], std::string_view word) {
     return std::any_of(std::begin(names), std::end(names),
-                       [word](const char* name) { return SameWord(name, word); });
+                       [word](std::string_view name) { return SameWord(name, word); });
 }
 
 bool IsNumber(std::string_view word) {
