@@ -132,4 +132,38 @@ const Slot* Device::SlotNumbered(unsigned int number) const {
     return slot == slots.end() ? nullptr : &*slot;
 }
 
+static bool BitOf(std::span<const std::uint8_t> bytes, unsigned int bit) {
+    return bit / 8 < bytes.size() && (bytes[bit / 8] >> bit % 8 & 1) != 0;
+}
+
+/// The bits of the area as a number, which are all there; those above 63 do not count.
+static std::int64_t NumberIn(std::span<const std::uint8_t> bytes, const DiagnosisArea& area) {
+    std::int64_t number = 0;
+    for (unsigned int bit = std::min(area.lastBit, area.firstBit + 62) + 1; bit-- > area.firstBit;)
+        number = number << 1 | (BitOf(bytes, bit) ? 1 : 0);
+    return number;
+}
+
+std::vector<DiagnosisMessage> Device::MessagesOf(std::span<const std::uint8_t> diagnosis) const {
+    std::vector<DiagnosisMessage> messages;
+    for (const DiagnosisBit& bit : diagnosisBits)
+        if (BitOf(diagnosis, bit.bit))
+            messages.push_back({bit.text, bit.help});
+    for (const DiagnosisArea& area : diagnosisAreas) {
+        if (area.lastBit / 8 >= diagnosis.size())
+            continue;
+        const std::int64_t number = NumberIn(diagnosis, area);
+        const auto entry =
+            std::find_if(area.values.begin(), area.values.end(),
+                         [number](const ValueTexts::Entry& each) { return each.value == number; });
+        if (entry != area.values.end())
+            messages.push_back({entry->text, ""});
+        else if (number != 0)
+            messages.push_back({"bits " + std::to_string(area.firstBit) + " to " +
+                                    std::to_string(area.lastBit) + " are " + std::to_string(number),
+                                ""});
+    }
+    return messages;
+}
+
 } // namespace BusDescription::Gsd

@@ -174,6 +174,12 @@ struct DiagnosisArea {
     std::vector<ValueTexts::Entry> values;
 };
 
+/// What a device says in the words of its file.
+struct DiagnosisMessage {
+    std::string text;
+    std::string help; // or empty
+};
+
 /// A slave as its file describes it.
 struct Device {
     Given<unsigned int> gsdRevision;
@@ -250,6 +256,9 @@ struct Device {
     std::vector<const Module*> ModulesWithReference(std::uint32_t reference) const;
     /// The slot of that number, null where the file does not restrict it.
     const Slot* SlotNumbered(unsigned int number) const;
+    /// What the bytes of a device-related diagnosis behind the block's header say: a message for each bit
+    /// that is set and has a text, and for each area that is not 0 or has a text for it.
+    std::vector<DiagnosisMessage> MessagesOf(std::span<const std::uint8_t> diagnosis) const;
 };
 
 } // namespace BusDescription::Gsd

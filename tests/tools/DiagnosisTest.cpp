@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "tools/vesk/explain/Diagnosis.h"
+#include "busdescription/gsd/Reader.h"
 #include "tests/support/Golden.h"
 #include "tools/vesk/text/ByteText.h"
 
@@ -41,6 +42,25 @@ TEST(DiagnosisTest, SaysWhatTheBytesMean) {
         said += json["blocks"].dump() + "\n" + Diagnosis::Text(json);
     }
     ExpectGolden("diagnosis.txt", said);
+}
+
+/// The texts of examples/drive.gsd, and none of another device's.
+TEST(DiagnosisTest, HasTheTextsOfADeviceFile) {
+    const auto drive = BusDescription::Gsd::ReadFile(SOURCE_DIR "/examples/drive.gsd").device;
+    const auto said = [&](const Bytes& device, unsigned char ident = 0x14) {
+        Bytes bytes{0x08, 0x0C, 0x00, 0x01, 0x2A, ident};
+        bytes.insert(bytes.end(), device.begin(), device.end());
+        auto json = Diagnosis(bytes).ToJson();
+        Diagnosis::AddTexts(json, drive);
+        return Diagnosis::Text(json);
+    };
+    EXPECT_THAT(said({0x03, 0x03, 0x01}),
+                testing::HasSubstr("device        Too hot, Supply voltage too low, Limited by the motor\n"
+                                   "              Too hot: See that air reaches the heat sink\n"
+                                   "              030301\n"));
+    EXPECT_THAT(said({0x03, 0x00, 0xF5}), testing::HasSubstr("device        bits 8 to 11 are 5\n"));
+    EXPECT_THAT(said({0x02, 0x02}), testing::HasSubstr("device        Supply voltage too low\n"));
+    EXPECT_THAT(said({0x03, 0x03, 0x01}, 0x15), testing::HasSubstr("see its manual"));
 }
 
 TEST(DiagnosisTest, SaysWhatTheModulesExchange) {

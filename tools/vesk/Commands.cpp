@@ -128,7 +128,9 @@ const std::vector<Command>& Commands() {
         {"diag", SLAVE,
          "Show a slave's diagnosis, the standard bytes bit by bit and what follows block by block; or with "
          "--all "
-         "those of all slaves in a table." +
+         "those of all slaves in a table. Where --config names a bus description, the device description "
+         "files of its "
+         "slaves have texts for the device's own bytes." +
              ON_THE_BUS + "\nExample: vesk diag 5\nExample: vesk diag --all",
          AddDiag},
         {"slave-config", SLAVE,

@@ -4,6 +4,7 @@
 #include "busdescription/gsd/Identifier.h"
 
 #include "tools/vesk/text/ByteText.h"
+#include "tools/vesk/text/Numbers.h"
 #include "tools/vesk/text/Text.h"
 
 #include <algorithm>
@@ -109,6 +110,13 @@ Json BlockToJson(ByteView block) {
     return {{"kind", "rest"}};
 }
 
+std::string MessagesText(const Json& messages) {
+    std::vector<std::string> texts;
+    for (const Json& message : messages)
+        texts.push_back(Harmless(message["text"].get<std::string>()));
+    return Joined(texts, ", ");
+}
+
 std::string BlockText(const Json& block) {
     const auto kind = block["kind"].get<std::string>();
     if (kind == "identifier")
@@ -119,6 +127,8 @@ std::string BlockText(const Json& block) {
                "): " + block["errorText"].get<std::string>() + " (" + block["error"].dump() + ")";
     if (kind == "revision")
         return "revision of the device's description: " + block["revision"].dump();
+    if (block.contains("messages"))
+        return MessagesText(block["messages"]);
     return kind == "device" ? "the device as a whole, see its manual" : "no whole block";
 }
 
@@ -173,6 +183,31 @@ Json Diagnosis::ToJson() const {
             {"data", HexDigits(_bytes)}};
 }
 
+void Diagnosis::AddTexts(Json& json, const BusDescription::Gsd::Device& device) {
+    if (json["identNumber"] != device.identNumber.value)
+        return;
+    for (Json& block : json["blocks"]) {
+        if (block["kind"] != "device")
+            continue;
+        const auto bytes = ParseHex("data", block["data"].get<std::string>());
+        Json messages = Json::array();
+        for (const auto& [text, help] : device.MessagesOf(std::span(bytes).subspan(1)))
+            messages.push_back({{"text", text}, {"help", help.empty() ? Json() : Json(help)}});
+        if (!messages.empty())
+            block["messages"] = messages;
+    }
+}
+
+/// A line for each message that says what to do.
+static std::string HelpText(const Json& block) {
+    std::string text;
+    for (const Json& message : block.value("messages", Json::array()))
+        if (!message["help"].is_null())
+            text += Padded("", 14) + Harmless(message["text"].get<std::string>()) + ": " +
+                    Harmless(message["help"].get<std::string>()) + "\n";
+    return text;
+}
+
 std::string Diagnosis::Text(const Json& json) {
     const Json& ident = json["identNumber"];
     const Json& master = json["masterAddress"];
@@ -184,8 +219,8 @@ std::string Diagnosis::Text(const Json& json) {
                     : std::string("  [ ] ") + bit.name + "\n";
     }
     for (const Json& block : json["blocks"])
-        text += Padded(block["kind"].get<std::string>(), 14) + BlockText(block) + "\n" + Padded("", 14) +
-                block["data"].get<std::string>() + "\n";
+        text += Padded(block["kind"].get<std::string>(), 14) + BlockText(block) + "\n" + HelpText(block) +
+                Padded("", 14) + block["data"].get<std::string>() + "\n";
     return text + "Bytes         " + json["data"].get<std::string>() + "\n";
 }
 

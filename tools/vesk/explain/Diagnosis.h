@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "busdescription/gsd/Device.h"
+
 #include <nlohmann/json.hpp>
 #include <span>
 #include <string>
@@ -29,6 +31,10 @@ public:
     unsigned int IdentNumber() const { return _identNumber; }
 
     nlohmann::ordered_json ToJson() const;
+
+    /// Adds to what ToJson gives the texts that a device description file has for the device-related blocks,
+    /// as "messages" of the block. Does nothing where the file is that of another device.
+    static void AddTexts(nlohmann::ordered_json& json, const BusDescription::Gsd::Device& device);
 
     /// Bit by bit, then block by block.
     static std::string Text(const nlohmann::ordered_json& json);

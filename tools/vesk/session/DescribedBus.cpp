@@ -5,6 +5,7 @@
 #include "tools/vesk/text/Failure.h"
 
 #include <algorithm>
+#include <filesystem>
 
 namespace VeskTool {
 
@@ -41,6 +42,10 @@ const BusDescription::Signal& DescribedBus::SignalNamed(const std::string& name)
         return *signal;
     throw Failure(file + ": slave " + slave.name + " has no signal " + called +
                   BusDescription::DidYouMean(called, Names(slave.signals)));
+}
+
+std::string DescribedBus::PathOf(const std::string& gsd) const {
+    return (std::filesystem::path(folder) / gsd).string();
 }
 
 const SlaveDescription* DescribedBus::SlaveAt(unsigned int address) const {

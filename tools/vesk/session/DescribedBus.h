@@ -22,6 +22,9 @@ struct DescribedBus {
     /// The signal "slave.signal". Failure, which names the nearest one, where there is none.
     const BusDescription::Signal& SignalNamed(const std::string& name) const;
 
+    /// Where a device description file of the text is.
+    std::string PathOf(const std::string& gsd) const;
+
     /// The slave at `address`; null where the description has none.
     const BusDescription::SlaveDescription* SlaveAt(unsigned int address) const;
 };

@@ -12,7 +12,6 @@
 #include "tools/vesk/verbs/Verbs.h"
 
 #include <algorithm>
-#include <filesystem>
 
 namespace VeskTool {
 
@@ -183,7 +182,7 @@ Json DescribedToJson(const DescribedBus& bus) {
         if (text != nullptr)
             slave["name"] = text->name;
         if (text != nullptr && text->gsd)
-            slave["gsd"] = (std::filesystem::path(bus.folder) / text->gsd.value).string();
+            slave["gsd"] = bus.PathOf(text->gsd.value);
         slaves.push_back(std::move(slave));
     }
     return slaves;

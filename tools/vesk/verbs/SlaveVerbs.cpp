@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 // The verbs that ask what a slave says of itself: diag and slave-config.
+#include "busdescription/gsd/Reader.h"
 #include "tools/vesk/explain/Diagnosis.h"
 #include "tools/vesk/text/ByteText.h"
 #include "tools/vesk/text/Text.h"
@@ -36,6 +37,21 @@ Json AnswerDiagOfAll(Session& session, const Json&) {
                           {"diagnosis", bytes ? Diagnosis(*bytes).ToJson() : Json()}});
     }
     return {{"slaves", slaves}};
+}
+
+/// Adds the texts of the slave's device description file, where the description names one.
+void AddTexts(Json& diagnosis, const Json& address, const DescribedBus& known) {
+    const auto* const slave = known.SlaveAt(address);
+    if (slave != nullptr && slave->gsd)
+        Diagnosis::AddTexts(diagnosis, BusDescription::Gsd::ReadFile(known.PathOf(slave->gsd.value)).device);
+}
+
+void AddTextsToFacts(Json& facts, const DescribedBus& known) {
+    if (!facts.contains("slaves"))
+        return AddTexts(facts, facts["address"], known);
+    for (Json& slave : facts["slaves"])
+        if (!slave["diagnosis"].is_null())
+            AddTexts(slave["diagnosis"], slave["address"], known);
 }
 
 std::string DiagOfAllText(const Json& facts, const Paint& paint) {
@@ -100,6 +116,10 @@ Action AddDiag(CLI::App& app) {
     return [command, address] {
         if (command->verb == &DIAG && address->empty())
             throw CLI::RequiredError("ADDRESS or --all");
+        command->preparations.emplace_back([self = command.get()](const DescribedBus* known) {
+            if (known != nullptr)
+                self->complete = [known](Session&, Json& facts) { AddTextsToFacts(facts, *known); };
+        });
         return command->Execute();
     };
 }
