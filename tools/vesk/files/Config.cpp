@@ -6,7 +6,9 @@
 #include "tools/vesk/text/ByteText.h"
 #include "tools/vesk/text/Failure.h"
 
+#include <algorithm>
 #include <iostream>
+#include <optional>
 #include <sstream>
 
 namespace VeskTool {
@@ -80,10 +82,44 @@ ordered_json Comparable(ordered_json config) {
     return config;
 }
 
+/// A way to a field, for people.
+class FieldPath {
+public:
+    explicit FieldPath(const std::string& path)
+        : _path(path), _field(path.substr(path.rfind('.') + 1)), _below(_field != path) {
+        constexpr std::string_view slave = "slave ";
+        if (path.starts_with(slave))
+            _slave = static_cast<unsigned char>(std::stoi(path.substr(slave.size())));
+    }
+
+    /// With the name of the slave, where one of the files has it.
+    std::string Title(const DescribedBus& a, const DescribedBus& b) const {
+        const auto* text = _slave ? a.SlaveAt(*_slave) : nullptr;
+        if (_slave && text == nullptr)
+            text = b.SlaveAt(*_slave);
+        const std::size_t point = std::min(_path.find('.'), _path.size());
+        return text == nullptr ? _path
+                               : _path.substr(0, point) + " (" + text->name + ")" + _path.substr(point);
+    }
+
+    /// The field's value in a file, and what it means.
+    std::string Value(const DescribedBus& bus, const ordered_json& value) const {
+        return _below ? FieldText(*bus.config, _slave, _field) : value.dump();
+    }
+
+private:
+    const std::string& _path;
+    std::string _field;
+    bool _below; // a field of a record
+    std::optional<unsigned char> _slave;
+};
+
 /// Whether the files say the same.
 bool DiffConfigs(const ConfigOptions& options) {
-    const ordered_json a = Comparable(ToJson(*LoadDatabaseFile(options.path)));
-    const ordered_json b = Comparable(ToJson(*LoadDatabaseFile(options.otherPath)));
+    const auto busA = LoadDescribedBus(options.path);
+    const auto busB = LoadDescribedBus(options.otherPath);
+    const ordered_json a = Comparable(ToJson(*busA->config));
+    const ordered_json b = Comparable(ToJson(*busB->config));
     ordered_json differences = ordered_json::array();
     Compare(a, b, "", differences);
     if (options.json) {
@@ -91,12 +127,15 @@ bool DiffConfigs(const ConfigOptions& options) {
         return differences.empty();
     }
     for (const ordered_json& difference : differences) {
-        std::cout << difference.at("field").get<std::string>() << ": ";
+        const auto path = difference.at("field").get<std::string>();
+        const FieldPath field(path);
+        std::cout << field.Title(*busA, *busB) << ": ";
         if (difference.at("a").is_null() || difference.at("b").is_null())
             std::cout << "only in "
                       << Harmless(difference.at("b").is_null() ? options.path : options.otherPath) << "\n";
         else
-            std::cout << difference.at("a").dump() << " -> " << difference.at("b").dump() << "\n";
+            std::cout << field.Value(*busA, difference.at("a")) << " -> "
+                      << field.Value(*busB, difference.at("b")) << "\n";
     }
     return differences.empty();
 }

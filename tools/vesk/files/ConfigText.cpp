@@ -71,6 +71,13 @@ public:
     RecordText(Bus::FieldList fields, std::span<const Bus::Key> keys)
         : _fields(std::move(fields)), _keys(keys) {}
 
+    /// A field's value, and behind it what it means.
+    std::string FieldText(const std::string& field) const {
+        const Bus::FieldValue& value = At(field);
+        const std::string meaning = field == "watchdogFactor1" ? Watchdog() : MeaningOf(field, value);
+        return Shown(field, value) + (meaning.empty() ? "" : " (" + meaning + ")");
+    }
+
     std::string ToString() const {
         std::string text;
         for (const auto& [field, value] : _fields) {
@@ -83,9 +90,9 @@ public:
     }
 
 private:
-    const Bus::FieldValue& At(const char* name) const {
+    const Bus::FieldValue& At(const std::string& name) const {
         return std::find_if(_fields.begin(), _fields.end(),
-                            [name](const auto& each) { return each.first == name; })
+                            [&name](const auto& each) { return each.first == name; })
             ->second;
     }
 
@@ -173,6 +180,12 @@ std::string ConfigText(Vesk::Modules::DPVM::Config::IBusConfig& config) {
         text += "\nslave " + std::to_string(address) + "\n" +
                 RecordText(Bus::FieldsOf(*config.Slave(address)), Bus::SlaveKeys()).ToString();
     return text;
+}
+
+std::string FieldText(Vesk::Modules::DPVM::Config::IBusConfig& config, std::optional<unsigned char> slave,
+                      const std::string& field) {
+    return slave ? RecordText(Bus::FieldsOf(*config.Slave(*slave)), Bus::SlaveKeys()).FieldText(field)
+                 : RecordText(Bus::FieldsOf(*config.Master()), Bus::BusKeys()).FieldText(field);
 }
 
 } // namespace VeskTool
