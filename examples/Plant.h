@@ -15,7 +15,7 @@
 namespace Plant {
 
 /// Of the database that belongs to it.
-inline constexpr unsigned int CHECKSUM = 0xbbfb1c09;
+inline constexpr unsigned int CHECKSUM = 0x2abbb419;
 
 /// How signals are read and written; numbers have a byte order of their own.
 namespace Access {

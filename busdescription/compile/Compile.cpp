@@ -218,16 +218,16 @@ private:
                 origin = slave.Text().gsd.value + ", slave " + slave.Text().name;
             }
         _master.Propose("minSlaveInterval", std::min(interval, 0xFFFFU), origin);
+        _interval = interval;
 
         std::int64_t longest = 0;
         for (std::size_t i = 0; i < _slaves.size(); ++i)
             longest = std::max<std::int64_t>(longest, _compilers[i].Watchdog(_slaves[i].record).count());
         if (longest == 0)
             _master.Propose("dataControlTime", 100U, DEFAULT);
-        _master.Propose(
-            "dataControlTime",
-            static_cast<std::uint32_t>(std::min<std::int64_t>((6 * longest + 9'999) / 10'000, 0xFFFF)),
-            "six times the longest watchdog");
+        _controlTime =
+            static_cast<std::uint32_t>(std::min<std::int64_t>((6 * longest + 9'999) / 10'000, 0xFFFF));
+        _master.Propose("dataControlTime", _controlTime, "six times the longest watchdog");
     }
 
     Place PlaceOf(std::string_view field) const {
@@ -261,7 +261,20 @@ private:
             _report.Warning(PlaceOf("targetRotationTime"),
                             "bus: target-rotation-time is " + std::to_string(rotation) +
                                 " bit times, and one rotation may take " + std::to_string(_rotation));
+        WarnBelow("minSlaveInterval", std::min(_interval, 0xFFFFU),
+                  "one exchange with every slave, or what a slave asks for, is ");
+        WarnBelow("dataControlTime", _controlTime, "six times the longest watchdog are ");
         WarnOfWatchdogs();
+    }
+
+    void WarnBelow(std::string_view field, std::uint32_t least, const std::string& why) {
+        const Key* key = KeyOf(BusKeys(), field);
+        const auto shown = [key](std::uint32_t units) {
+            return DurationText(microseconds(std::int64_t{key->microseconds} * units));
+        };
+        if (const std::uint32_t value = _master.Number(field); value < least)
+            _report.Warning(PlaceOf(field), "bus: " + std::string(key->name) + " is " + shown(value) +
+                                                ", and " + why + shown(least));
     }
 
     void WarnOfWatchdogs() {
@@ -293,7 +306,9 @@ private:
     CompileReport _report;
     std::set<const Gsd::DeviceFile*> _reported;
     RecordPlan _master;
-    std::uint64_t _rotation = 0; // the least target rotation time
+    std::uint64_t _rotation = 0;    // the least target rotation time
+    std::uint32_t _interval = 0;    // the least slave interval
+    std::uint32_t _controlTime = 0; // the least data control time
     std::vector<CompiledSlave> _slaves;
     std::vector<SlaveCompiler> _compilers;
     Area _toBus;

@@ -61,7 +61,7 @@ CompileReport::CompileReport(const Description& description, Findings& findings)
 }
 
 void CompileReport::Add(Severity severity, Place place, const std::string& text) {
-    if (!_wrongValues.contains({place.line, place.column}) && _findings.size() < MAX_TEXT_FINDINGS)
+    if (!IsWrong(place) && _findings.size() < MAX_TEXT_FINDINGS)
         _findings.push_back({severity, _description.file, place.line, place.column, text});
 }
 
@@ -134,7 +134,8 @@ void SlaveCompiler::ProposeDevice(RecordPlan& record) {
     if (rawModules && rawParameters)
         return;
     const auto parts = Assemble(_slave, *_device, _report);
-    if (!parts)
+    _hasParts = parts.has_value();
+    if (!_hasParts)
         return;
     record.Propose("identifierBytes", parts->identifierBytes, FileOrigin(0) + ", its modules");
     ProposeUserParameters(record, parts->userParameters, FileOrigin(0) + ", its parameters");
@@ -330,6 +331,9 @@ void SlaveCompiler::CheckDataLengths(const RecordPlan& record) {
 }
 
 void SlaveCompiler::Check(const RecordPlan& record) {
+    const auto raw = _slave.fields.find("identifierBytes");
+    if (raw == _slave.fields.end() ? !_hasParts : _report.IsWrong(raw->second.place))
+        return; // nobody knows which data it has
     CheckDataLengths(record);
     const ExchangedData data = Data(record);
     for (const Signal& signal : _slave.signals) {

@@ -80,6 +80,9 @@ public:
     /// "plant.toml:12:8".
     std::string Origin(Place place) const;
 
+    /// Whether the value at that place was refused before.
+    bool IsWrong(Place place) const { return _wrongValues.contains({place.line, place.column}); }
+
 private:
     void Add(Severity severity, Place place, const std::string& text);
 
@@ -136,6 +139,7 @@ private:
     const SlaveDescription& _slave;
     const Gsd::Device* _device = nullptr; // null without a device description file
     CompileReport& _report;
+    bool _hasParts = true; // its modules are known
 };
 
 } // namespace BusDescription

@@ -72,6 +72,11 @@ void TableReader::Unexpected(const toml::node& node, std::string_view name, cons
     Error(PlaceOf(node), std::string(name) + " is " + Shown(node) + ", expected " + expected);
 }
 
+/// Behind what a number is expected to be.
+static const char* WithoutQuotes(const toml::node& node) {
+    return node.is_string() ? ", without quotes" : "";
+}
+
 Given<std::string> TableReader::Text(std::string_view name) {
     const toml::node* node = Take(name);
     if (node == nullptr)
@@ -98,7 +103,7 @@ Given<std::uint32_t> TableReader::Number(std::string_view name, std::uint32_t le
         return {};
     if (const auto number = NumberOf(*node, least, most))
         return {*number, PlaceOf(*node)};
-    Unexpected(*node, name, RangeText(least, most, ""));
+    Unexpected(*node, name, RangeText(least, most, "") + WithoutQuotes(*node));
     return {};
 }
 
@@ -155,7 +160,7 @@ FieldValue TableReader::ValueOf(const Key& key, const toml::node& node) {
     case KeyKind::NUMBER:
         if (const auto number = NumberOf(node, least, most))
             return *number;
-        Unexpected(node, key.name, RangeText(least, most, key.unit));
+        Unexpected(node, key.name, RangeText(least, most, key.unit) + WithoutQuotes(node));
         break;
     case KeyKind::DURATION: {
         const auto duration = text == nullptr ? std::nullopt : ParseDuration(*text);
