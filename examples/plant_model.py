@@ -5,8 +5,9 @@
     vesk module --dpram /tmp/dpram --lines /tmp/lines --flash /tmp/flash --publish plant
     examples/plant_model.py plant
 
-Then start the application on the same two files. Arguments: the NAME of --publish, and the bus as in --bus (session).
-Needs python3-dbus and python3-gi. "Input" is what goes to the bus, so the drive gets it.
+Then start the application on the same two files; that of examples/published.cpp lets the drive run at 1000 rpm.
+Arguments: the NAME of --publish, and the bus as in --bus (session). Needs python3-dbus and python3-gi. "Input" is what
+goes to the bus, so the drive gets it.
 """
 import os
 import struct
@@ -42,10 +43,12 @@ class Drive:
             (self.set_point,) = struct.unpack(">h", bytes(data[:2]))
 
     def look_around(self, _interface, changed, _invalidated):
-        """Without a database there is no drive yet; without its master a drive stops."""
+        """Without a database there is no drive yet; without its master a drive stops, and with it goes on."""
         slaves = {address: exchanges for address, _ident, _present, exchanges in changed["Slaves"]}
         self.is_there = ADDRESS in slaves
-        if not slaves.get(ADDRESS):
+        if slaves.get(ADDRESS):
+            self.take_input(ADDRESS, self.module.GetInput(ADDRESS))
+        else:
             self.set_point = 0
 
     def step(self):

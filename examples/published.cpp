@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: MIT
 // An application whose module others can look at while it runs: a control loop of 1 ms, published on D-Bus.
-// It counts up a byte that the slave sends back, and tells every few seconds, and at its end, how often
-// another one came back, and how long the loop takes. Arguments: the DPRAM file, the lines file, the
-// configuration database file, the bus ("system", "session" or an address), and for how many seconds it runs;
-// without the last, until it is interrupted.
+// One conveyor gets a set point; to the other it counts up a byte, which comes back. Every few seconds, and
+// at its end, it tells how often another one came back, and how long the loop takes. Arguments: the DPRAM
+// file, the lines file, the configuration database file (of examples/plant.toml), the bus ("system",
+// "session" or an address), and for how many seconds it runs; without the last, until it is interrupted.
 #include "Updating.h"
 #include "vesk/dbus/Plant.h"
 #include "vesk/lines/LinesFile.h"
@@ -28,34 +28,42 @@ static PlantOptions Options(const std::string& bus) {
     options.bus = bus;
     options.control = true; // whoever the bus lets may write records and hold bytes
     options.configurationName = "plant";
-    options.slaveNames = {{3, "conveyor1"}};
+    options.slaveNames = {{3, "conveyor1"}, {4, "conveyor2"}};
     options.signals = {
         {.name = "conveyor1.speed", .type = Vesk::DBus::Signal::Type::INT16, .slave = 3, .unit = "rpm"}};
     return options;
 }
 
-/// Writes a new byte whenever the last one has come back, and counts what is neither of the two.
+/// The bytes of both conveyors, four each. Writes a new byte to the second one whenever the last one has come
+/// back, and counts what is neither of the two. A lost slave's bytes are 0, which therefore is never sent.
 class Counting {
 public:
     explicit Counting(Vt22Module& master) {
-        master.MapInputData(0, _toBus, 0, 4);
-        master.MapOutputData(0, _fromBus, 0, 4);
+        master.MapInputData(0, _toBus, 0, 8);
+        master.MapOutputData(0, _fromBus, 0, 8);
+        _toBus->Set(0, SET_POINT >> 8);
+        _toBus->Set(1, SET_POINT & 0xFF);
     }
 
     void Step() {
-        const unsigned char back = _fromBus->Get(0);
-        const unsigned char sent = _toBus->Get(0);
-        if (back == sent)
-            _toBus->Set(0, static_cast<unsigned char>(sent + 1));
-        else if (back != static_cast<unsigned char>(sent - 1))
+        const unsigned char back = _fromBus->Get(4);
+        if (back == _sent) {
+            _before = _sent;
+            _sent = static_cast<unsigned char>(_sent % 255 + 1);
+            _toBus->Set(4, _sent);
+        } else if (back != _before && back != 0) {
             ++mismatches;
+        }
     }
 
     long mismatches = 0;
 
 private:
-    std::shared_ptr<Array<unsigned char>> _toBus = Array<unsigned char>::Create(4);
-    std::shared_ptr<Array<unsigned char>> _fromBus = Array<unsigned char>::Create(4);
+    static constexpr int SET_POINT = 1000; // rpm
+
+    std::shared_ptr<Array<unsigned char>> _toBus = Array<unsigned char>::Create(8);
+    std::shared_ptr<Array<unsigned char>> _fromBus = Array<unsigned char>::Create(8);
+    unsigned char _sent = 0, _before = 0;
 };
 
 static void PrintFigures(const Plant& plant, const Counting& counting) {

@@ -1,7 +1,12 @@
 // SPDX-License-Identifier: MIT
 #include "tests/support/ModuleFiles.h"
+#include "tests/support/PrivateBus.h"
 #include "tests/support/RunTool.h"
 #include "vesk/lines/LinesFile.h"
+
+#ifdef VESK_WITH_SDBUS
+#include <sdbus-c++/sdbus-c++.h>
+#endif
 
 using testing::HasSubstr;
 using testing::MatchesRegex;
@@ -110,5 +115,37 @@ TEST_F(ApplicationTest, TheFaultLogSurvivesTheModule) {
     EXPECT_THAT(TemporaryFolder::Read(log), MatchesRegex(at + reboot + at + fatal));
     ModuleFiles::ExpectRightHost(*module);
 }
+
+#ifdef VESK_WITH_SDBUS
+TEST_F(ApplicationTest, APublishedPlantIsLookedAtWhileItRuns) {
+    EXPECT_THAT(RunTool::Run({}, Path("published")).err, StartsWith("usage: published "));
+    const PrivateBus bus;
+    const auto module = files.StartModule({"--publish", "plant", "--bus", bus.Address()});
+    Process example(Path("published"), On({PLANT, bus.Address()}));
+    const auto asked = [&](RunTool::Arguments question) {
+        return RunTool::Run(RunTool::Join(std::move(question), {"--plant", "plant", "--bus", bus.Address()}));
+    };
+    const auto waitForSlaves = [&](const std::string& state) {
+        const auto end = std::chrono::steady_clock::now() + std::chrono::minutes(2);
+        while (asked({"status"}).out.find(state) == std::string::npos)
+            ASSERT_LT(std::chrono::steady_clock::now(), end) << state << example.Err();
+    };
+    waitForSlaves("12 of 12 exchange data");
+    const auto connection = sdbus::createSessionBusConnectionWithAddress(bus.Address());
+    const auto model =
+        sdbus::createProxy(*connection, "org.libvesk.VirtualModule.plant", "/org/libvesk/VirtualModule");
+    for (std::uint8_t slave = 3; slave <= 4; ++slave) { // the second one's bytes are counted
+        model->callMethod("RemoveSlave").onInterface("org.libvesk.VirtualModule1").withArguments(slave);
+        waitForSlaves("Slave " + std::to_string(slave) + " does not exchange data");
+        model->callMethod("InsertSlave").onInterface("org.libvesk.VirtualModule1").withArguments(slave);
+        waitForSlaves("12 of 12 exchange data");
+        EXPECT_THAT(asked({"output", "3"}).out, HasSubstr("03 e8 00 00")); // sent back
+    }
+    EXPECT_EQ(example.End(SIGTERM), 0) << example.Out();
+    EXPECT_THAT(example.Out(), HasSubstr(", 0 mismatches;"));
+    EXPECT_EQ(example.Err(), "");
+    ModuleFiles::ExpectRightHost(*module);
+}
+#endif
 
 } // namespace
