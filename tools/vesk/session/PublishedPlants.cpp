@@ -48,22 +48,27 @@ std::vector<std::string> Buses() {
                              : std::vector<std::string>{chosenBus};
 }
 
-/// Calls `look` for each plant on each bus until it returns true. BusException where no bus can be used.
+/// Calls `look` for each plant on each bus until it returns true. BusException where no bus can be used, and
+/// what `look` throws.
 void ForEach(const std::function<bool(const Bus& bus, const Vesk::DBus::PublishedPlant& plant,
                                       const std::string& busName)>& look) {
     std::exception_ptr wrong;
     bool any = false;
-    for (const std::string& name : Buses())
+    for (const std::string& name : Buses()) {
+        Bus bus;
+        std::vector<Vesk::DBus::PublishedPlant> plants;
         try {
-            const Bus bus = Vesk::DBus::OpenBus(name);
-            const auto plants = Vesk::DBus::ListPlants(*bus);
-            any = true;
-            for (const auto& plant : plants)
-                if (look(bus, plant, name))
-                    return;
+            bus = Vesk::DBus::OpenBus(name);
+            plants = Vesk::DBus::ListPlants(*bus);
         } catch (const Vesk::DBus::BusException&) {
             wrong = wrong ? wrong : std::current_exception();
+            continue;
         }
+        any = true;
+        for (const auto& plant : plants)
+            if (look(bus, plant, name))
+                return;
+    }
     if (!any)
         std::rethrow_exception(wrong);
 }
