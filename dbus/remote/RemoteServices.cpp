@@ -81,12 +81,12 @@ void RemoteModule::Call(const char* interface, const char* method, bool answersD
 
 void RemoteModule::Answer(const ResponseAction& action, const sdbus::Error* error, const Bytes& data) {
     const auto refusal = error ? RefusalIn(*error) : ErrorCode::NO_ERROR;
-    if (!refusal && error->getName() == FAILED) // what has failed there, a property tells
+    if (error && !refusal && error->getName() == FAILED) // what has failed there, a property tells
         AskForProperty("LastFailure", [this, told = Told(_who, *error)] {
             ThrowFailure();
             throw BusException(told);
         });
-    else if (!refusal)
+    else if (error && !refusal)
         _arrived.emplace_back([told = Told(_who, *error)] { throw BusException(told); });
     else if (action)
         _arrived.emplace_back([=] { action->Invoke(Response(refusal, data)); });
