@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "tools/vesk/explain/Requests.h"
 
-#include "tools/vesk/session/Session.h"
+#include "tools/vesk/session/OperationModes.h"
 #include "tools/vesk/text/ByteText.h"
 #include "tools/vesk/text/Text.h"
 
@@ -90,7 +90,7 @@ static std::string Parameter(std::string_view place, const Header& header,
         return Hex(word);
     if (place[1] == 'l')
         return std::to_string(word & 0xFF);
-    return place[1] == 'm' ? ModeName(static_cast<Session::OperationMode>(word >> 8))
+    return place[1] == 'm' ? ModeName(static_cast<Vesk::Modules::DPVM::OperationMode_e>(word >> 8))
                            : std::to_string(word >> 8);
 }
 

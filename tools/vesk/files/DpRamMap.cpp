@@ -2,7 +2,7 @@
 #include "tools/vesk/files/DpRamMap.h"
 
 #include "tools/vesk/explain/Requests.h"
-#include "tools/vesk/session/Session.h"
+#include "tools/vesk/session/OperationModes.h"
 #include "tools/vesk/session/StationLists.h"
 #include "tools/vesk/text/ByteText.h"
 #include "tools/vesk/text/Failure.h"
@@ -146,7 +146,7 @@ void DpRamMap::AddFieldbusStatus() {
     AddStations("dataTransfer", Status::DATA_TRANSFER_LIST);
     AddStations("slaveDiagnostic", Status::SLAVE_DIAGNOSTIC_LIST);
     const unsigned int mode = Number(Status::OFFSET + Status::MASTER_STATUS, 1);
-    const std::string name = ModeName(static_cast<Session::OperationMode>(mode));
+    const std::string name = ModeName(static_cast<Vesk::Modules::DPVM::OperationMode_e>(mode));
     AddField("operationMode", name, name);
     AddBytes("masterStatus", Status::MASTER_STATUS, Status::MASTER_STATUS_SIZE);
     AddStations("dpv1Connection", Status::DPV1_CONNECTION_LIST);

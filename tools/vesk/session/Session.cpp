@@ -174,18 +174,4 @@ void Session::InMode(OperationMode mode, const std::function<void()>& work) {
     goBack();
 }
 
-std::string ModeName(Session::OperationMode mode) {
-    switch (mode) {
-    case OperationMode_e::OFFLINE:
-        return "OFFLINE";
-    case OperationMode_e::STOP:
-        return "STOP";
-    case OperationMode_e::CLEAR:
-        return "CLEAR";
-    case OperationMode_e::OPERATE:
-        return "OPERATE";
-    }
-    return Hex(static_cast<unsigned int>(mode));
-}
-
 } // namespace VeskTool

@@ -2,6 +2,7 @@
 #pragma once
 
 #include "tools/vesk/session/Cycle.h"
+#include "tools/vesk/session/OperationModes.h"
 #include "tools/vesk/text/Failure.h"
 #include "vesk/modules/dpvm/Vt22Module.h"
 #include "vesk/system/DateTime.h"
@@ -198,8 +199,5 @@ private:
 
 /// How long ago that was, on the library's clock.
 double SecondsSince(const System::DateTime& start);
-
-/// "OPERATE" and so on; the value in hexadecimal for what is no mode.
-std::string ModeName(Session::OperationMode mode);
 
 } // namespace VeskTool
