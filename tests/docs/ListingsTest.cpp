@@ -81,13 +81,15 @@ private:
             EXPECT_THAT(TemporaryFolder::Read(SOURCE_DIR "/" + script), HasSubstr(word));
     }
 
-    /// With the programs of this build, and with files for those of the reader and for /tmp.
+    /// With the programs of this build, and with files for those of the reader and for /tmp; without the
+    /// right to a priority and the seconds that a run with one takes.
     std::string ForThisTest(std::string command) const {
         const std::string plant = ModuleFiles::PLANT;
         for (const auto& [written, meant] : {std::pair<const char*, std::string>{"/tmp/", _folder.Path("")},
                                              {"FILE\\.ddb", plant},
                                              {"FILE\\.toml", SOURCE_DIR "/examples/plant.toml"},
                                              {"A B", plant + " " + plant},
+                                             {"--rt 80 --cycles 10000", "--cycles 100"},
                                              {"FILE\\.gsd", SOURCE_DIR "/examples/drive.gsd"},
                                              {"FILE\\.fw", ModuleFiles::FIRMWARE},
                                              {"^vesk", VESK_TOOL},
