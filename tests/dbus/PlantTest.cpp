@@ -14,6 +14,7 @@
 
 #include "org.libvesk.Control1.proxy.h"
 #include "org.libvesk.Master1.proxy.h"
+#include <algorithm>
 #include <future>
 #include <list>
 #include <regex>
@@ -417,7 +418,10 @@ TEST(PlantTest, LetsNobodyPushTheOthersOut) {
     for (int i = 0; i < 1000; ++i)
         application.Step();
     application.Run();
-    EXPECT_TRUE(Comes([&] { return greedy.Answers().count("") == 5; }));
+    EXPECT_TRUE(Comes([&] {
+        return greedy.Answers().count("") == 5 && late.Answers().size() == 1 &&
+               std::ranges::all_of(others, [](Pending& other) { return other.Answers().size() == 1; });
+    }));
     application.Pause();
     // And where it goes on to stand still, time ends what waits.
     Pending vain(bus, 2);
