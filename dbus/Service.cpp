@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "dbus/Service.h"
 
+#include "dbus/Connect.h"
+
 #include <algorithm>
 #include <cerrno>
 #include <chrono>
@@ -87,9 +89,7 @@ void Service::Run() {
 }
 
 void Service::Connect() {
-    _connection = _bus == "system"    ? sdbus::createSystemBusConnection()
-                  : _bus == "session" ? sdbus::createSessionBusConnection()
-                                      : sdbus::createSessionBusConnectionWithAddress(_bus);
+    _connection = DBus::Connect(_bus);
     _connection->addObjectManager(ROOT, sdbus::floating_slot);
     _connection->addMatch(
         "type='signal',sender='org.freedesktop.DBus',interface='org.freedesktop.DBus',"

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "dbus/remote/Bus.h"
 
+#include "dbus/Connect.h"
 #include "dbus/remote/Names.h"
 
 #include <algorithm>
@@ -15,14 +16,6 @@ namespace {
 
 constexpr const char* DAEMON = "org.freedesktop.DBus";
 constexpr auto CALL_TIMEOUT = std::chrono::seconds(5);
-
-std::unique_ptr<sdbus::IConnection> Connect(const std::string& bus) {
-    if (bus == "system")
-        return sdbus::createSystemBusConnection();
-    if (bus == "session")
-        return sdbus::createSessionBusConnection();
-    return sdbus::createSessionBusConnectionWithAddress(bus);
-}
 
 using Interfaces = std::map<std::string, std::map<std::string, sdbus::Variant>>;
 using Objects = std::map<sdbus::ObjectPath, Interfaces>;

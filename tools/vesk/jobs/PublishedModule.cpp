@@ -4,6 +4,7 @@
 #include "tools/vesk/text/Failure.h"
 
 #ifdef VESK_WITH_SDBUS
+#include "dbus/Connect.h"
 #include "virtualmodule/faults/Faults.h"
 
 #include <VirtualModule1Adaptor.h>
@@ -47,12 +48,6 @@ constexpr const char* INVALID_ARGUMENT = "org.libvesk.Error.InvalidArgument";
 constexpr int MOST_REQUESTS = 16;
 // Between two looks at the states of the slaves.
 constexpr auto LOOK = std::chrono::milliseconds(1);
-
-std::unique_ptr<sdbus::IConnection> Connect(const std::string& bus) {
-    return bus == "system"    ? sdbus::createSystemBusConnection()
-           : bus == "session" ? sdbus::createSessionBusConnection()
-                              : sdbus::createSessionBusConnectionWithAddress(bus);
-}
 
 /// Does the work; what it refuses becomes an error of D-Bus, with `whose` in front.
 template <class Work>
@@ -164,7 +159,7 @@ private:
 class PublishedModule::Object {
 public:
     Object(const Options& options, VirtualModule::Module& module)
-        : _connection(Connect(options.bus)), _adaptor(*_connection, module) {
+        : _connection(Vesk::DBus::Connect(options.bus)), _adaptor(*_connection, module) {
         _connection->requestName(NAME + options.name);
     }
 
