@@ -87,8 +87,7 @@ private:
     void OtherDevice(const Json& slave, const Json& there) {
         Add("ident", slave, "its ident number is " + Ident(there) + ", described is " + Ident(slave),
             "Put the described device there, or describe this one, with its own ident number or its own "
-            "device "
-            "description file");
+            "device description file");
     }
 
     void OtherModules(const Json& slave, const std::vector<unsigned char>& wanted,
