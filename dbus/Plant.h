@@ -72,7 +72,8 @@ struct PlantOptions {
 };
 
 /// The application's end of what is published: it calls Update of the plant instead of the module's.
-/// Everything else happens in a thread of the service, which never touches the module.
+/// Everything else happens in a thread of the service, which never touches the module. It has no real-time
+/// priority, also where the thread that publishes has one.
 ///
 /// Update, SetMaster and the end of the object belong to the thread of the module.
 class Plant {

@@ -7,6 +7,7 @@
 #include <cerrno>
 #include <chrono>
 #include <poll.h>
+#include <sched.h>
 #include <sys/eventfd.h>
 #include <system_error>
 #include <unistd.h>
@@ -72,7 +73,14 @@ std::string Service::Trouble() const {
 
 // ---- the thread
 
+/// A cycle that publishes its module may run in real time already; the bus has to wait until it sleeps.
+static void LeaveRealTime() {
+    const sched_param none{};
+    sched_setscheduler(0, SCHED_OTHER, &none); // of this thread; never refused to one that has more
+}
+
 void Service::Run() {
+    LeaveRealTime();
     while (!_ends) {
         try {
             Connect();

@@ -6,30 +6,16 @@
 //
 //     vesk config header examples/plant.toml -o examples/Plant.h
 #include "Plant.h"
+#include "RealTime.h"
 #include "Updating.h"
 #include "vesk/lines/LinesFile.h"
 
 #include "vesk/Vesk.h"
 
 #include <algorithm>
-#include <cerrno>
 #include <iostream>
-#include <sched.h>
-#include <sys/mman.h>
-#include <system_error>
 
 using namespace Vesk::Modules::DPVM;
-
-/// Gives this thread a processor at once whenever it wants one, and keeps the process's memory in RAM. The
-/// user needs the right to both.
-static void RunInRealTime(int priority) {
-    sched_param parameters{};
-    parameters.sched_priority = priority;
-    if (sched_setscheduler(0, SCHED_FIFO, &parameters) != 0)
-        throw std::system_error(errno, std::generic_category(), "priority " + std::to_string(priority));
-    if (mlockall(MCL_CURRENT | MCL_FUTURE) != 0)
-        throw std::system_error(errno, std::generic_category(), "mlockall");
-}
 
 int main(int argc, char** argv) try {
     if (argc != 4 && argc != 5)

@@ -2,7 +2,8 @@
 // A master without polling, for a controller that has other work: it sleeps until the module raises its
 // interrupt, and calls Update then. A number of values goes to the bus, each one as soon as the one before
 // has come back. Arguments: the DPRAM, the GPIO chip and the numbers of the interrupt, reset and bootloader
-// lines on it, the configuration database file, and how many values.
+// lines on it, the configuration database file, and how many values; with "polled" as the last one it looks
+// at the line each millisecond instead, for comparison.
 #include "vesk/lines/GpioLines.h"
 
 #include "vesk/Vesk.h"
@@ -17,6 +18,8 @@ using namespace Vesk::Modules::DPVM;
 using System::Array;
 using Clock = std::chrono::steady_clock;
 
+static bool polled = false;
+
 /// Calls Update when there is something to do, until `reached`: at once, because the interrupt may be there
 /// already and the application may have changed something; then for each interrupt; and after `rest` in any
 /// case, because the library looks at its time-outs only then.
@@ -30,15 +33,17 @@ static void UpdateOnInterrupt(Vt22Module& master, const GpioLines& lines, std::c
             return;
         if (Clock::now() > end)
             throw std::runtime_error("30 s without getting on");
-        pollfd waiting{lines.InterruptDescriptor(), POLLIN, 0}; // and the descriptors of the other work
+        const int interrupt = polled ? -1 : lines.InterruptDescriptor(); // poll passes over -1
+        pollfd waiting{interrupt, POLLIN, 0}; // and the descriptors of the other work
         if (poll(&waiting, 1, static_cast<int>(rest.count())) < 0 && errno != EINTR)
             throw std::system_error(errno, std::generic_category(), "poll");
     }
 }
 
 int main(int argc, char** argv) try {
-    if (argc != 8)
-        throw std::runtime_error("usage: event_driven DPRAM CHIP IRQ RESET BOOT CONFIG VALUES");
+    polled = argc == 9 && argv[8] == std::string("polled");
+    if (argc != (polled ? 9 : 8))
+        throw std::runtime_error("usage: event_driven DPRAM CHIP IRQ RESET BOOT CONFIG VALUES [polled]");
     const auto number = [&](int index) { return static_cast<unsigned int>(std::stoul(argv[index])); };
     const auto lines =
         GpioLines::Open(argv[2], {number(3), number(4), number(5)}, GpioLines::Interrupt::AWAITED);
@@ -59,7 +64,7 @@ int main(int argc, char** argv) try {
     master->SetOperationMode(OperationMode_e::OPERATE);
 
     // In the cycle only time-outs of seconds are left.
-    constexpr std::chrono::milliseconds operating{100};
+    const std::chrono::milliseconds operating{polled ? 1 : 100};
     for (unsigned int value = 1; value <= number(7); ++value) {
         toBus->Set(0, static_cast<unsigned char>(value));
         UpdateOnInterrupt(*master, *lines, operating,

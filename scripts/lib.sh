@@ -5,7 +5,7 @@ set -euo pipefail
 cd "$(dirname "${BASH_SOURCE[0]}")/.."
 
 BUILD_PACKAGES=(g++ cmake ninja-build pkg-config libcli11-dev nlohmann-json3-dev libtomlplusplus-dev libgpiod-dev
-    libedit-dev libncurses-dev libsdbus-c++-dev libsdbus-c++-bin)
+    libedit-dev libncurses-dev libsdbus-c++-dev libsdbus-c++-bin libsystemd-dev)
 TEST_PACKAGES=(libgtest-dev libgmock-dev dbus python3-dbus python3-gi)
 
 # Prints what happened as the last line and ends the script.
@@ -26,6 +26,7 @@ found_without_packages() {
         libncurses-dev) have_header ncurses.h ;;
         libsdbus-c++-dev) have_header sdbus-c++/sdbus-c++.h ;;
         libsdbus-c++-bin) command -v sdbus-c++-xml2cpp ;;
+        libsystemd-dev) have_header systemd/sd-daemon.h ;;
         dbus) command -v dbus-daemon ;;
         python3-dbus) python3 -c 'import dbus' ;;
         python3-gi) python3 -c 'import gi' ;;

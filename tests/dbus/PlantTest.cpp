@@ -15,9 +15,11 @@
 #include "org.libvesk.Control1.proxy.h"
 #include "org.libvesk.Master1.proxy.h"
 #include <algorithm>
+#include <filesystem>
 #include <future>
 #include <list>
 #include <regex>
+#include <sched.h>
 #include <set>
 
 using namespace Vesk::Modules::DPVM;
@@ -446,6 +448,18 @@ TEST(PlantTest, IsBackWhenTheBusIs) {
     EXPECT_EQ(client.State(), "INITIALIZED");
     EXPECT_TRUE(Comes([&] { return std::get<1>(client.GetProcessData()) == Bytes{0xFF, 0x38, 5, 6}; }));
     EXPECT_EQ(application.Pause(), "") << "it has not noticed";
+}
+
+TEST(PlantTest, LeavesTheSchedulingToTheCycle) {
+    const PrivateBus bus;
+    const sched_param none{};
+    ASSERT_EQ(sched_setscheduler(0, SCHED_BATCH, &none), 0); // as SCHED_FIFO, but any user may
+    const Application application(bus);
+    std::multiset<int> policies;
+    for (const auto& thread : std::filesystem::directory_iterator("/proc/self/task"))
+        policies.insert(sched_getscheduler(std::stoi(thread.path().filename())));
+    EXPECT_THAT(policies, ElementsAre(SCHED_OTHER, SCHED_BATCH));
+    ASSERT_EQ(sched_setscheduler(0, SCHED_OTHER, &none), 0);
 }
 
 TEST(PlantTest, PublishesSeveralModulesOfAProcess) {

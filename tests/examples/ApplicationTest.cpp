@@ -77,6 +77,9 @@ TEST_F(ApplicationTest, EachSaysHowItIsUsed) {
 #ifdef VESK_WITH_GPIOD
     examples.emplace_back("event_driven");
 #endif
+#ifdef VESK_WITH_SERVICE
+    examples.emplace_back("service");
+#endif
     for (const std::string& example : examples) {
         const ToolResult result = RunTool::Run({}, Path(example));
         EXPECT_EQ(result.status, 1);
