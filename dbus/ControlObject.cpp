@@ -88,11 +88,17 @@ void ControlObject::StopSlaves(sdbus::Result<>&& result, Bytes addresses) {
     Ask(std::move(result), Messages({DPVMMessages::StopSlave(ToStations(addresses))}));
 }
 
-void ControlObject::HoldInput(sdbus::Result<>&& result, std::uint16_t offset, std::uint8_t value) {
+void ControlObject::HoldInput(sdbus::Result<>&& result,
+                              std::vector<sdbus::Struct<std::uint16_t, std::uint8_t>> bytes) {
     const std::string caller = CallerOf(getObject());
-    if (const std::string holder = _module.GetHolds().HeldByAnother(offset, caller); !holder.empty())
-        throw sdbus::Error(Errors::HELD, "offset " + std::to_string(offset) + " is held by " + holder);
-    if (!_module.Hold(caller, {offset, value}, Done(std::move(result))))
+    std::vector<HeldByte> held;
+    for (const auto& byte : bytes) {
+        const std::uint16_t offset = byte.get<0>();
+        if (const std::string holder = _module.GetHolds().HeldByAnother(offset, caller); !holder.empty())
+            throw sdbus::Error(Errors::HELD, "offset " + std::to_string(offset) + " is held by " + holder);
+        held.push_back({offset, byte.get<1>()});
+    }
+    if (!_module.Hold(caller, held, Done(std::move(result))))
         throw Errors::Busy();
 }
 

@@ -32,7 +32,8 @@ private:
     void SetOperationMode(sdbus::Result<>&& result, std::string mode) override;
     void StartSlaves(sdbus::Result<>&& result, Bytes addresses) override;
     void StopSlaves(sdbus::Result<>&& result, Bytes addresses) override;
-    void HoldInput(sdbus::Result<>&& result, std::uint16_t offset, std::uint8_t value) override;
+    void HoldInput(sdbus::Result<>&& result,
+                   std::vector<sdbus::Struct<std::uint16_t, std::uint8_t>> bytes) override;
     void ReleaseInput(sdbus::Result<>&& result, std::uint16_t offset) override;
     std::vector<sdbus::Struct<std::uint16_t, std::uint8_t, std::string>> Held() override;
 

@@ -219,9 +219,18 @@ void Cycle::TakeSnapshot() {
 }
 
 void Cycle::Hold() {
+    try {
+        for (const HeldByte& byte : _question->bytes)
+            _master->HoldInput(byte.offset, byte.value);
+    } catch (const System::ArgumentOutOfRangeException&) { // then none of them
+        for (const HeldByte& byte : _question->bytes)
+            _master->ReleaseInput(byte.offset);
+        for (const HeldByte& held : _held)
+            _master->HoldInput(held.offset, held.value);
+        throw;
+    }
     for (const HeldByte& byte : _question->bytes) {
-        _master->HoldInput(byte.offset, byte.value);
-        std::erase_if(_held, [&](const HeldByte& held) { return held.offset == byte.offset; });
+        Forget(byte);
         _held.push_back(byte);
     }
     Finish(Outcome::ANSWERED);
@@ -229,11 +238,15 @@ void Cycle::Hold() {
 
 void Cycle::Release() {
     for (const HeldByte& byte : _question->bytes) {
-        std::erase_if(_held, [&](const HeldByte& held) { return held.offset == byte.offset; });
+        Forget(byte);
         if (_master && _master->State() >= State::BOOTED)
             _master->ReleaseInput(byte.offset);
     }
     Finish(Outcome::ANSWERED);
+}
+
+void Cycle::Forget(const HeldByte& byte) {
+    std::erase_if(_held, [&](const HeldByte& held) { return held.offset == byte.offset; });
 }
 
 void Cycle::Send() {

@@ -87,6 +87,7 @@ private:
     void TakeSnapshot();
     void Hold();
     void Release();
+    void Forget(const HeldByte& byte);
     void Send();
     void OnAnswer(Mailbox::IResponse& response);
     void Finish(Question::Outcome outcome, std::string why = {});

@@ -51,22 +51,23 @@ static std::unique_ptr<Question> About(Question::Kind kind, std::vector<HeldByte
     return question;
 }
 
-bool Published::Hold(const std::string& caller, const HeldByte& byte, Reply reply) {
-    const auto answer = [this, caller, byte, reply = std::move(reply), ended = false](Question& answered,
-                                                                                      DBus::End end) mutable {
+bool Published::Hold(const std::string& caller, const std::vector<HeldByte>& bytes, Reply reply) {
+    const auto answer = [this, caller, bytes, reply = std::move(reply),
+                         ended = false](Question& answered, DBus::End end) mutable {
         if (end == DBus::End::TIMED_OUT) {
             _timedOut.Add(1);
             answered.outcome = Question::Outcome::TIMED_OUT;
             answered.why = TIME_IS_OVER;
         } else if (end == DBus::End::ANSWERED && answered.outcome == Question::Outcome::ANSWERED) {
             if (ended) // nobody knows of it
-                return ReleaseAll({byte});
-            _holds.Add(byte, caller);
+                return ReleaseAll(bytes);
+            for (const HeldByte& byte : bytes)
+                _holds.Add(byte, caller);
         }
         if (!std::exchange(ended, true) && end != DBus::End::LEFT)
             reply(answered);
     };
-    return _line.Add(caller, About(Question::Kind::HOLD, {byte}), answer, _cycle->Now());
+    return _line.Add(caller, About(Question::Kind::HOLD, bytes), answer, _cycle->Now());
 }
 
 bool Published::Release(const std::string& caller, unsigned short offset, Reply reply) {

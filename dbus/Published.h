@@ -55,7 +55,7 @@ public:
     bool Ask(const std::string& caller, std::unique_ptr<Question> question, Reply reply);
 
     /// The same for bytes that `caller` wants held, or anybody wants released: the book is kept.
-    bool Hold(const std::string& caller, const HeldByte& byte, Reply reply);
+    bool Hold(const std::string& caller, const std::vector<HeldByte>& bytes, Reply reply);
     bool Release(const std::string& caller, unsigned short offset, Reply reply);
 
     /// Goes on with what waits.

@@ -111,9 +111,10 @@ public:
                      std::shared_ptr<System::IArray<unsigned char>> data,
                      ResponseAction responseAction) override;
 
-    /// Lets the module send `value` as that byte of its input area, whatever the application has in its
-    /// array, for as long as the connection to the bus lasts.
-    void HoldInput(unsigned short offset, unsigned char value, ResponseAction responseAction);
+    /// Lets the module send these bytes of its input area (offset, value), all from the same exchange on,
+    /// whatever the application has in its array, for as long as the connection to the bus lasts.
+    void HoldInput(const std::vector<std::pair<unsigned short, unsigned char>>& bytes,
+                   ResponseAction responseAction);
 
     /// What the last exchange has written to and read from a slave, at no cost to the module.
     void GetSlaveData(unsigned char slaveAddress, std::function<void(Bytes input, Bytes output)> action);

@@ -223,9 +223,13 @@ void RemoteModule::Class2Write(unsigned char slaveAddress, unsigned char slot, u
          BytesOf(*data));
 }
 
-void RemoteModule::HoldInput(unsigned short offset, unsigned char value, ResponseAction responseAction) {
+void RemoteModule::HoldInput(const std::vector<std::pair<unsigned short, unsigned char>>& bytes,
+                             ResponseAction responseAction) {
     CheckControls();
-    Call(CONTROL_INTERFACE, "HoldInput", false, std::move(responseAction), offset, value);
+    std::vector<sdbus::Struct<std::uint16_t, std::uint8_t>> held;
+    for (const auto& [offset, value] : bytes)
+        held.emplace_back(offset, value);
+    Call(CONTROL_INTERFACE, "HoldInput", false, std::move(responseAction), held);
 }
 
 // ---- who owns it

@@ -258,8 +258,9 @@ TEST(PlantTest, ShowsAndChangesARunningModule) {
     EXPECT_EQ(client.Problem().get<0>(), "The operation mode is CLEAR");
 
     auto statistics = client.Statistics();
-    EXPECT_GT(statistics["Messages"].get<std::uint64_t>(), 10);
-    EXPECT_GT(statistics["Interrupts"].get<std::uint64_t>(), 50);
+    const auto messages = statistics["Messages"].get<std::uint64_t>();
+    EXPECT_GT(messages, 10);
+    EXPECT_GT(statistics["Interrupts"].get<std::uint64_t>(), messages) << "one for each, and those of data";
     const auto period = statistics["Period"]
                             .get<sdbus::Struct<std::uint64_t, std::uint64_t, std::uint64_t, std::uint64_t,
                                                std::vector<std::uint64_t>>>();
@@ -284,7 +285,10 @@ TEST(PlantTest, RefusesWhatCannotBe) {
         {"org.freedesktop.DBus.Error.InvalidArgs: slave 4 is not", [&] { client.GetSlaveData(4); }},
         {"org.freedesktop.DBus.Error.InvalidArgs: no signal has", [&] { client.GetSignal("nothing"); }},
         {"org.libvesk.Error.NotReady: the application does not map", [&] { client.GetSignal("beyond"); }},
-        {"org.freedesktop.DBus.Error.InvalidArgs: offset 4 of", [&] { client.HoldInput(4, 1); }},
+        {"org.freedesktop.DBus.Error.InvalidArgs: offset 4 of",
+         [&] {
+             client.HoldInput({{2, 9}, {3, 9}, {4, 9}});
+         }},
     };
     for (const auto& [error, call] : CASES)
         EXPECT_THAT(ErrorOf(call), HasSubstr(error));
@@ -309,10 +313,12 @@ TEST(PlantTest, HoldsBytesUntilTheirHolderLeaves) {
     const auto input = [&] { return std::get<1>(watcher.GetProcessData()); };
     {
         Client holder(bus);
-        holder.HoldInput(2, 99);
-        holder.HoldInput(3, 98);
-        EXPECT_THAT(ErrorOf([&] { watcher.HoldInput(2, 1); }),
+        holder.HoldInput({{2, 99}, {3, 98}});
+        EXPECT_THAT(ErrorOf([&] {
+                        watcher.HoldInput({{1, 1}, {2, 1}});
+                    }),
                     HasSubstr("Error.Held: offset 2 is held by :"));
+        EXPECT_THAT(ErrorOf([&] { holder.HoldInput({{2, 1}, {1, 1}, {4, 1}}); }), HasSubstr("offset 4 of"));
         EXPECT_TRUE(Comes([&] { return input() == Bytes{0xFF, 0x38, 99, 98}; }));
         EXPECT_EQ(watcher.Held().size(), 2);
         watcher.ReleaseInput(3);
@@ -438,7 +444,7 @@ TEST(PlantTest, IsBackWhenTheBusIs) {
     PrivateBus bus;
     Application application(bus);
     application.Run();
-    Client(bus).HoldInput(2, 99);
+    Client(bus).HoldInput({{2, 99}});
     bus.End();
     EXPECT_TRUE(Comes([&] { return !application.plant->Published(); }));
     EXPECT_NE(application.plant->Trouble(), "");

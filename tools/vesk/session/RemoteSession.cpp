@@ -66,9 +66,11 @@ void RemoteSession::TakePlaces(std::shared_ptr<Config::IBusConfig> places) {
 void RemoteSession::SetInput(unsigned int address, std::size_t offset, std::span<const unsigned char> bytes) {
     _inputs.Describe(AskForDatabase()->Description.Value());
     const auto places = _inputs.Places(address, offset, bytes.size());
+    std::vector<std::pair<unsigned short, unsigned char>> held;
     for (std::size_t i = 0; i < bytes.size(); ++i)
-        Ask([&](IDPVMModule::ResponseAction action) { Remote().HoldInput(places[i], bytes[i], action); },
-            "to hold byte " + std::to_string(places[i]) + " of the input area");
+        held.emplace_back(places[i], bytes[i]);
+    Ask([&](IDPVMModule::ResponseAction action) { Remote().HoldInput(held, action); },
+        "to hold bytes of the input area");
 }
 
 } // namespace VeskTool
