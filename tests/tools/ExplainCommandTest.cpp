@@ -146,8 +146,9 @@ TEST(ExplainCommandTest, KnowsTheWordsOfWhatIsShown) {
 
 TEST(ExplainCommandTest, UnderstandsWordsAsTheyAreSeen) {
     for (const std::string row :
-         {"operate=OPERATE;", "0xc0=OPERATE;", "ADDRESS=Invalid Address;", "op=", "data size (y) >=",
-          "class2r=Class2Read;", "dpv1Connection=fieldbusStatus.change.dpv1Connection;dpv1Connection;",
+         {"operate=OPERATE;", "0xc0=OPERATE;", "ADDRESS=Invalid Address;", "booted=BOOTED;",
+          "op=", "data size (y) >=", "class2r=Class2Read;",
+          "dpv1Connection=fieldbusStatus.change.dpv1Connection;dpv1Connection;",
           "timeout waiting for init=Timeout waiting for initial IRQ;Timeout waiting for INITIALIZED;"
           "Timeout waiting for …;"}) {
         std::string found = row.substr(0, row.find('=') + 1);
