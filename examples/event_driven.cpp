@@ -21,8 +21,9 @@ using Clock = std::chrono::steady_clock;
 static bool polled = false;
 
 /// Calls Update when there is something to do, until `reached`: at once, because the interrupt may be there
-/// already and the application may have changed something; then for each interrupt; and after `rest` in any
-/// case, because the library looks at its time-outs only then.
+/// already and the application may have changed something; then for each interrupt; each millisecond while
+/// its answer is still to come; and after `rest` in any case, because the library looks at its time-outs only
+/// then.
 static void UpdateOnInterrupt(Vt22Module& master, const GpioLines& lines, std::chrono::milliseconds rest,
                               const std::function<bool()>& reached) {
     const auto end = Clock::now() + std::chrono::seconds(30);
@@ -35,7 +36,8 @@ static void UpdateOnInterrupt(Vt22Module& master, const GpioLines& lines, std::c
             throw std::runtime_error("30 s without getting on");
         const int interrupt = polled ? -1 : lines.InterruptDescriptor(); // poll passes over -1
         pollfd waiting{interrupt, POLLIN, 0}; // and the descriptors of the other work
-        if (poll(&waiting, 1, static_cast<int>(rest.count())) < 0 && errno != EINTR)
+        const auto sleep = master.OwesAnswer() ? std::chrono::milliseconds(1) : rest;
+        if (poll(&waiting, 1, static_cast<int>(sleep.count())) < 0 && errno != EINTR)
             throw std::system_error(errno, std::generic_category(), "poll");
     }
 }

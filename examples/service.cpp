@@ -13,29 +13,52 @@
 #include "vesk/Vesk.h"
 
 #include <csignal>
+#include <cstdlib>
 #include <iostream>
+#include <sysexits.h>
 #include <systemd/sd-daemon.h>
 
 using namespace Vesk::Modules::DPVM;
+using Response = std::shared_ptr<Vesk::Mailbox::IResponse>;
 using std::chrono::milliseconds;
 
 static constexpr int PRIORITY = 49; // below the kernel's interrupt threads
 static constexpr std::int16_t SET_POINT = 1000;
 
 static volatile std::sig_atomic_t ends = 0;
+static int failed = EXIT_FAILURE; // the status after a failure
 
-/// Until a signal comes. Each second systemd is told several times that the cycle is alive.
-static void Run(Vesk::DBus::Plant& plant, const Plant::Conveyor1& drive) {
+/// What a signal ends the start with.
+struct Ended {};
+
+static void Reach(Vesk::DBus::Plant& plant, const char* what, const std::function<bool()>& reached) {
+    UpdateUntil(plant, what, [&] { return ends ? throw Ended() : reached(); });
+}
+
+/// A configuration that the module does not take is not tried again and again: each time wears its flash out.
+static void Configure(Vesk::DBus::Plant& plant, Vt22Module& master) try {
+    Reach(plant, "the configuration is in the module", [&] { return master.Configured(); });
+
+} catch (const std::exception&) {
+
+    if (master.State() == Vt22Module::ModuleState_e::DOWNLOADING)
+        failed = EX_CONFIG;
+    throw;
+}
+
+/// Until a signal comes. The module is asked for something twice a second: its answer is the sign of life,
+/// for a module that has fallen silent says nothing by itself.
+static void Run(Vesk::DBus::Plant& plant, Vt22Module& master, const Plant::Conveyor1& drive) {
+    const auto answered =
+        System::ArgFunc<Response, void>::Create([](const Response&) { sd_notify(0, "WATCHDOG=1"); });
     auto next = std::chrono::steady_clock::now();
-    auto sign = next;
-    while (!ends) {
+    for (auto due = next; !ends; std::this_thread::sleep_until(next += milliseconds(1))) {
         plant.Update();
         drive.SetSetpoint(SET_POINT);
-        if (next >= sign) {
-            sd_notify(0, "WATCHDOG=1");
-            sign += milliseconds(250);
+        if (next >= due) {
+            master.GetLiveList(answered);
+            due += milliseconds(500);
         }
-        std::this_thread::sleep_until(next += milliseconds(1));
     }
 }
 
@@ -44,6 +67,8 @@ int main(int argc, char** argv) try {
         throw std::runtime_error("usage: service DPRAM CHIP IRQ RESET BOOT CONFIG");
     for (const int signal : {SIGINT, SIGTERM})
         std::signal(signal, [](int) { ends = 1; });
+    if (const char* folder = std::getenv("STATE_DIRECTORY")) // where a dump outlives the service
+        Vesk::RuntimeConfig::_hostInterfaceDumpPath = folder + std::string("/hostinterface.bin");
     const auto number = [&](int index) { return static_cast<unsigned int>(std::stoul(argv[index])); };
     const auto lines = GpioLines::Open(argv[2], {number(3), number(4), number(5)});
     const auto config = Config::DdbParser::FromPath(argv[6]);
@@ -56,20 +81,26 @@ int main(int argc, char** argv) try {
     Vesk::DBus::PlantOptions options;
     options.control = true; // for the group that the bus's policy names
     const auto plant = Vesk::DBus::Plant::Publish("plant", master, config, options);
-    UpdateUntil(*plant, "the configuration is in the module", [&] { return master->Configured(); });
+    Configure(*plant, *master);
     const Plant::Conveyor1 drive;
     drive.Map(*master);
     master->BeginInitialization();
-    UpdateUntil(*plant, "the module is initialised", [&] { return master->Initialized(); });
+    Reach(*plant, "the module is initialised", [&] { return master->Initialized(); });
     master->SetOperationMode(OperationMode_e::OPERATE);
+    Reach(*plant, "the bus is in operation",
+          [&] { return master->Online() && master->OperationMode() == OperationMode_e::OPERATE; });
 
     RunInRealTime(PRIORITY); // this thread alone: the bus has one of its own
     sd_notify(0, "READY=1");
-    Run(*plant, drive);
-    return 0;
+    Run(*plant, *master, drive);
+    return EXIT_SUCCESS;
+
+} catch (const Ended&) {
+
+    return EXIT_SUCCESS;
 
 } catch (const std::exception& failure) {
 
     std::cerr << failure.what() << "\n";
-    return 1;
+    return failed;
 }

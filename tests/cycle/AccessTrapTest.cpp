@@ -124,8 +124,10 @@ TEST(AccessTrapTest, ALifeMakesTheseAccessesAndNoOther) {
     };
     // Nothing to tell: answered after 2 ms.
     EXPECT_EQ(cycle(0x00), (Log{"R 1ffb", "R 1ffe"}));
+    EXPECT_TRUE(master->Master().OwesAnswer());
     clock.Advance(2'000'000);
     EXPECT_EQ(update(), (Log{"W 1ffa", "W 1ffc"}));
+    EXPECT_FALSE(master->Master().OwesAnswer());
     // The input area is written once it is the host's and has changed.
     EXPECT_EQ(cycle(0x02), Answered({"W 0296+22"}));
     EXPECT_EQ(cycle(0x02), (Log{"R 1ffb", "R 1ffe"}));

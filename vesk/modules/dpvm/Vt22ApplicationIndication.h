@@ -23,6 +23,9 @@ public:
     /// handshake not locked" when the last interrupt has not been answered yet.
     void Unlock();
 
+    /// The last interrupt has been answered.
+    bool Locked() const { return _locked; }
+
     /// Marks for the next write; none of them touches the DPRAM, and a mark made while locked waits.
     void ReleaseOut() { Mark(Vt22ApplicationIndication_t::OUT); }
 

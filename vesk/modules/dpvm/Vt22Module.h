@@ -146,6 +146,11 @@ public:
 
     const unsigned int& Messages() const { return _messages; }
 
+    /// The module waits for the answer to its last interrupt. Update gives it as soon as there is something
+    /// to tell, and after 2 ms in any case: until then an application that sleeps between its Updates may not
+    /// sleep for longer.
+    bool OwesAnswer() const;
+
     /// Copies what the exchange has last written to the input area, and has last read from the output area,
     /// without an access to the DPRAM: from the start of the area to its last mapped byte. Bytes that are not
     /// mapped are 0 in the input, and stay as they are in the output. How many bytes that is, at most 3500;

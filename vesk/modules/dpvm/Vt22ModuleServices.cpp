@@ -114,6 +114,10 @@ unsigned int Vt22Module::Reports() const {
     return _outArea ? _outArea->Reports() : 0;
 }
 
+bool Vt22Module::OwesAnswer() const {
+    return _applicationIndication && !_applicationIndication->Locked();
+}
+
 std::shared_ptr<DatabaseInfo> Vt22Module::GetDatabaseInfo() {
     if (!Configured())
         System::_env_throw(ModuleStateException::Create("Module not configured"));
