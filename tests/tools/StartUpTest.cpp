@@ -115,6 +115,8 @@ TEST(StartUpTest, WatchesUntilItIsToldToStop) {
             if (facts["problem"].contains("dump")) {
                 EXPECT_THAT(facts["problem"]["dump"].get<std::string>(),
                             testing::MatchesRegex(dumps.Path("") + "/?vesk-[0-9]+-[0-9]+\\.bin"));
+                EXPECT_THAT(StartUpText(facts, Paint(false)),
+                            testing::HasSubstr("Event: error code 0x1234, "));
                 facts["problem"].erase("dump");
             }
             shown += end + ", look " + std::to_string(++looks) + ": " + facts["problem"].dump() + "\n";
