@@ -64,17 +64,17 @@ TEST_F(RequestsTest, DownloadOfADatabaseHasItsOrder) {
     const Request master{MASTER, {}, DatabaseFileBuilder::MasterRecord()};
     PowerOn();
     Converse(Line{COMMAND, {DELETE}}, Line{OK, {START}}, Line{COMMAND, master}, Line{OK, {INFO}},
-             Line{OK, {DELETE}}, Line{OTHER, {INFO}}, Line{COMMAND, Fragment(5, 1, 1, slave)},
+             Line{OK, {DELETE}}, Line{OTHER, {INFO}}, Line{COMMAND, Fragment(125, 1, 1, slave)},
              Line{COMMAND, {END}}, Line{CONFIG, {MASTER, {}, Bytes(96)}}, Line{OK, master},
              Line{COMMAND, master}, Line{ADDRESS, Fragment(126, 1, 1, slave)},
-             Line{ADDRESS, Fragment(1, 1, 1, slave)}, Line{COUNT, Fragment(5, 1, 0, slave)},
-             Line{NUMBER, Fragment(5, 0, 2, full)}, Line{NUMBER, Fragment(5, 2, 2, full)},
-             Line{SIZE, Fragment(5, 1, 2, slave)}, Line{OK, Fragment(5, 1, 2, full)},
-             Line{ADDRESS, Fragment(6, 2, 2, slave)}, Line{COUNT, Fragment(5, 2, 3, slave)},
-             Line{NUMBER, Fragment(5, 1, 2, full)}, Line{COMMAND, {END}},
-             Line{CONFIG, Fragment(5, 2, 2, slave)}, Line{OK, Fragment(5, 1, 1, slave)},
-             Line{ADDRESS, Fragment(5, 1, 1, slave)}, Line{OTHER, {INFO}}, Line{OK, {END}},
-             Line{COMMAND, Fragment(6, 1, 1, slave)}, Line{OK, {INFO}});
+             Line{ADDRESS, Fragment(1, 1, 1, slave)}, Line{COUNT, Fragment(125, 1, 0, slave)},
+             Line{NUMBER, Fragment(125, 0, 2, full)}, Line{NUMBER, Fragment(125, 2, 2, full)},
+             Line{SIZE, Fragment(125, 1, 2, slave)}, Line{OK, Fragment(125, 1, 2, full)},
+             Line{ADDRESS, Fragment(124, 2, 2, slave)}, Line{COUNT, Fragment(125, 2, 3, slave)},
+             Line{NUMBER, Fragment(125, 1, 2, full)}, Line{COMMAND, {END}},
+             Line{CONFIG, Fragment(125, 2, 2, slave)}, Line{OK, Fragment(125, 1, 1, slave)},
+             Line{ADDRESS, Fragment(125, 1, 1, slave)}, Line{OTHER, {INFO}}, Line{OK, {END}},
+             Line{COMMAND, Fragment(124, 1, 1, slave)}, Line{OK, {INFO}});
     EXPECT_EQ(flash.database.slaves.size(), 1u);
     EXPECT_EQ(flash.writes, 4u);
 }
