@@ -30,18 +30,23 @@ std::uint64_t Published::WallTime(std::int64_t cycleTime) const {
 }
 
 bool Published::Ask(const std::string& caller, std::unique_ptr<Question> question, Reply reply) {
-    const auto answer = [this, reply = std::move(reply), replied = false](Question& answered,
-                                                                          DBus::End end) mutable {
-        if (std::exchange(replied, true) || end == DBus::End::LEFT)
-            return;
-        if (end == DBus::End::TIMED_OUT) {
-            _timedOut.Add(1);
-            answered.outcome = Question::Outcome::TIMED_OUT;
-            answered.why = TIME_IS_OVER;
-        }
-        reply(answered);
+    const auto answer = [this, reply = std::move(reply)](Question& answered, DBus::End end) mutable {
+        Tell(reply, answered, end);
     };
     return _line.Add(caller, std::move(question), answer, _cycle->Now());
+}
+
+void Published::Tell(Reply& reply, Question& answered, DBus::End end) {
+    // Once; and then it is gone, since the bus may be, too, before the cycle has answered.
+    const Reply once = std::exchange(reply, nullptr);
+    if (!once || end == DBus::End::LEFT)
+        return;
+    if (end == DBus::End::TIMED_OUT) {
+        _timedOut.Add(1);
+        answered.outcome = Question::Outcome::TIMED_OUT;
+        answered.why = TIME_IS_OVER;
+    }
+    once(answered);
 }
 
 static std::unique_ptr<Question> About(Question::Kind kind, std::vector<HeldByte> bytes) {
@@ -52,20 +57,15 @@ static std::unique_ptr<Question> About(Question::Kind kind, std::vector<HeldByte
 }
 
 bool Published::Hold(const std::string& caller, const std::vector<HeldByte>& bytes, Reply reply) {
-    const auto answer = [this, caller, bytes, reply = std::move(reply),
-                         ended = false](Question& answered, DBus::End end) mutable {
-        if (end == DBus::End::TIMED_OUT) {
-            _timedOut.Add(1);
-            answered.outcome = Question::Outcome::TIMED_OUT;
-            answered.why = TIME_IS_OVER;
-        } else if (end == DBus::End::ANSWERED && answered.outcome == Question::Outcome::ANSWERED) {
-            if (ended) // nobody knows of it
+    const auto answer = [this, caller, bytes, reply = std::move(reply)](Question& answered,
+                                                                        DBus::End end) mutable {
+        if (end == DBus::End::ANSWERED && answered.outcome == Question::Outcome::ANSWERED) {
+            if (!reply) // nobody knows of it
                 return ReleaseAll(bytes);
             for (const HeldByte& byte : bytes)
                 _holds.Add(byte, caller);
         }
-        if (!std::exchange(ended, true) && end != DBus::End::LEFT)
-            reply(answered);
+        Tell(reply, answered, end);
     };
     return _line.Add(caller, About(Question::Kind::HOLD, bytes), answer, _cycle->Now());
 }

@@ -80,6 +80,7 @@ public:
     void End(const std::string& why) { _line.Close(why); }
 
 private:
+    void Tell(Reply& reply, Question& answered, DBus::End end);
     void ReleaseAll(std::vector<HeldByte> bytes);
 
     const std::string _name;

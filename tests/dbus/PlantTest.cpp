@@ -91,6 +91,12 @@ std::string ErrorOf(const Call& call) {
     }
 }
 
+VirtualModule::Options WithFaults() {
+    VirtualModule::Options options;
+    options.faultsOnRequest = true;
+    return options;
+}
+
 /// A module in software and the application with it, whose thread updates the plant while it runs. Time
 /// passes with the updates.
 class Application {
@@ -152,6 +158,17 @@ public:
         return Pause();
     }
 
+    /// Updates until the module has one more request, whose answer takes 20 ms of its time.
+    void StepUntilRequest() {
+        const auto requests = [this] { return module.GetModule().Counted(VirtualModule::Counts::REQUESTS); };
+        module.GetModule().Strike("answer-late=20", 1);
+        const unsigned before = requests();
+        EXPECT_TRUE(Comes([&] {
+            Step();
+            return requests() != before;
+        }));
+    }
+
     void Begin() {
         const auto [irq, reset, boot] = ModuleLines(module);
         master = Vt22::CreateConfigured(
@@ -167,7 +184,7 @@ public:
 
     TestClock clock;
     VirtualModule::Flash flash;
-    VirtualModule::InProcess module{flash, TestClock::Nanoseconds};
+    VirtualModule::InProcess module{flash, TestClock::Nanoseconds, WithFaults()};
     const std::shared_ptr<Config::IBusConfig> config =
         DatabaseFileBuilder()
             .Master()
@@ -445,9 +462,18 @@ TEST(PlantTest, IsBackWhenTheBusIs) {
     Application application(bus);
     application.Run();
     Client(bus).HoldInput({{2, 99}});
+    application.Pause();
+    auto asked = std::async(std::launch::async, [&] {
+        const auto connection = sdbus::createSessionBusConnectionWithAddress(bus.Address());
+        const auto proxy = sdbus::createProxy(*connection, "org.libvesk.Master.plant", "/org/libvesk/Master");
+        return ErrorOf([&] { proxy->callMethod("GetLiveList").onInterface("org.libvesk.Master1"); });
+    });
+    application.StepUntilRequest(); // which is answered when nobody waits for it any more
     bus.End();
+    EXPECT_NE(asked.get(), "none");
     EXPECT_TRUE(Comes([&] { return !application.plant->Published(); }));
     EXPECT_NE(application.plant->Trouble(), "");
+    application.Run();
     bus.Begin();
     EXPECT_TRUE(Comes([&] { return application.plant->Published(); })) << application.plant->Trouble();
     Client client(bus);
