@@ -29,9 +29,16 @@ Cycle::Cycle(bool measures, std::function<void()> wake) : _measures(measures), _
 
 void Cycle::SetMaster(std::shared_ptr<Vt22Module> master) {
     Fail("the application has let go of the module");
+    if (_master && _master != master && _master->Booted()) // it may live on, with the application's bytes
+        for (const HeldByte& held : _held)
+            _master->ReleaseInput(held.offset);
     _master = std::move(master);
-    if (!_master)
-        return;
+    if (!_master) {
+        Facts none;
+        none.failure = std::move(_facts.failure);
+        _facts = std::move(none);
+        return _latest.Put(_facts);
+    }
     _masterInterrupts = &_master->Interrupts();
     _seenInterrupts = _master->Interrupts();
     _seenMessages = _master->Messages();
@@ -43,15 +50,18 @@ void Cycle::SetMaster(std::shared_ptr<Vt22Module> master) {
 // ---- the step
 
 void Cycle::Step(std::int64_t begun) {
-    if (!_master)
+    Vt22Module* const master = _master.get();
+    if (!master)
         System::_env_throw(System::InvalidOperationException::Create("no module to update"));
     try {
-        _master->Update();
+        master->Update(); // which keeps itself, whatever its callbacks let go of
     } catch (...) {
         NoteFailure(std::current_exception());
         throw;
     }
     _updates.Add(1);
+    if (_master.get() != master)
+        return;
     if (const unsigned int interrupts = *_masterInterrupts; interrupts != _seenInterrupts) {
         _interrupts.Add(interrupts - std::exchange(_seenInterrupts, interrupts));
         _heardOf = begun;

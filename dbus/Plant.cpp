@@ -84,7 +84,8 @@ Plant::~Plant() {
 }
 
 void Plant::Update() {
-    _parts->cycle->Update();
+    const auto cycle = _parts->cycle; // a callback may let go of the plant
+    cycle->Update();
 }
 
 void Plant::SetMaster(std::shared_ptr<Vt22Module> master) {

@@ -75,7 +75,8 @@ struct PlantOptions {
 /// Everything else happens in a thread of the service, which never touches the module. It has no real-time
 /// priority, also where the thread that publishes has one.
 ///
-/// Update, SetMaster and the end of the object belong to the thread of the module.
+/// Update, SetMaster and the end of the object belong to the thread of the module; the latter two may happen
+/// in its callbacks, too.
 class Plant {
 public:
     /// Publishes `master` as the object /org/libvesk/Master of the service org.libvesk.Master.`name`, with a
@@ -100,8 +101,8 @@ public:
                                          const std::shared_ptr<Modules::DPVM::Config::IBusConfig>& config,
                                          const PlantOptions& options = {});
 
-    /// Takes the object from the bus; what clients still wait for ends with an error. The last one ends the
-    /// thread.
+    /// Takes the object from the bus; what clients still wait for ends with an error, and bytes that they
+    /// hold are the application's again. The last one ends the thread.
     ~Plant();
     Plant(const Plant&) = delete;
     Plant& operator=(const Plant&) = delete;
@@ -111,7 +112,9 @@ public:
     /// InvalidOperationException without a module.
     void Update();
 
-    /// Goes on with a new module object; null lets go of the old one, which puts the module into reset.
+    /// Goes on with a new module object; null lets go of the old one, which puts the module into reset unless
+    /// the application has it too. Clients see none then, and the bytes that they hold there are the
+    /// application's again.
     void SetMaster(std::shared_ptr<Modules::DPVM::Vt22Module> master);
 
     /// The service has its name on the bus. Otherwise Trouble says why not; it tries again each second.

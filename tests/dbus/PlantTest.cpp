@@ -390,6 +390,45 @@ TEST(PlantTest, ShowsAFailureUntilTheApplicationGoesOn) {
     EXPECT_THAT(client.Problem().get<0>(), HasSubstr("on its way: DOWNLOAD_COMPLETE"));
 }
 
+TEST(PlantTest, LetsGoOfTheModuleInItsCallback) {
+    const PrivateBus bus;
+    Application application(bus);
+    Client client(bus);
+    const auto master = application.master;
+    const auto inputAfter = [&](const auto& updated) {
+        for (int i = 0; i < 100; ++i) { // until the module has taken it
+            application.clock.Advance(250'000);
+            updated->Update();
+        }
+        Bytes input(4);
+        master->CopyInputData(input);
+        return input;
+    };
+    const auto inCallback = [&](const std::function<void()>& letGo) {
+        bool done = false;
+        master->GetLiveList(System::ArgFunc<std::shared_ptr<Vesk::Mailbox::IResponse>, void>::Create(
+            [&](const std::shared_ptr<Vesk::Mailbox::IResponse>&) {
+                letGo();
+                done = true;
+            }));
+        while (!done)
+            application.Step();
+        EXPECT_EQ(inputAfter(master), (Bytes{0xFF, 0x38, 5, 6})) << "the module lives on";
+    };
+    application.Run();
+    client.HoldInput({{2, 99}});
+    EXPECT_EQ(application.Pause(), "");
+    EXPECT_EQ(inputAfter(application.plant), (Bytes{0xFF, 0x38, 99, 6}));
+    inCallback([&] { application.plant->SetMaster(nullptr); });
+    EXPECT_TRUE(Comes([&] { return client.State() == "POWER_OFF"; }));
+    EXPECT_FALSE(client.Online());
+    EXPECT_NE(client.Problem().get<0>(), "");
+    application.plant->SetMaster(master);
+    EXPECT_EQ(inputAfter(application.plant), (Bytes{0xFF, 0x38, 99, 6}));
+    EXPECT_TRUE(Comes([&] { return client.Online(); }));
+    inCallback([&] { application.plant = nullptr; });
+}
+
 /// Calls of a client that nobody answers yet.
 struct Pending {
     Pending(const PrivateBus& bus, int calls)
