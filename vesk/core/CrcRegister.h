@@ -56,7 +56,7 @@ private:
     /// The byte of the register that meets byte `i` of the message; zero behind its end.
     static constexpr unsigned char ByteOf(Register value, std::size_t i) {
         const int shift = 8 * static_cast<int>(i);
-        return shift < BITS ? static_cast<unsigned char>(value >> (REFLECTED ? shift : BITS - 8 - shift)) : 0;
+        return static_cast<unsigned char>(shift < BITS ? value >> (REFLECTED ? shift : BITS - 8 - shift) : 0);
     }
 };
 
