@@ -33,9 +33,9 @@ private:
     void StartSlaves(sdbus::Result<>&& result, Bytes addresses) override;
     void StopSlaves(sdbus::Result<>&& result, Bytes addresses) override;
     void HoldInput(sdbus::Result<>&& result,
-                   std::vector<sdbus::Struct<std::uint16_t, std::uint8_t>> bytes) override;
+                   std::vector<sdbus::Struct<std::uint16_t, std::uint8_t, std::uint8_t>> bytes) override;
     void ReleaseInput(sdbus::Result<>&& result, std::uint16_t offset) override;
-    std::vector<sdbus::Struct<std::uint16_t, std::uint8_t, std::string>> Held() override;
+    std::vector<sdbus::Struct<std::uint16_t, std::uint8_t, std::uint8_t, std::string>> Held() override;
 
     void Ask(sdbus::Result<>&& result, std::unique_ptr<Question> question);
 

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "dbus/Cycle.h"
 
+#include "vesk/hostinterface/MasterDpRam.h"
 #include "vesk/hostinterface/RuntimeConfig.h"
 #include "vesk/mailbox/ErrorCode.h"
 #include "vesk/mailbox/MailboxTimeoutException.h"
@@ -25,13 +26,15 @@ std::shared_ptr<Cycle> Cycle::Create(std::shared_ptr<Vt22Module> master, bool me
     return cycle;
 }
 
-Cycle::Cycle(bool measures, std::function<void()> wake) : _measures(measures), _wake(std::move(wake)) {}
+Cycle::Cycle(bool measures, std::function<void()> wake)
+    : _measures(measures), _held(HostInterface::MasterDpRam::INPUT_AREA_SIZE), _wake(std::move(wake)) {}
 
 void Cycle::SetMaster(std::shared_ptr<Vt22Module> master) {
     Fail("the application has let go of the module");
     if (_master && _master != master && _master->Booted()) // it may live on, with the application's bytes
         for (const HeldByte& held : _held)
-            _master->ReleaseInput(held.offset);
+            if (held.mask != 0)
+                _master->ReleaseInput(held.offset);
     _master = std::move(master);
     if (!_master) {
         Facts none;
@@ -111,12 +114,7 @@ void Cycle::NoteChange() {
         CopyList(_master->GetDpv1ConnectionLiveList(), facts.connected);
     }
     if (facts.state >= State::INITIALIZING && static_cast<int>(facts.state) != _seenState)
-        for (const HeldByte& held : _held) // which a reset has let go of
-            try {
-                _master->HoldInput(held.offset, held.value);
-            } catch (const System::ArgumentOutOfRangeException&) {
-                // not mapped any more: nothing of it goes to the bus
-            }
+        HoldAgain();
     _seenState = static_cast<int>(facts.state);
     _seenReports = _master->Reports();
     _facts = std::move(facts);
@@ -229,34 +227,46 @@ void Cycle::TakeSnapshot() {
 }
 
 void Cycle::Hold() {
+    const auto& bytes = _question->bytes;
+    std::size_t done = 0;
     try {
-        for (const HeldByte& byte : _question->bytes)
-            _master->HoldInput(byte.offset, byte.value);
-    } catch (const System::ArgumentOutOfRangeException&) { // then none of them
-        for (const HeldByte& byte : _question->bytes)
-            _master->ReleaseInput(byte.offset);
-        for (const HeldByte& held : _held)
-            _master->HoldInput(held.offset, held.value);
+        for (; done < bytes.size(); ++done)
+            _master->HoldInput(bytes[done].offset, bytes[done].value, bytes[done].mask);
+    } catch (...) { // then none of them
+        while (done > 0)
+            Restore(bytes[--done].offset);
         throw;
     }
-    for (const HeldByte& byte : _question->bytes) {
-        Forget(byte);
-        _held.push_back(byte);
-    }
+    for (const HeldByte& byte : bytes)
+        _held[byte.offset].Add(byte);
     Finish(Outcome::ANSWERED);
+}
+
+/// The byte, of which a moment ago bits could be held, as it was before.
+void Cycle::Restore(unsigned short offset) {
+    _master->ReleaseInput(offset);
+    if (const HeldByte& held = _held[offset]; held.mask != 0)
+        _master->HoldInput(offset, held.value, held.mask);
+}
+
+/// What a reset has let go of.
+void Cycle::HoldAgain() {
+    for (const HeldByte& held : _held)
+        try {
+            if (held.mask != 0)
+                _master->HoldInput(held.offset, held.value, held.mask);
+        } catch (const System::ArgumentOutOfRangeException&) {
+            // not mapped any more: nothing of it goes to the bus
+        }
 }
 
 void Cycle::Release() {
     for (const HeldByte& byte : _question->bytes) {
-        Forget(byte);
-        if (_master && _master->State() >= State::BOOTED)
+        _held[byte.offset] = {};
+        if (_master && _master->Booted())
             _master->ReleaseInput(byte.offset);
     }
     Finish(Outcome::ANSWERED);
-}
-
-void Cycle::Forget(const HeldByte& byte) {
-    std::erase_if(_held, [&](const HeldByte& held) { return held.offset == byte.offset; });
 }
 
 void Cycle::Send() {

@@ -87,7 +87,8 @@ private:
     void TakeSnapshot();
     void Hold();
     void Release();
-    void Forget(const HeldByte& byte);
+    void HoldAgain();
+    void Restore(unsigned short offset);
     void Send();
     void OnAnswer(Mailbox::IResponse& response);
     void Finish(Question::Outcome outcome, std::string why = {});
@@ -118,7 +119,7 @@ private:
     Question* _question = nullptr; // that is being answered
     std::size_t _request = 0;      // the one of it that is with the module
     unsigned int _ticket = 0;      // of that request; answers to older ones are nobody's
-    std::vector<HeldByte> _held;
+    std::vector<HeldByte> _held;   // by offset; without a bit where nothing is held
     std::function<void()> _wake;
 };
 

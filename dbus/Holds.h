@@ -13,7 +13,7 @@ namespace Vesk::DBus {
 class Holds {
 public:
     struct Hold {
-        unsigned char value;
+        HeldByte bits;
         std::string holder;
 
         bool operator==(const Hold&) const = default;
@@ -25,8 +25,10 @@ public:
         return hold == _holds.end() || hold->second.holder == caller ? "" : hold->second.holder;
     }
 
-    void Add(const HeldByte& byte, const std::string& holder) {
-        _holds.insert_or_assign(byte.offset, Hold{byte.value, holder});
+    void Add(const HeldByte& bits, const std::string& holder) {
+        Hold& hold = _holds[bits.offset];
+        hold.bits.Add(bits);
+        hold.holder = holder;
     }
 
     void Remove(unsigned short offset) { _holds.erase(offset); }
@@ -37,7 +39,7 @@ public:
         std::erase_if(_holds, [&](const auto& hold) {
             const bool his = holder.empty() || hold.second.holder == holder;
             if (his)
-                bytes.push_back({hold.first, hold.second.value});
+                bytes.push_back(hold.second.bits);
             return his;
         });
         return bytes;

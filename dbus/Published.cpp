@@ -71,7 +71,7 @@ bool Published::Hold(const std::string& caller, const std::vector<HeldByte>& byt
 }
 
 bool Published::Release(const std::string& caller, unsigned short offset, Reply reply) {
-    return Ask(caller, About(Question::Kind::RELEASE, {{offset, 0}}),
+    return Ask(caller, About(Question::Kind::RELEASE, {{offset, 0, 0}}),
                [this, offset, reply = std::move(reply)](Question& answered) {
                    if (answered.outcome == Question::Outcome::ANSWERED)
                        _holds.Remove(offset);

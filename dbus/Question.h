@@ -10,10 +10,18 @@
 
 namespace Vesk::DBus {
 
-/// An input byte that somebody holds.
+/// The bits of an input byte that somebody holds: those of the mask.
 struct HeldByte {
-    unsigned short offset;
-    unsigned char value;
+    unsigned short offset = 0;
+    unsigned char value = 0;
+    unsigned char mask = 0;
+
+    /// Takes further bits of the byte beside its own.
+    void Add(const HeldByte& bits) {
+        offset = bits.offset;
+        value = static_cast<unsigned char>((value & ~bits.mask) | (bits.value & bits.mask));
+        mask |= bits.mask;
+    }
 
     bool operator==(const HeldByte&) const = default;
 };
@@ -23,8 +31,8 @@ struct Question {
     enum class Kind : std::uint8_t {
         MESSAGES, ///< the module is sent `requests`, one after the other
         SNAPSHOT, ///< of the process data
-        HOLD,     ///< the input bytes of `bytes`
-        RELEASE,  ///< those bytes; their values do not matter
+        HOLD,     ///< the bits of `bytes`
+        RELEASE,  ///< those bytes, whatever bits of them are held
     };
 
     enum class Outcome : std::uint8_t {

@@ -111,10 +111,16 @@ public:
                      std::shared_ptr<System::IArray<unsigned char>> data,
                      ResponseAction responseAction) override;
 
-    /// Lets the module send these bytes of its input area (offset, value), all from the same exchange on,
-    /// whatever the application has in its array, for as long as the connection to the bus lasts.
-    void HoldInput(const std::vector<std::pair<unsigned short, unsigned char>>& bytes,
-                   ResponseAction responseAction);
+    /// Bits of a byte of the input area: those of `mask`.
+    struct HeldBits {
+        unsigned short offset;
+        unsigned char value;
+        unsigned char mask;
+    };
+
+    /// Lets the module send these bits of its input area, all from the same exchange on, whatever the
+    /// application has in its array, for as long as the connection to the bus lasts.
+    void HoldInput(const std::vector<HeldBits>& bytes, ResponseAction responseAction);
 
     /// What the last exchange has written to and read from a slave, at no cost to the module.
     void GetSlaveData(unsigned char slaveAddress, std::function<void(Bytes input, Bytes output)> action);

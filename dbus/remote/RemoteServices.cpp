@@ -223,12 +223,11 @@ void RemoteModule::Class2Write(unsigned char slaveAddress, unsigned char slot, u
          BytesOf(*data));
 }
 
-void RemoteModule::HoldInput(const std::vector<std::pair<unsigned short, unsigned char>>& bytes,
-                             ResponseAction responseAction) {
+void RemoteModule::HoldInput(const std::vector<HeldBits>& bytes, ResponseAction responseAction) {
     CheckControls();
-    std::vector<sdbus::Struct<std::uint16_t, std::uint8_t>> held;
-    for (const auto& [offset, value] : bytes)
-        held.emplace_back(offset, value);
+    std::vector<sdbus::Struct<std::uint16_t, std::uint8_t, std::uint8_t>> held;
+    for (const HeldBits& bits : bytes)
+        held.emplace_back(bits.offset, bits.value, bits.mask);
     Call(CONTROL_INTERFACE, "HoldInput", false, std::move(responseAction), held);
 }
 

@@ -126,7 +126,7 @@ private:
             GetSignal("byte");
             break;
         case 3:
-            HoldInput({{1, 7}}); // the same for all: whoever comes second is refused
+            HoldInput({{1, 7, 0xFF}}); // the same for all: whoever comes second is refused
             break;
         case 4:
             Statistics();

@@ -30,6 +30,7 @@ using testing::IsEmpty;
 using Vesk::DBus::Plant;
 using Vesk::DBus::PlantOptions;
 using Bytes = std::vector<std::uint8_t>;
+using HeldBits = sdbus::Struct<std::uint16_t, std::uint8_t, std::uint8_t>; // offset, value, mask
 
 namespace {
 
@@ -304,8 +305,19 @@ TEST(PlantTest, RefusesWhatCannotBe) {
         {"org.libvesk.Error.NotReady: the application does not map", [&] { client.GetSignal("beyond"); }},
         {"org.freedesktop.DBus.Error.InvalidArgs: offset 4 of",
          [&] {
-             client.HoldInput({{2, 9}, {3, 9}, {4, 9}});
+             client.HoldInput({{2, 9, 0xFF}, {3, 9, 0xFF}, {4, 9, 0xFF}});
          }},
+        {"org.freedesktop.DBus.Error.InvalidArgs: offset 2 is there twice",
+         [&] {
+             client.HoldInput({{2, 9, 0x0F}, {2, 9, 0xF0}});
+         }},
+        {"org.freedesktop.DBus.Error.InvalidArgs: offset 2 has a mask without",
+         [&] {
+             client.HoldInput({{2, 9, 0}});
+         }},
+        {"org.freedesktop.DBus.Error.InvalidArgs: 257 bytes",
+         [&] { client.HoldInput(std::vector<HeldBits>(257)); }},
+        {"org.freedesktop.DBus.Error.InvalidArgs: offset 3500 is behind", [&] { client.ReleaseInput(3500); }},
     };
     for (const auto& [error, call] : CASES)
         EXPECT_THAT(ErrorOf(call), HasSubstr(error));
@@ -330,16 +342,23 @@ TEST(PlantTest, HoldsBytesUntilTheirHolderLeaves) {
     const auto input = [&] { return std::get<1>(watcher.GetProcessData()); };
     {
         Client holder(bus);
-        holder.HoldInput({{2, 99}, {3, 98}});
+        holder.HoldInput({{2, 99, 0xFF}, {3, 98, 0xFF}});
         EXPECT_THAT(ErrorOf([&] {
-                        watcher.HoldInput({{1, 1}, {2, 1}});
+                        watcher.HoldInput({{1, 1, 0xFF}, {2, 1, 0xFF}});
                     }),
                     HasSubstr("Error.Held: offset 2 is held by :"));
-        EXPECT_THAT(ErrorOf([&] { holder.HoldInput({{2, 1}, {1, 1}, {4, 1}}); }), HasSubstr("offset 4 of"));
-        EXPECT_TRUE(Comes([&] { return input() == Bytes{0xFF, 0x38, 99, 98}; }));
-        EXPECT_EQ(watcher.Held().size(), 2);
+        holder.HoldInput({{1, 0x39, 0x03}}); // the others are the application's
+        holder.HoldInput({{1, 0x80, 0x82}});
+        EXPECT_THAT(ErrorOf([&] {
+                        holder.HoldInput({{2, 1, 0xFF}, {1, 0x00, 0x81}, {0, 1, 0xFF}, {4, 1, 0xFF}});
+                    }),
+                    HasSubstr("offset 4 of"));
+        EXPECT_TRUE(Comes([&] { return input() == Bytes{0xFF, 0xB9, 99, 98}; }));
+        EXPECT_EQ(watcher.Held().size(), 3);
+        EXPECT_EQ(watcher.Held().front().get<1>(), 0x81);
+        EXPECT_EQ(watcher.Held().front().get<2>(), 0x83);
         watcher.ReleaseInput(3);
-        EXPECT_TRUE(Comes([&] { return input() == Bytes{0xFF, 0x38, 99, 6}; }));
+        EXPECT_TRUE(Comes([&] { return input() == Bytes{0xFF, 0xB9, 99, 6}; }));
     }
     EXPECT_TRUE(Comes([&] { return input() == Bytes{0xFF, 0x38, 5, 6}; }));
     EXPECT_THAT(watcher.Held(), IsEmpty());
@@ -416,7 +435,7 @@ TEST(PlantTest, LetsGoOfTheModuleInItsCallback) {
         EXPECT_EQ(inputAfter(master), (Bytes{0xFF, 0x38, 5, 6})) << "the module lives on";
     };
     application.Run();
-    client.HoldInput({{2, 99}});
+    client.HoldInput({{2, 99, 0xFF}});
     EXPECT_EQ(application.Pause(), "");
     EXPECT_EQ(inputAfter(application.plant), (Bytes{0xFF, 0x38, 99, 6}));
     inCallback([&] { application.plant->SetMaster(nullptr); });
@@ -500,7 +519,7 @@ TEST(PlantTest, IsBackWhenTheBusIs) {
     PrivateBus bus;
     Application application(bus);
     application.Run();
-    Client(bus).HoldInput({{2, 99}});
+    Client(bus).HoldInput({{2, 99, 0xFF}});
     application.Pause();
     auto asked = std::async(std::launch::async, [&] {
         const auto connection = sdbus::createSessionBusConnectionWithAddress(bus.Address());

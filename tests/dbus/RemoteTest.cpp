@@ -189,14 +189,16 @@ TEST_F(RemoteTest, EveryVerbSaysTheSameAsOfAModuleOfOnesOwn) {
 TEST_F(RemoteTest, ChangesTheSameAsAtAModuleOfOnesOwn) {
     const std::string script =
         "set 5 0a0b0c\ninput 5\noutput 5\nset 5 2 ff\noutput 5\nset 77 00\n"
+        "set lamps.ready true\nset lamps.fault true\nset lamps.ready false\ninput lamps\n"
         "write 5 1 200 010203\nread 5 1 200\nwrite 5 1 201 04 --class2\nread 5 1 201 --class2\n"
         "write 77 1 1 00\nstop 9 10\nlivelist\nstart 9 10\nstart 77\nlivelist\n"
         "mode clear\nstatus\nmode operate\nstatus\n";
     const auto application = Begin(true);
-    const std::string config = std::string(" --config ") + ModuleFiles::PLANT;
+    const std::string config = " --config " SOURCE_DIR "/examples/plant.toml";
     const std::string said = Shell(script, "--plant press --bus " + bus.Address() + config);
     EXPECT_EQ(said, Shell(script, "--virtual" + config));
-    EXPECT_THAT(said, AllOf(HasSubstr("\"data\":\"0a0bff"), HasSubstr("\"type\":\"Refusal\"")));
+    EXPECT_THAT(said, AllOf(HasSubstr("\"data\":\"0a0bff"), HasSubstr("\"data\":\"03\""),
+                            HasSubstr("\"type\":\"Refusal\"")));
 }
 
 TEST_F(RemoteTest, LetsTheApplicationsBytesGoOutAgain) {

@@ -139,12 +139,21 @@ TEST(InAreaTest, WritesHeldBytesUntilTheyAreReleased) {
     std::vector<unsigned char> written(6);
     area->CopyWritten(written.data());
     EXPECT_EQ(written, (std::vector<unsigned char>{0, 0, 6, 7, 0, 5}));
+    area->Hold(4, 0x3F, 0x21); // of two bits the others are the array's
+    bytes->Set(2, 0xC0);
+    EXPECT_EQ(exchange(), (Exchange{1, {0, 0, 6, 7, 0xE1, 5, 0}}));
+    area->Hold(4, 0x02, 0x03); // one more, and another value of one
+    bytes->Set(2, 0x80);
+    EXPECT_EQ(exchange(), (Exchange{1, {0, 0, 6, 7, 0xA2, 5, 0}}));
+    area->Release(3); // in another order than they were held
+    EXPECT_EQ(exchange(), (Exchange{1, {0, 0, 6, 8, 0xA2, 5, 0}}));
     area->Release(5);
-    EXPECT_EQ(exchange(), (Exchange{1, {0, 0, 6, 7, 0, 9, 0}}));
-    area->Release(3);
-    area->Release(3);
-    EXPECT_EQ(exchange(), (Exchange{1, {0, 0, 6, 8, 0, 9, 0}}));
-    EXPECT_EQ(exchange(), (Exchange{0, {0, 0, 6, 8, 0, 9, 0}}));
+    area->Release(5);
+    area->Release(99);
+    EXPECT_EQ(exchange(), (Exchange{1, {0, 0, 6, 8, 0xA2, 9, 0}}));
+    area->Release(4);
+    EXPECT_EQ(exchange(), (Exchange{1, {0, 0, 6, 8, 0x80, 9, 0}}));
+    EXPECT_EQ(exchange(), (Exchange{0, {0, 0, 6, 8, 0x80, 9, 0}}));
 }
 
 TEST(InAreaTest, WritesWhatStandsBeforeASegmentThatLeavesItsArray) {

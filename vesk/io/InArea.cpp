@@ -71,32 +71,37 @@ bool InArea::WriteSpecially(Runs::Found found) {
 bool InArea::TakeHeld() {
     _runs.Collect(_next.data());
     for (const HeldByte& held : _held)
-        _next[held.offset] = held.value;
+        _next[held.offset] = static_cast<unsigned char>((_next[held.offset] & ~held.mask) | held.value);
     if (std::equal(_next.begin(), _next.end(), _shadowBytes))
         return false;
     std::copy(_next.begin(), _next.end(), _shadowBytes);
     return true;
 }
 
-std::vector<InArea::HeldByte>::iterator InArea::FindHeld(unsigned short offset) {
-    return std::ranges::find(_held, offset, &HeldByte::offset);
-}
-
-void InArea::Hold(unsigned short offset, unsigned char value) {
+void InArea::Hold(unsigned short offset, unsigned char value, unsigned char mask) {
     if (!_placement.Has(offset))
         System::_env_throw(System::ArgumentOutOfRangeException::Create(
             TextOf("offset ", offset, " of the input area is not mapped")));
     _next.resize(static_cast<std::size_t>(_shadow->Count()));
-    if (const auto held = FindHeld(offset); held != _held.end())
-        held->value = value;
-    else
-        _held.push_back({offset, value});
+    _heldPlace.resize(_next.size());
+    if (_heldPlace[offset] == 0) {
+        _held.push_back({offset, 0, 0});
+        _heldPlace[offset] = static_cast<unsigned short>(_held.size());
+    }
+    HeldByte& held = _held[_heldPlace[offset] - 1U];
+    held.value = static_cast<unsigned char>((held.value & ~mask) | (value & mask));
+    held.mask |= mask;
     _special = true;
 }
 
 void InArea::Release(unsigned short offset) {
-    if (const auto held = FindHeld(offset); held != _held.end())
-        _held.erase(held);
+    if (offset >= _heldPlace.size() || _heldPlace[offset] == 0)
+        return;
+    const HeldByte last = _held.back(); // comes to its place
+    _heldPlace[last.offset] = _heldPlace[offset];
+    _held[_heldPlace[offset] - 1U] = last;
+    _heldPlace[offset] = 0;
+    _held.pop_back();
 }
 
 void InArea::CopyWritten(unsigned char* to) const {

@@ -30,9 +30,10 @@ public:
     /// is to be released. ArgumentOutOfRangeException for a segment that leaves its array.
     bool Update();
 
-    /// From the next write on the byte at `offset`, counted from the start of the area, is `value`, whatever
-    /// is in its array, until it is released. ArgumentOutOfRangeException for a byte that is not mapped.
-    void Hold(unsigned short offset, unsigned char value);
+    /// From the next write on the bits of `mask` in the byte at `offset`, counted from the start of the area,
+    /// are those of `value`, whatever is in its array, until the byte is released. They come beside those
+    /// that are held of it already. ArgumentOutOfRangeException for a byte that is not mapped.
+    void Hold(unsigned short offset, unsigned char value, unsigned char mask = 0xFF);
 
     /// The byte is the array's again; does nothing for one that is not held.
     void Release(unsigned short offset);
@@ -53,14 +54,14 @@ protected:
 private:
     struct HeldByte {
         unsigned short offset;
-        unsigned char value;
+        unsigned char value; // 0 outside of the mask
+        unsigned char mask;
     };
 
     void WriteRuns();
     bool WriteSpecially(Runs::Found found);
     void WriteSegments();
     bool TakeHeld();
-    std::vector<HeldByte>::iterator FindHeld(unsigned short offset);
 
     bool _acquired = false;
     std::shared_ptr<HostInterface::IHostInterface> _hostInterface;
@@ -70,7 +71,9 @@ private:
     std::shared_ptr<System::IArray<unsigned char>> _shadow; // the bytes last written, of the whole area
     unsigned char* _shadowBytes;                            // the first of them
     bool _special = false;                                  // there is more to look at than the arrays
-    std::vector<HeldByte> _held;
+    std::vector<HeldByte> _held;                            // in no order
+    std::vector<unsigned short>
+        _heldPlace;                   // of each offset: 1 for the first of _held, 0 where nothing is held
     std::vector<unsigned char> _next; // what is to be written while bytes are held
 };
 

@@ -121,8 +121,9 @@ void OwnSession::TakePlaces(std::shared_ptr<Config::IBusConfig> places) {
     _inputs.TakePlaces(std::move(places));
 }
 
-void OwnSession::SetInput(unsigned int address, std::size_t offset, std::span<const unsigned char> bytes) {
-    _inputs.Set(address, offset, bytes);
+void OwnSession::SetInput(unsigned int address, std::size_t offset, std::span<const unsigned char> bytes,
+                          std::span<const unsigned char> mask) {
+    _inputs.Set(address, offset, bytes, mask);
 }
 
 } // namespace VeskTool

@@ -32,7 +32,8 @@ public:
     std::shared_ptr<Vesk::Modules::DPVM::DatabaseInfo> AskForDatabase() override;
 
     void TakePlaces(std::shared_ptr<Vesk::Modules::DPVM::Config::IBusConfig> places) override;
-    void SetInput(unsigned int address, std::size_t offset, std::span<const unsigned char> bytes) override;
+    void SetInput(unsigned int address, std::size_t offset, std::span<const unsigned char> bytes,
+                  std::span<const unsigned char> mask) override;
 
 protected:
     void UpdateModule() override;

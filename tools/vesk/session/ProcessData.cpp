@@ -54,9 +54,12 @@ void InputData::Map(ISlaveModule& module, const std::string& description) {
             _slaves[address] = MapInput(*_config->Slave(address), module);
 }
 
-void InputData::Set(unsigned int address, std::size_t offset, std::span<const unsigned char> bytes) {
+void InputData::Set(unsigned int address, std::size_t offset, std::span<const unsigned char> bytes,
+                    std::span<const unsigned char> mask) {
     Places(address, offset, bytes.size());
-    std::copy(bytes.begin(), bytes.end(), _slaves.at(address)->Data() + offset);
+    unsigned char* const to = _slaves.at(address)->Data() + offset;
+    for (std::size_t i = 0; i < bytes.size(); ++i)
+        to[i] = static_cast<unsigned char>((to[i] & ~mask[i]) | (bytes[i] & mask[i]));
 }
 
 std::vector<unsigned short> InputData::Places(unsigned int address, std::size_t offset,

@@ -37,8 +37,10 @@ public:
     /// description.
     void Describe(const std::string& description) { _held = description; }
 
-    /// Sets bytes of the slave at `address`, from its byte `offset` on. Failure where they have no place.
-    void Set(unsigned int address, std::size_t offset, std::span<const unsigned char> bytes);
+    /// Sets the bits of `mask`, which has as many bytes, in those of the slave at `address`, from its byte
+    /// `offset` on. Failure where they have no place.
+    void Set(unsigned int address, std::size_t offset, std::span<const unsigned char> bytes,
+             std::span<const unsigned char> mask);
 
     /// The places in the input area of so many bytes of the slave at `address`, from its byte `offset` on.
     /// Failure where they have none.

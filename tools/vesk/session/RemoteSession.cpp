@@ -63,14 +63,15 @@ void RemoteSession::TakePlaces(std::shared_ptr<Config::IBusConfig> places) {
     _inputs.TakePlaces(std::move(places));
 }
 
-void RemoteSession::SetInput(unsigned int address, std::size_t offset, std::span<const unsigned char> bytes) {
+void RemoteSession::SetInput(unsigned int address, std::size_t offset, std::span<const unsigned char> bytes,
+                             std::span<const unsigned char> mask) {
     _inputs.Describe(AskForDatabase()->Description.Value());
     const auto places = _inputs.Places(address, offset, bytes.size());
-    std::vector<std::pair<unsigned short, unsigned char>> held;
+    std::vector<RemoteModule::HeldBits> held;
     for (std::size_t i = 0; i < bytes.size(); ++i)
-        held.emplace_back(places[i], bytes[i]);
+        held.push_back({places[i], bytes[i], mask[i]});
     Ask([&](IDPVMModule::ResponseAction action) { Remote().HoldInput(held, action); },
-        "to hold bytes of the input area");
+        "to hold bits of the input area");
 }
 
 } // namespace VeskTool

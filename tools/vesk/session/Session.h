@@ -128,9 +128,11 @@ public:
     /// Takes the places of input data from `places`, which may be null. Before the module is initialised.
     virtual void TakePlaces(std::shared_ptr<Vesk::Modules::DPVM::Config::IBusConfig> places) = 0;
 
-    /// Sets bytes of the input data of the slave at `address`, which the module sends to it, from its byte
-    /// `offset` on. They stay as long as the life. Failure where they have no place.
-    virtual void SetInput(unsigned int address, std::size_t offset, std::span<const unsigned char> bytes) = 0;
+    /// Sets the bits of `mask`, which has as many bytes, in the input data of the slave at `address`, which
+    /// the module sends to it, from its byte `offset` on. They stay as long as the life. Failure where they
+    /// have no place.
+    virtual void SetInput(unsigned int address, std::size_t offset, std::span<const unsigned char> bytes,
+                          std::span<const unsigned char> mask) = 0;
 
     /// Asks for an operation mode and updates until the module reports it.
     void SetMode(OperationMode mode);

@@ -184,40 +184,36 @@ int SetAndHold(Session& session, const std::function<int(Session& session)>& set
     return status;
 }
 
-/// Whether the master has the bytes as the input data of the slave by now.
-bool Shows(Session& session, const Json& arguments) {
-    const auto held = TryAboutSlave(session, arguments["address"], &IDPVMModule::ReadSlaveInput);
-    const auto bytes = BytesOf(arguments);
-    const auto offset = arguments["offset"].get<std::size_t>();
-    return held && offset + bytes.size() <= held->size() &&
-           std::equal(bytes.begin(), bytes.end(), held->begin() + static_cast<std::ptrdiff_t>(offset));
+std::vector<unsigned char> MaskOf(const Json& arguments) {
+    return ParseHex("mask", arguments["mask"].get<std::string>());
 }
 
-/// The "data" of the arguments; where they have a "mask", only its bits, and the others as the master has
-/// them.
-std::vector<unsigned char> BytesToSet(Session& session, const Json& arguments) {
-    auto bytes = BytesOf(arguments);
-    if (!arguments.contains("mask"))
-        return bytes;
-    const auto mask = ParseHex("mask", arguments["mask"].get<std::string>());
-    const auto offset = arguments["offset"].get<std::size_t>();
+/// The slave's input bytes at that place, if the master has the bits of the mask there as they were set by
+/// now.
+std::optional<std::vector<unsigned char>> Shown(Session& session, const Json& arguments) {
     const auto held = TryAboutSlave(session, arguments["address"], &IDPVMModule::ReadSlaveInput);
-    for (std::size_t i = 0; held && i < bytes.size() && offset + i < held->size(); ++i)
-        bytes[i] = static_cast<unsigned char>(((*held)[offset + i] & ~mask[i]) | (bytes[i] & mask[i]));
-    return bytes;
+    const auto bytes = BytesOf(arguments);
+    const auto mask = MaskOf(arguments);
+    const auto offset = arguments["offset"].get<std::size_t>();
+    if (!held || offset + bytes.size() > held->size())
+        return std::nullopt;
+    const auto first = held->begin() + static_cast<std::ptrdiff_t>(offset);
+    std::vector<unsigned char> shown(first, first + static_cast<std::ptrdiff_t>(bytes.size()));
+    for (std::size_t i = 0; i < bytes.size(); ++i)
+        if (((shown[i] ^ bytes[i]) & mask[i]) != 0)
+            return std::nullopt;
+    return shown;
 }
 
 Json AnswerSet(Session& session, const Json& arguments) {
-    const auto bytes = BytesToSet(session, arguments);
-    session.SetInput(arguments["address"], arguments["offset"], bytes);
-    Json set = arguments;
-    set["data"] = HexDigits(bytes);
+    const auto bytes = BytesOf(arguments);
+    session.SetInput(arguments["address"], arguments["offset"], bytes, MaskOf(arguments));
     const auto start = System::DateTime::Now();
-    bool shows = Shows(session, set);
-    while (!shows && SecondsSince(start) < EXCHANGE_SECONDS)
-        shows = Shows(session, set);
-    Json facts{{"ok", shows}, {"offset", arguments["offset"]}};
-    facts.update(DataToJson(arguments, bytes));
+    auto shown = Shown(session, arguments);
+    while (!shown && SecondsSince(start) < EXCHANGE_SECONDS)
+        shown = Shown(session, arguments);
+    Json facts{{"ok", shown.has_value()}, {"offset", arguments["offset"]}};
+    facts.update(DataToJson(arguments, shown.value_or(bytes)));
     return facts;
 }
 
@@ -236,6 +232,7 @@ void TakeBytes(Json& arguments, const std::vector<std::string>& words) {
         throw CLI::ValidationError("BYTES",
                                    bytes.empty() ? "there are none" : "more than an offset and one word");
     arguments["data"] = HexDigits(bytes);
+    arguments["mask"] = HexDigits(std::vector<unsigned char>(bytes.size(), 0xFF));
     arguments["offset"] = words.size() > 1 ? ParseNumber("OFFSET", words.front(), 0, MAX_DATA_SIZE - 1) : 0;
 }
 

@@ -159,10 +159,11 @@ public:
     int CopyInputData(std::span<unsigned char> to) const;
     int CopyOutputData(std::span<unsigned char> to) const;
 
-    /// From the next exchange on the byte at `offset` of the input area is `value`, whatever the application
-    /// has in its array, until it is released or the module is reset. ArgumentOutOfRangeException for a byte
-    /// that is not mapped, NullReferenceException before the first power-on.
-    void HoldInput(unsigned short offset, unsigned char value);
+    /// From the next exchange on the bits of `mask` in the byte at `offset` of the input area are those of
+    /// `value`, whatever the application has in its array, until the byte is released or the module is reset.
+    /// They come beside those that are held of it already. ArgumentOutOfRangeException for a byte that is not
+    /// mapped, NullReferenceException before the first power-on.
+    void HoldInput(unsigned short offset, unsigned char value, unsigned char mask = 0xFF);
     void ReleaseInput(unsigned short offset);
 
     /// Records that a configuration download has still to send; 0 while none runs.

@@ -86,9 +86,9 @@ int Vt22Module::CopyOutputData(std::span<unsigned char> to) const {
     return output.HighestEnd();
 }
 
-void Vt22Module::HoldInput(unsigned short offset, unsigned char value) {
+void Vt22Module::HoldInput(unsigned short offset, unsigned char value, unsigned char mask) {
     RequireAreas();
-    _inArea->Hold(offset, value);
+    _inArea->Hold(offset, value, mask);
 }
 
 void Vt22Module::ReleaseInput(unsigned short offset) {
