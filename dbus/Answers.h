@@ -39,9 +39,10 @@ std::string CallerOf(const sdbus::IObject& object);
 std::unique_ptr<Question> Messages(std::vector<std::shared_ptr<Mailbox::IRequest>> requests,
                                    std::size_t deciding = 0);
 
-/// The communication reference of a slave's Class 2 connection.
+/// The communication reference of the Class 2 connection that clients have to a slave; the application's own
+/// is another one.
 inline unsigned short ReferenceOf(std::uint8_t address) {
-    return static_cast<unsigned short>(address + 1);
+    return static_cast<unsigned short>(0x100 + address + 1);
 }
 
 /// A question of a request that is made on a Class 2 connection to the slave, opened before and closed behind

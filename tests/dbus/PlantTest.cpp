@@ -226,6 +226,7 @@ PlantOptions Described() {
 TEST(PlantTest, ShowsAndChangesARunningModule) {
     const PrivateBus bus;
     Application application(bus, Described());
+    application.master->Class2Initiate(9, nullptr); // it has a connection of its own, beside those of clients
     application.Run();
     Client client(bus);
 
@@ -285,6 +286,9 @@ TEST(PlantTest, ShowsAndChangesARunningModule) {
     EXPECT_EQ(period.get<1>(), 250'000);
     EXPECT_EQ(period.get<4>()[17], period.get<0>()) << "of 2^17 to below 2^18 ns, every one";
     EXPECT_EQ(application.Pause(), "");
+    application.master->Class2Read(9, 1, 2, 2, nullptr);
+    for (int i = 0; i < 100; ++i) // which a refusal would end
+        application.Step();
 }
 
 TEST(PlantTest, RefusesWhatCannotBe) {
