@@ -54,6 +54,7 @@ static void Snapshot(benchmark::State& state) {
     const auto cycle = Publish(master, true);
     master.Raise(0x00); // so that the time of the data is known
     cycle->Update();
+    Vesk::DBus::Seam& seam = cycle->SeamFor(Question::Kind::SNAPSHOT);
     auto question = std::make_unique<Question>();
     question->kind = Question::Kind::SNAPSHOT;
     question->data.resize(BYTES);
@@ -70,9 +71,9 @@ static void Snapshot(benchmark::State& state) {
             benchmark::ClobberMemory();
         },
         [&] {
-            cycle->GetSeam().Ask(std::move(question));
+            seam.Ask(std::move(question));
             cycle->Update();
-            question = cycle->GetSeam().TakeAnswered();
+            question = seam.TakeAnswered();
         });
 }
 

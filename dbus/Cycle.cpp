@@ -17,7 +17,8 @@ namespace Vesk::DBus {
 using Outcome = Question::Outcome;
 using State = Modules::DPVM::Vt22Module::ModuleState_e;
 
-static constexpr int SERVICE_SECONDS = 3; // as for the library's own services
+/// Longer than any slave takes: a time-out comes out of the application's Update, and ends its life.
+static constexpr int REQUEST_SECONDS = 60;
 
 std::shared_ptr<Cycle> Cycle::Create(std::shared_ptr<Vt22Module> master, bool measures,
                                      std::function<void()> wake) {
@@ -184,50 +185,67 @@ private:
     unsigned int _ticket;
 };
 
+static std::string WordsOf(System::Exception& exception) {
+    return exception.Message().IsNull() ? exception.TypeName().Value() : exception.Message().Value();
+}
+
 void Cycle::Begin() {
-    _question = _seam.Take();
+    _question = _requests.Take();
     if (!_question)
         return;
     _request = 0;
+    if (!IsReady(*_question))
+        return Finish(_question->outcome, std::move(_question->why));
     try {
-        Perform();
+        Send();
     } catch (const std::shared_ptr<System::Exception>& exception) {
         if (_question)
-            Finish(Outcome::INVALID, exception->Message().IsNull() ? exception->TypeName().Value()
-                                                                   : exception->Message().Value());
+            Finish(Outcome::INVALID, WordsOf(*exception));
     }
 }
 
-void Cycle::Perform() {
-    if (_question->kind == Question::Kind::RELEASE)
-        return Release();
-    if (_facts.failure)
-        return Finish(Outcome::FAILED, _facts.failure->type + ": " + _facts.failure->message);
-    if (!_master || !_master->Initialized())
-        return Finish(Outcome::NOT_READY,
-                      _master ? "the module is " + Vt22Module::StateToString(_master->State()).Value()
-                              : "the application has no module");
-    switch (_question->kind) {
-    case Question::Kind::MESSAGES:
-        return Send();
-    case Question::Kind::SNAPSHOT:
-        return TakeSnapshot();
-    case Question::Kind::HOLD:
-        return Hold();
-    case Question::Kind::RELEASE:
-        break;
+void Cycle::AnswerOther() {
+    Question* const question = _others.Take();
+    if (!question)
+        return;
+    try {
+        Perform(*question);
+    } catch (const std::shared_ptr<System::Exception>& exception) {
+        question->outcome = Outcome::INVALID;
+        question->why = WordsOf(*exception);
     }
+    _others.Answer();
+    _wake();
 }
 
-void Cycle::TakeSnapshot() {
-    _question->data.resize(static_cast<std::size_t>(_master->CopyInputData(_question->data)));
-    _question->output.resize(static_cast<std::size_t>(_master->CopyOutputData(_question->output)));
-    _question->time = _heardOf != UNKNOWN ? _heardOf : Now();
-    Finish(Outcome::ANSWERED);
+void Cycle::Perform(Question& question) {
+    if (question.kind == Question::Kind::RELEASE)
+        Release(question.bytes);
+    else if (IsReady(question))
+        question.kind == Question::Kind::HOLD ? Hold(question.bytes) : TakeSnapshot(question);
 }
 
-void Cycle::Hold() {
-    const auto& bytes = _question->bytes;
+/// Whether the module can be asked; the question has its answer otherwise.
+bool Cycle::IsReady(Question& question) const {
+    if (_facts.failure) {
+        question.outcome = Outcome::FAILED;
+        question.why = _facts.failure->type + ": " + _facts.failure->message;
+    } else if (!_master || !_master->Initialized()) {
+        question.outcome = Outcome::NOT_READY;
+        question.why = _master ? "the module is " + Vt22Module::StateToString(_master->State()).Value()
+                               : "the application has no module";
+    } else
+        return true;
+    return false;
+}
+
+void Cycle::TakeSnapshot(Question& question) {
+    question.data.resize(static_cast<std::size_t>(_master->CopyInputData(question.data)));
+    question.output.resize(static_cast<std::size_t>(_master->CopyOutputData(question.output)));
+    question.time = _heardOf != UNKNOWN ? _heardOf : Now();
+}
+
+void Cycle::Hold(const std::vector<HeldByte>& bytes) {
     std::size_t done = 0;
     try {
         for (; done < bytes.size(); ++done)
@@ -239,7 +257,6 @@ void Cycle::Hold() {
     }
     for (const HeldByte& byte : bytes)
         _held[byte.offset].Add(byte);
-    Finish(Outcome::ANSWERED);
 }
 
 /// The byte, of which a moment ago bits could be held, as it was before.
@@ -260,18 +277,17 @@ void Cycle::HoldAgain() {
         }
 }
 
-void Cycle::Release() {
-    for (const HeldByte& byte : _question->bytes) {
+void Cycle::Release(const std::vector<HeldByte>& bytes) {
+    for (const HeldByte& byte : bytes) {
         _held[byte.offset] = {};
         if (_master && _master->Booted())
             _master->ReleaseInput(byte.offset);
     }
-    Finish(Outcome::ANSWERED);
 }
 
 void Cycle::Send() {
     _master->Enqueue(_question->requests[_request], std::make_shared<Answerer>(weak_from_this(), ++_ticket),
-                     SERVICE_SECONDS);
+                     REQUEST_SECONDS);
 }
 
 void Cycle::OnAnswer(Mailbox::IResponse& response) {
@@ -293,7 +309,7 @@ void Cycle::Finish(Outcome outcome, std::string why) {
     _question->outcome = outcome;
     _question->why = std::move(why);
     _question = nullptr;
-    _seam.Answer();
+    _requests.Answer();
     _wake();
 }
 

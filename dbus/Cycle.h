@@ -18,7 +18,7 @@ namespace Vesk::DBus {
 /// The application's side of the seam: updates the module, measures that, and answers what is asked. Update
 /// and the operations beside it are the application's thread's; the others may be called from the service's.
 ///
-/// An Update without a question costs that of the module, one atomic and a few comparisons; it allocates
+/// An Update without a question costs that of the module, two atomics and a few comparisons; it allocates
 /// nothing, takes no lock and asks the system for nothing but the time, twice, where it measures.
 class Cycle : public std::enable_shared_from_this<Cycle> {
 public:
@@ -32,8 +32,10 @@ public:
 
     /// What master->Update() throws passes through. InvalidOperationException without a module.
     void Update() {
-        if (_seam.IsAsked())
+        if (_requests.IsAsked())
             Begin();
+        if (_others.IsAsked())
+            AnswerOther();
         if (!_measures)
             return Step(UNKNOWN);
         const std::int64_t begun = Now();
@@ -46,7 +48,9 @@ public:
 
     // ---- the service
 
-    Seam& GetSeam() { return _seam; }
+    /// Where questions of that kind are asked. Requests to the module have a seam of their own: they last as
+    /// long as the module takes, and what the cycle answers by itself does not wait for them.
+    Seam& SeamFor(Question::Kind kind) { return kind == Question::Kind::MESSAGES ? _requests : _others; }
 
     /// The newest facts, for one reader.
     const Facts& GetFacts() { return _latest.Get(); }
@@ -83,10 +87,12 @@ private:
     void CountMessages();
 
     void Begin();
-    void Perform();
-    void TakeSnapshot();
-    void Hold();
-    void Release();
+    void AnswerOther();
+    void Perform(Question& question);
+    bool IsReady(Question& question) const;
+    void TakeSnapshot(Question& question);
+    void Hold(const std::vector<HeldByte>& bytes);
+    void Release(const std::vector<HeldByte>& bytes);
     void HoldAgain();
     void Restore(unsigned short offset);
     void Send();
@@ -98,7 +104,8 @@ private:
     const System::DateTime _origin = System::DateTime::Now();
     std::shared_ptr<Vt22Module> _master;
     const unsigned int* _masterInterrupts = nullptr;
-    Seam _seam;
+    Seam _requests;
+    Seam _others;
     int _seenState = NO_STATE;
     unsigned int _seenReports = 0;
     unsigned int _seenInterrupts = 0;
@@ -116,8 +123,8 @@ private:
     Facts _facts;
     Latest<Facts> _latest;
 
-    Question* _question = nullptr; // that is being answered
-    std::size_t _request = 0;      // the one of it that is with the module
+    Question* _question = nullptr; // whose requests the module is sent
+    std::size_t _request = 0;      // the one of them that is with it
     unsigned int _ticket = 0;      // of that request; answers to older ones are nobody's
     std::vector<HeldByte> _held;   // by offset; without a bit where nothing is held
     std::function<void()> _wake;

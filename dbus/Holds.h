@@ -31,7 +31,8 @@ public:
         hold.holder = holder;
     }
 
-    void Remove(unsigned short offset) { _holds.erase(offset); }
+    /// Whether it was held.
+    bool Remove(unsigned short offset) { return _holds.erase(offset) > 0; }
 
     /// Takes all bytes of a holder out of the book, of anybody for an empty name; they are to be released.
     std::vector<HeldByte> TakeOf(const std::string& holder) {

@@ -59,7 +59,8 @@ struct PlantOptions {
     bool control = false;
     /// Measures each Update, with two looks at the clock.
     bool measures = true;
-    /// How many requests may wait, and how many of one client; whoever comes then gets an error.
+    /// How many requests to the module may wait, and how many of one client; whoever comes then gets an
+    /// error. As many may wait of those that the application answers without the module.
     std::size_t waitingRequests = 64;
     std::size_t waitingOfOneClient = 8;
     /// How long a client's request may last, from its call on.

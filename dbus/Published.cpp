@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "dbus/Published.h"
 
+#include <algorithm>
 #include <chrono>
 #include <limits>
 #include <utility>
@@ -8,6 +9,11 @@
 namespace Vesk::DBus {
 
 static constexpr const char* TIME_IS_OVER = "the application did not answer in its time for requests";
+
+static Line::Limits LimitsIn(const PlantOptions& options) {
+    return {options.waitingRequests, options.waitingOfOneClient,
+            std::chrono::duration_cast<std::chrono::nanoseconds>(options.requestTime).count()};
+}
 
 Published::Published(std::string name, std::string path, std::shared_ptr<Cycle> cycle, SlaveTable slaves,
                      SignalTable signals, const PlantOptions& options)
@@ -19,9 +25,8 @@ Published::Published(std::string name, std::string path, std::shared_ptr<Cycle> 
       _slaves(std::move(slaves)),
       _signals(std::move(signals)),
       _facts(_cycle->GetFacts()),
-      _line(_cycle->GetSeam(),
-            {options.waitingRequests, options.waitingOfOneClient,
-             std::chrono::duration_cast<std::chrono::nanoseconds>(options.requestTime).count()}) {}
+      _requests(_cycle->SeamFor(Question::Kind::MESSAGES), LimitsIn(options)),
+      _others(_cycle->SeamFor(Question::Kind::RELEASE), LimitsIn(options)) {}
 
 std::uint64_t Published::WallTime(std::int64_t cycleTime) const {
     const auto now = std::chrono::duration_cast<std::chrono::nanoseconds>(
@@ -30,10 +35,15 @@ std::uint64_t Published::WallTime(std::int64_t cycleTime) const {
 }
 
 bool Published::Ask(const std::string& caller, std::unique_ptr<Question> question, Reply reply) {
-    const auto answer = [this, reply = std::move(reply)](Question& answered, DBus::End end) mutable {
-        Tell(reply, answered, end);
-    };
-    return _line.Add(caller, std::move(question), answer, _cycle->Now());
+    return Add(caller, std::move(question),
+               [this, reply = std::move(reply)](Question& answered, DBus::End end) mutable {
+                   Tell(reply, answered, end);
+               });
+}
+
+bool Published::Add(const std::string& caller, std::unique_ptr<Question> question, Line::Answer answer) {
+    Line& line = question->kind == Question::Kind::MESSAGES ? _requests : _others;
+    return line.Add(caller, std::move(question), std::move(answer), _cycle->Now());
 }
 
 void Published::Tell(Reply& reply, Question& answered, DBus::End end) {
@@ -60,32 +70,45 @@ bool Published::Hold(const std::string& caller, const std::vector<HeldByte>& byt
     const auto answer = [this, caller, bytes, reply = std::move(reply)](Question& answered,
                                                                         DBus::End end) mutable {
         if (end == DBus::End::ANSWERED && answered.outcome == Question::Outcome::ANSWERED) {
-            if (!reply) // nobody knows of it
+            if (!reply) { // nobody knows of it
+                for (const HeldByte& byte : bytes)
+                    _holds.Remove(byte.offset);
                 return ReleaseAll(bytes);
+            }
             for (const HeldByte& byte : bytes)
                 _holds.Add(byte, caller);
         }
         Tell(reply, answered, end);
     };
-    return _line.Add(caller, About(Question::Kind::HOLD, bytes), answer, _cycle->Now());
+    return Add(caller, About(Question::Kind::HOLD, bytes), answer);
 }
 
 bool Published::Release(const std::string& caller, unsigned short offset, Reply reply) {
-    return Ask(caller, About(Question::Kind::RELEASE, {{offset, 0, 0}}),
-               [this, offset, reply = std::move(reply)](Question& answered) {
-                   if (answered.outcome == Question::Outcome::ANSWERED)
-                       _holds.Remove(offset);
-                   reply(answered);
+    return Add(caller, About(Question::Kind::RELEASE, {{offset, 0, 0}}),
+               [this, offset, reply = std::move(reply)](Question& answered, DBus::End end) mutable {
+                   if (_holds.Remove(offset) && end != DBus::End::ANSWERED)
+                       ReleaseAll({{offset, 0, 0}}); // whoever asked for it has not waited
+                   Tell(reply, answered, end);
                });
 }
 
 void Published::ReleaseAll(std::vector<HeldByte> bytes) {
     if (!bytes.empty())
-        _line.AddDuty(About(Question::Kind::RELEASE, std::move(bytes)));
+        _others.AddDuty(About(Question::Kind::RELEASE, std::move(bytes)));
+}
+
+void Published::Advance() {
+    _requests.Advance(_cycle->Now());
+    _others.Advance(_cycle->Now());
+}
+
+void Published::End(const std::string& why) {
+    _requests.Close(why);
+    _others.Close(why);
 }
 
 std::int64_t Published::UntilDeadline() const {
-    const std::int64_t next = _line.NextDeadline();
+    const std::int64_t next = std::min(_requests.NextDeadline(), _others.NextDeadline());
     return next == std::numeric_limits<std::int64_t>::max() ? -1
                                                             : std::max<std::int64_t>(next - _cycle->Now(), 0);
 }
@@ -99,12 +122,14 @@ bool Published::Refresh(Facts& before) {
 }
 
 void Published::Leave(const std::string& caller) {
-    _line.Leave(caller);
+    _requests.Leave(caller);
+    _others.Leave(caller);
     ReleaseAll(_holds.TakeOf(caller));
 }
 
 void Published::LeaveAll() {
-    _line.LeaveAll();
+    _requests.LeaveAll();
+    _others.LeaveAll();
     ReleaseAll(_holds.TakeOf(""));
 }
 

@@ -59,7 +59,7 @@ public:
     bool Release(const std::string& caller, unsigned short offset, Reply reply);
 
     /// Goes on with what waits.
-    void Advance() { _line.Advance(_cycle->Now()); }
+    void Advance();
 
     /// Nanoseconds until a request ends without an answer; negative where none waits.
     std::int64_t UntilDeadline() const;
@@ -77,9 +77,10 @@ public:
     bool IsClosed() const { return _closed; }
 
     /// The service, then: all requests end with an error.
-    void End(const std::string& why) { _line.Close(why); }
+    void End(const std::string& why);
 
 private:
+    bool Add(const std::string& caller, std::unique_ptr<Question> question, Line::Answer answer);
     void Tell(Reply& reply, Question& answered, DBus::End end);
     void ReleaseAll(std::vector<HeldByte> bytes);
 
@@ -91,7 +92,8 @@ private:
     const SlaveTable _slaves;
     const SignalTable _signals;
     Facts _facts;
-    Line _line;
+    Line _requests; // to the module
+    Line _others;   // which do not wait for it
     Holds _holds;
     Counter _timedOut;
     std::atomic<bool> _closed{false};

@@ -18,7 +18,7 @@ using List = std::shared_ptr<System::IArray<unsigned char>>;
 
 namespace {
 
-/// Longer than any request of the plant to its module takes.
+/// Longer than a plant lets a request last, unless its application has chosen so.
 constexpr std::uint64_t ANSWER_MICROSECONDS = 10'000'000;
 
 RemoteModule::Bytes BytesOf(System::IArray<unsigned char>& array) {

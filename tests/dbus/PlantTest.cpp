@@ -159,10 +159,10 @@ public:
         return Pause();
     }
 
-    /// Updates until the module has one more request, whose answer takes 20 ms of its time.
-    void StepUntilRequest() {
+    /// Updates until the module has one more request, whose answer that fault strikes.
+    void StepUntilRequest(const std::string& fault) {
         const auto requests = [this] { return module.GetModule().Counted(VirtualModule::Counts::REQUESTS); };
-        module.GetModule().Strike("answer-late=20", 1);
+        module.GetModule().Strike(fault, 1);
         const unsigned before = requests();
         EXPECT_TRUE(Comes([&] {
             Step();
@@ -344,6 +344,7 @@ TEST(PlantTest, HoldsBytesUntilTheirHolderLeaves) {
     application.Run();
     Client watcher(bus);
     const auto input = [&] { return std::get<1>(watcher.GetProcessData()); };
+    std::future<std::string> unanswered;
     {
         Client holder(bus);
         holder.HoldInput({{2, 99, 0xFF}, {3, 98, 0xFF}});
@@ -363,10 +364,29 @@ TEST(PlantTest, HoldsBytesUntilTheirHolderLeaves) {
         EXPECT_EQ(watcher.Held().front().get<2>(), 0x83);
         watcher.ReleaseInput(3);
         EXPECT_TRUE(Comes([&] { return input() == Bytes{0xFF, 0xB9, 99, 6}; }));
+        application.Pause();
+        auto late = std::async(std::launch::async, [&] { return ErrorOf([&] { watcher.ReleaseInput(1); }); });
+        while (late.wait_for(std::chrono::milliseconds(1)) != std::future_status::ready)
+            application.clock.Advance(3'600'000'000'000);
+        EXPECT_THAT(late.get(), HasSubstr("Error.TimedOut"));
+        application.Run();
+        EXPECT_TRUE(Comes([&] {
+            return input() == Bytes{0xFF, 0x38, 99, 6};
+        })) << "it is released all the same";
+        application.Pause();
+        unanswered =
+            std::async(std::launch::async, [&] { return ErrorOf([&] { Client(bus).GetLiveList(); }); });
+        application.StepUntilRequest("mailbox-no-answer");
     }
-    EXPECT_TRUE(Comes([&] { return input() == Bytes{0xFF, 0x38, 5, 6}; }));
+    EXPECT_TRUE(Comes([&] {
+        application.Step(); // for less time than a client's request has
+        Bytes bytes(4);
+        application.master->CopyInputData(bytes);
+        return bytes == Bytes{0xFF, 0x38, 5, 6};
+    }));
     EXPECT_THAT(watcher.Held(), IsEmpty());
-    application.Pause();
+    application.plant = nullptr;
+    EXPECT_THAT(unanswered.get(), HasSubstr("Error.Failed"));
 }
 
 TEST(PlantTest, ShowsAFailureUntilTheApplicationGoesOn) {
@@ -530,7 +550,7 @@ TEST(PlantTest, IsBackWhenTheBusIs) {
         const auto proxy = sdbus::createProxy(*connection, "org.libvesk.Master.plant", "/org/libvesk/Master");
         return ErrorOf([&] { proxy->callMethod("GetLiveList").onInterface("org.libvesk.Master1"); });
     });
-    application.StepUntilRequest(); // which is answered when nobody waits for it any more
+    application.StepUntilRequest("answer-late=20"); // when nobody waits for it any more
     bus.End();
     EXPECT_NE(asked.get(), "none");
     EXPECT_TRUE(Comes([&] { return !application.plant->Published(); }));

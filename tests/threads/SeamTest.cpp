@@ -79,13 +79,16 @@ TEST(SeamTest, AnswersEachQuestionOnceWhileTheModuleRuns) {
     EXPECT_EQ(cycle.GetFacts().identity.moduleType, 0x0201);
 
     // Half of them have hardly any time: they are withdrawn, or answered when nobody wants it any more.
-    Line patient(cycle.GetSeam(), {8, 8, 1'000'000'000'000});
-    Line impatient(cycle.GetSeam(), {8, 8, 100'000});
+    constexpr Line::Limits PATIENT{8, 8, 1'000'000'000'000};
+    constexpr Line::Limits IMPATIENT{8, 8, 100'000};
+    Seam& requests = cycle.SeamFor(Question::Kind::MESSAGES);
+    Seam& snapshots = cycle.SeamFor(Question::Kind::SNAPSHOT);
+    Line lines[]{{requests, PATIENT}, {snapshots, PATIENT}, {requests, IMPATIENT}, {snapshots, IMPATIENT}};
     int answered = 0;
     int timedOut = 0;
     std::uint64_t updates = 0;
     for (int round = 0; round < 100; ++round) {
-        Line& line = round % 4 < 2 ? patient : impatient;
+        Line& line = lines[round % 4];
         bool first = true;
         EXPECT_TRUE(line.Add(
             ":1.1", Next(round),
@@ -113,11 +116,11 @@ TEST(SeamTest, AnswersEachQuestionOnceWhileTheModuleRuns) {
     application.over = true;
     thread.join();
     System::DateTime::SetSource(nullptr);
-    patient.Add(
+    lines[0].Add(
         ":1.1", Next(0), [&](Question& question, End) { answered = static_cast<int>(question.outcome); },
         cycle.Now());
-    patient.Advance(cycle.Now());
-    patient.Close("it has ended");
+    lines[0].Advance(cycle.Now());
+    lines[0].Close("it has ended");
     EXPECT_EQ(answered, static_cast<int>(Question::Outcome::FAILED));
 }
 
