@@ -76,14 +76,16 @@ TEST(ShellTest, EndsBySignalFromAPipe) {
 }
 
 #ifdef VESK_WITH_LIBEDIT
-TEST(ShellTest, CompletesAndKeepsTheLinesOfATerminal) {
-    const TemporaryFolder folder;
-    ::setenv("XDG_STATE_HOME", folder.Path("").c_str(), 1);
+TEST(ShellTest, GoesOnAtATerminalAndCompletesAndKeepsItsLines) {
+    const ModuleFiles files;
+    const auto module = files.StartModule({"--fault", "fatal@600x1"});
+    ::setenv("XDG_STATE_HOME", files.folder.Path("").c_str(), 1);
     ::setenv("TERM", "xterm", 1);
-    const ToolResult shell = RunTool::RunOnTerminal({"shell"}, "identi\t\nquit\n", "vesk> ");
+    const ToolResult shell = RunTool::RunOnTerminal(files.With({"shell", "--dumps", files.folder.Path("")}),
+                                                    "restart\nidenti\t\nquit\n", "The DPRAM is kept in ");
     EXPECT_EQ(shell.status, 0);
-    EXPECT_THAT(shell.out, HasSubstr("\nSerial "));
-    EXPECT_EQ(folder.Content("vesk/history"), "_HiStOrY_V2_\nidentify\\040\nquit\n");
+    EXPECT_THAT(shell.out, AllOf(HasSubstr("Another life has begun."), HasSubstr("\nSerial ")));
+    EXPECT_EQ(files.folder.Content("vesk/history"), "_HiStOrY_V2_\nrestart\nidentify\\040\nquit\n");
 }
 #endif
 

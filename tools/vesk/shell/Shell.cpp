@@ -144,7 +144,8 @@ void Shell::AddOwnCommands(CLI::App& program, int& status) {
         ->add_option("COMMAND", *words, "One of them")
         ->type_name("");
     add("restart", "Begin another life: the module is reset, and what was set is gone.", [this] {
-        _session.Own();
+        if (!_session.Owns())
+            _session.Own(); // which says whose it is
         _session.Restart();
         Say({{"restarted", true}}, "Another life has begun.\n");
     });
