@@ -173,7 +173,7 @@ constexpr std::array TABLE{
     Outcome{OWN, "The module saw the host break the protocol: *",
             "The host did what a module must never see.", "Keep the message.",
             "Report it: it is a fault of the library or of this program."},
-    // vesk flash, vesk set-address
+    // vesk flash, vesk run, vesk set-address
     Outcome{OWN, "There is no terminal to ask at; give --yes to write without being asked",
             "Something is to be written that cannot be taken back, and nobody can be asked.",
             "Check that it is what you want; vesk flash has --dry-run.", "Then give --yes."},

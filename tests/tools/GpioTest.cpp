@@ -3,6 +3,7 @@
 // in for libgpiod's and lead to a virtual module.
 #include "tests/support/RunTool.h"
 #include "tests/support/TestClock.h"
+#include "tools/vesk/jobs/Run.h"
 #include "tools/vesk/session/LinkOptions.h"
 #include "tools/vesk/session/OwnSession.h"
 #include "tools/vesk/session/PlantFlash.h"
@@ -13,6 +14,7 @@
 #include "vesk/lines/GpioLines.h"
 #endif
 #ifdef GPIOD_LINE_BULK_MAX_LINES // libgpiod 1.x, for which it stands in
+#include <sstream>
 #include <unistd.h>
 
 using namespace VeskTool;
@@ -150,6 +152,26 @@ TEST_F(GpioTest, TheLinesBringAModuleUp) {
     }
     EXPECT_EQ(requests.back(), "close");
     EXPECT_TRUE(virtualModule.GetModule().Violations().empty());
+}
+
+TEST_F(GpioTest, ARunAsksBeforeItDrivesAMachine) {
+    ASSERT_NE(std::freopen("/dev/null", "r", stdin), nullptr); // the wait for the answer ends at once
+    const char* const runs = "line 4 (boot): Input/output error";
+    for (const auto& [yes, asks, answer, outcome] : {std::tuple{false, false, "y", "; give --yes to do it"},
+                                                     {false, true, "n", "Nothing was written"},
+                                                     {false, true, "y", runs},
+                                                     {true, false, "", runs}}) {
+        std::stringstream words;
+        std::istringstream answers(answer);
+        failures = 0;
+        VeskTool::Run run({.configPath = "", .yes = yes}, Plant()->config,
+                          Open("gpiochip0:a:irq=17,reset=2,boot=4"), {words, words, answers, asks});
+        failures = EIO;
+        EXPECT_THAT([&] { run.Execute(); }, testing::ThrowsMessage<std::exception>(HasSubstr(outcome)));
+        const std::string question = "This would replace the database of the module at " +
+                                     virtualModule.DpRamPath() + " by the plant of the examples, and drive ";
+        EXPECT_EQ(words.str().starts_with(question), asks) << words.str();
+    }
 }
 
 TEST_F(GpioTest, TheInterruptCanBeWaitedFor) {

@@ -167,8 +167,10 @@ const std::vector<Command>& Commands() {
         {"run", TRIAL,
          "Power the module up, bring its database in line with CONFIG, exchange and check process data with "
          "every slave, use each kind of service, and do the start once more on the same flash.\n"
-         "The check expects the slaves of the virtual module, which send back what they get, and overwrites "
-         "a record of the first slave: do not run it on a machine.\n"
+         "The check expects the slaves of the virtual module, which send back what they get. At any other it "
+         "replaces the database, drives every output of every slave with a test pattern and overwrites a "
+         "record of the first slave; so it asks first where the lines are on a GPIO chip: do not run it on a "
+         "machine.\n"
          "Example: vesk run examples/plant.ddb --cycles 5000",
          AddRun, FAILED, ALONE},
         {"module", TRIAL,

@@ -43,6 +43,8 @@ Run::Run(Options options, std::shared_ptr<Config::IBusConfig> config, Link link,
 
 void Run::Execute() {
     const std::string name = _options.configPath.empty() ? "the plant of the examples" : _options.configPath;
+    if (_link.machine)
+        AskAtMachine(name);
     _report["config"] = name;
     _report["link"] = _link.description;
     Line("vesk run " + Harmless(name) + ", " + std::to_string(_config->SlaveAddresses()->Count()) +
@@ -56,6 +58,17 @@ void Run::Execute() {
     FirstLife();
     SecondLife();
     Summarize();
+}
+
+void Run::AskAtMachine(const std::string& name) const {
+    const std::string what = "replace the database of the " + _link.description + " by " + Harmless(name) +
+                             ", and drive every output of every slave with a test pattern";
+    if (!_options.yes && !_console.asks)
+        throw CLI::ValidationError("this would " + what +
+                                       ", and there is no terminal to ask at; give --yes to "
+                                       "do it without being asked, or --virtual to take a virtual module",
+                                   CLI::ExitCodes::RequiredError);
+    _console.Confirm(_options.yes, "This would " + what + ". Do it?");
 }
 
 void Run::FirstLife() {
@@ -261,6 +274,9 @@ Action AddRun(CLI::App& command) {
             "(a virtual module in this process works within Update)")
         ->check(CLI::Range(1, 99))
         ->type_name("PRIORITY");
+    command.add_flag("--yes", options->yes,
+                     "Do not ask at a machine, whose lines are on a GPIO chip; needed where there is no "
+                     "terminal");
     AddJson(command, options->json);
     const auto link = std::make_shared<LinkOptions>();
     link->AddTo(command);

@@ -20,16 +20,19 @@ public:
         unsigned int cycles = 1000;
         int priority = 0; // of real time; 0 for none
         bool json = false;
+        bool yes = false; // do not ask before a machine is driven
     };
 
     /// `config` is what the file in the options holds.
     Run(Options options, std::shared_ptr<Vesk::Modules::DPVM::Config::IBusConfig> config, Link link,
         const Console& console);
 
-    /// Failure, or an exception of the library, where something does not hold.
+    /// Failure, or an exception of the library, where something does not hold. At a machine it asks first;
+    /// CLI::ParseError where it cannot.
     void Execute();
 
 private:
+    void AskAtMachine(const std::string& name) const;
     void FirstLife();
     void SecondLife();
 

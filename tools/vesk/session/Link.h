@@ -20,6 +20,8 @@ struct Link {
     std::shared_ptr<System::IArgFunc<bool, void>> bootloader_enable_n;
     /// What the host did that a module must never see; only a virtual module tells.
     std::function<std::vector<std::string>()> violations;
+    /// Its lines are on a GPIO chip, so what it drives may move.
+    bool machine = false;
 };
 
 /// A new virtual module in this process, on a temporary DPRAM file and with `flash`. It lives as long as a

@@ -154,6 +154,7 @@ Link LinkOptions::Open(VirtualModule::Flash flash) const {
     CheckThere(*_dpRam.text, file ? "`vesk module` with this DPRAM" : "device of that name");
     Link link = file ? FileLink(*_lines.text) : GpioLink(gpio);
     link.description = opened = "module at " + *_dpRam.text;
+    link.machine = !file;
     link.dpRamPath = *_dpRam.text;
     link.offset = static_cast<int>(offset);
     return link;
