@@ -37,9 +37,11 @@ constexpr std::array TABLE{
     Outcome{OWN, "cannot be used: *", "The system does not give a file, a device or a line of a GPIO chip.",
             "Check the path, or the chip and its numbers, and who may use it.",
             "docs/hardware.md says how a group gets the right to devices."},
-    Outcome{OWN, "* is in use by *", "A module has one host at a time, and its files serve one module.",
-            "Look at the process that is named, and end it first.",
-            "vesk dump --dpram shows the DPRAM without disturbing it."},
+    Outcome{
+        OWN, "* is in use by *", "A module has one host at a time, and its files serve one module.",
+        "Look at the process that is named; if it publishes the module, which vesk plants shows, ask it with "
+        "--plant NAME.",
+        "Otherwise end it first; vesk dump --dpram shows the DPRAM without disturbing it."},
     // a module in software on D-Bus
     Outcome{OWN, "this vesk was built without sdbus-c++, which --publish needs",
             "The program has no way to D-Bus.", "Check which package of vesk is installed.",

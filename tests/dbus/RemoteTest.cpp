@@ -31,7 +31,7 @@ const std::string ASKED = "vesk: the application of plant press is asked, nothin
 /// An application with the plant of the examples, whose thread updates until something fails or it is ended.
 class Application {
 public:
-    Application(const PrivateBus& bus, bool control, VeskTool::Link link) {
+    Application(const PrivateBus& bus, bool control, VeskTool::Link link, const char* name = "press") {
         Vesk::DBus::PlantOptions options;
         options.bus = bus.Address();
         options.control = control;
@@ -40,7 +40,7 @@ public:
         _master = Vt22Module::Create(
             CreateHostInterface(link.dpRamPath, 0, link.velmoIrq_n, link.reset_n, link.bootloader_enable_n),
             ignore, ignore, System::ArgFunc<OperationMode_e, void>::Create([](OperationMode_e) {}), config);
-        _plant = Vesk::DBus::Plant::Publish("press", _master, config, options);
+        _plant = Vesk::DBus::Plant::Publish(name, _master, config, options);
         UpdateUntil([this] { return _master->Configured(); });
         VeskTool::InputData inputs;
         inputs.TakePlaces(config);
@@ -251,6 +251,8 @@ TEST_F(RemoteTest, AsksWhoHasTheModuleByItself) {
     EXPECT_EQ(with({"identify"}).err, ASKED);
     EXPECT_EQ(with({"status"}).status, 0);
     EXPECT_THAT(with({"download", ModuleFiles::PLANT}).err, HasSubstr("is in use by process"));
+    const Application other(bus, false, VeskTool::InProcessLink(VeskTool::PlantFlash()), "welder");
+    EXPECT_THAT(with({"identify"}).err, AllOf(HasSubstr("is in use by process"), HasSubstr("--plant NAME")));
     ModuleFiles::ExpectRightHost(*module);
 }
 

@@ -84,8 +84,8 @@ const std::vector<Command>& Commands() {
          "List the plants: modules that applications have and publish on D-Bus.\n"
          "With --plant NAME the commands that talk to a module ask the application, which goes on "
          "undisturbed: "
-         "nothing is reset. So they do by themselves where the module of --dpram is in use by such an "
-         "application.\n"
+         "nothing is reset. So they do by themselves where the lines file of --lines is in use by such an "
+         "application, which publishes one module; over GPIO lines --plant has to be given.\n"
          "write, mode, start, stop and set need an application that lets others change something.\n"
          "Example: vesk plants\n"
          "Example: vesk --plant press status",

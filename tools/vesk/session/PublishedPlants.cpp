@@ -61,6 +61,7 @@ void ForEach(const std::function<bool(const Bus& bus, const Vesk::DBus::Publishe
             bus = Vesk::DBus::OpenBus(name);
             plants = Vesk::DBus::ListPlants(*bus);
         } catch (const Vesk::DBus::BusException&) {
+            StopIfSignalled([](int) { return "while it looked for plants"; }); // which ends a call, too
             wrong = wrong ? wrong : std::current_exception();
             continue;
         }
@@ -73,19 +74,11 @@ void ForEach(const std::function<bool(const Bus& bus, const Vesk::DBus::Publishe
         std::rethrow_exception(wrong);
 }
 
-/// A session with the first plant for which `wanted` holds; null where there is none.
-std::unique_ptr<Session> OpenFirst(const std::function<bool(const Vesk::DBus::PublishedPlant&)>& wanted) {
-    std::unique_ptr<Session> session;
-    ForEach([&](const Bus& bus, const Vesk::DBus::PublishedPlant& plant, const std::string&) {
-        if (!wanted(plant))
-            return false;
-        WatchSignals();
-        session = std::make_unique<RemoteSession>(bus, plant);
-        LinkOptions::NoteOpened("plant " + plant.name);
-        std::cerr << "vesk: the application of plant " << Harmless(plant.name)
-                  << " is asked, nothing is reset" << std::endl;
-        return true;
-    });
+std::unique_ptr<Session> OpenPlant(const Bus& bus, const Vesk::DBus::PublishedPlant& plant) {
+    auto session = std::make_unique<RemoteSession>(bus, plant);
+    LinkOptions::NoteOpened("plant " + plant.name);
+    std::cerr << "vesk: the application of plant " << Harmless(plant.name) << " is asked, nothing is reset"
+              << std::endl;
     return session;
 }
 
@@ -101,10 +94,14 @@ std::vector<PublishedPlants::Plant> PublishedPlants::All() {
 }
 
 std::unique_ptr<Session> PublishedPlants::Open(const std::string& name) {
+    WatchSignals();
     std::vector<std::string> others;
-    auto session = OpenFirst([&](const Vesk::DBus::PublishedPlant& plant) {
+    std::unique_ptr<Session> session;
+    ForEach([&](const Bus& bus, const Vesk::DBus::PublishedPlant& plant, const std::string&) {
         others.push_back(plant.name);
-        return plant.name == name;
+        if (plant.name == name)
+            session = OpenPlant(bus, plant);
+        return session != nullptr;
     });
     if (!session)
         throw Failure("No plant is published as " + name +
@@ -114,7 +111,13 @@ std::unique_ptr<Session> PublishedPlants::Open(const std::string& name) {
 
 std::unique_ptr<Session> PublishedPlants::OpenThatOf(long process) {
     try {
-        return OpenFirst([=](const Vesk::DBus::PublishedPlant& plant) { return plant.process == process; });
+        std::vector<std::pair<Bus, Vesk::DBus::PublishedPlant>> found;
+        ForEach([&](const Bus& bus, const Vesk::DBus::PublishedPlant& plant, const std::string&) {
+            if (plant.process == process)
+                found.emplace_back(bus, plant);
+            return false;
+        });
+        return found.size() == 1 ? OpenPlant(found[0].first, found[0].second) : nullptr;
     } catch (const Vesk::DBus::BusException&) {
         return nullptr; // then nobody has published it
     }

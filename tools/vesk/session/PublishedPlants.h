@@ -35,7 +35,8 @@ public:
     /// none.
     static std::unique_ptr<Session> Open(const std::string& name);
 
-    /// The same for the plant of that process; null where it has none, or there is no bus.
+    /// A session with the plant of that process; null where it has none, or more than one, of which nobody
+    /// knows the module, or where there is no bus. Signals have to be watched already.
     static std::unique_ptr<Session> OpenThatOf(long process);
 };
 
