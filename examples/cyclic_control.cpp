@@ -50,6 +50,8 @@ int main(int argc, char** argv) try {
             target = 0;
         }
         const bool driveThere = exchanging->Get(drive.ADDRESS / 8) >> drive.ADDRESS % 8 & 1;
+        if (target == 0 && !driveThere) // its bytes are 0 now, which says nothing about its speed
+            throw std::runtime_error("the drive is lost, and may not stand still");
         const int command = driveThere ? speed + std::clamp(target - speed, -50, 50) : 0;
         drive.SetSetpoint(static_cast<std::int16_t>(command));
         std::this_thread::sleep_until(next += std::chrono::milliseconds(1));

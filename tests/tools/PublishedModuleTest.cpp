@@ -167,6 +167,20 @@ TEST_F(PublishedModuleTest, AModelPlaysTheSlaves) {
     ExpectRightHost(*module);
 }
 
+#ifdef EXAMPLES
+TEST_F(PublishedModuleTest, ADriveThatIsLostDoesNotStandStill) {
+    RunTool::Text(With({"download", PLANT}));
+    constexpr std::uint8_t drive = 3;
+    Call("SetOutput", drive, Bytes{0x03, 0xE8, 0, 0}); // 1000 rpm, whatever it is told
+    Process example(EXAMPLES "/cyclic_control", {dpRam, lines, PLANT});
+    Await([&] { return inputs[drive].contains({0x03, 0xB6, 0, 0}); }); // it is to slow down
+    Call("RemoveSlave", drive);
+    EXPECT_EQ(example.Wait(), 1);
+    EXPECT_EQ(example.Out() + example.Err(),
+              "running at 1000 rpm\nthe drive is lost, and may not stand still\n");
+}
+#endif
+
 TEST_F(PublishedModuleTest, TheExampleFollowsItsSetPoint) {
     constexpr const char* python = "/usr/bin/python3";
     if (RunTool::Run({"-c", "import dbus, gi"}, python).status != 0)
