@@ -5,6 +5,8 @@
 #include "tests/support/PrivateBus.h"
 #include "tests/support/RunTool.h"
 
+#include "dbus/remote/Bus.h"
+#include "tools/vesk/monitor/Watcher.h"
 #include "tools/vesk/session/Link.h"
 #include "tools/vesk/session/PlantFlash.h"
 #include "tools/vesk/session/ProcessData.h"
@@ -311,6 +313,24 @@ TEST_F(RemoteTest, MonitorsAPlant) {
         EXPECT_LE(line.size(), 80U) << line;
     EXPECT_THAT(once, AllOf(StartsWith(" press   INITIALIZED   OPERATE "),
                             HasSubstr("\n    0 . . . X X[X]. . X X    to it, 12 bytes\n")));
+    const auto connection = Vesk::DBus::OpenBus(bus.Address());
+    VeskTool::RemoteSession session(connection, Vesk::DBus::ListPlants(*connection).at(0));
+    VeskTool::Watcher watcher(session, 40);
+    watcher.LookOnce();
+    using enum VeskTool::Key;
+    for (const auto& [key, slave, dataAbove] : {std::tuple{PAGE_DOWN, 40U, 10U},
+                                                {PAGE_UP, 40U, 0U},
+                                                {PAGE_UP, 40U, 0U},
+                                                {PAGE_DOWN, 40U, 10U},
+                                                {NEXT, 3U, 0U},
+                                                {NEXT, 4U, 0U},
+                                                {PREVIOUS, 3U, 0U},
+                                                {PREVIOUS, 40U, 0U},
+                                                {PREVIOUS, 33U, 0U}}) {
+        watcher.Take(key);
+        EXPECT_EQ(watcher.Shown().slave, slave);
+        EXPECT_EQ(watcher.Shown().dataAbove, dataAbove);
+    }
     ::setenv("TERM", "xterm-mono", 1);
     const auto drawn = RunTool::RunOnTerminal(ToPlant({"monitor"}), "q", "q ends");
     EXPECT_EQ(drawn.status, 0) << drawn.out;
