@@ -19,11 +19,20 @@ public:
         bool operator==(const Hold&) const = default;
     };
 
-    /// Who else than `caller` holds the byte; empty where nobody does.
+    /// Who else than `caller` holds or claims the byte; empty where nobody does.
     std::string HeldByAnother(unsigned short offset, const std::string& caller) const {
         const auto hold = _holds.find(offset);
-        return hold == _holds.end() || hold->second.holder == caller ? "" : hold->second.holder;
+        const auto claim = _claims.find(offset);
+        const std::string& holder = hold != _holds.end()     ? hold->second.holder
+                                    : claim != _claims.end() ? claim->second
+                                                             : caller;
+        return holder == caller ? "" : holder;
     }
+
+    /// Keeps the byte for whoever wants it held, until it is known what has come of that.
+    void Claim(unsigned short offset, const std::string& caller) { _claims[offset] = caller; }
+
+    void EndClaim(unsigned short offset) { _claims.erase(offset); }
 
     void Add(const HeldByte& bits, const std::string& holder) {
         Hold& hold = _holds[bits.offset];
@@ -50,6 +59,7 @@ public:
 
 private:
     std::map<unsigned short, Hold> _holds;
+    std::map<unsigned short, std::string> _claims;
 };
 
 } // namespace Vesk::DBus

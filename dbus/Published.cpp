@@ -69,6 +69,8 @@ static std::unique_ptr<Question> About(Question::Kind kind, std::vector<HeldByte
 bool Published::Hold(const std::string& caller, const std::vector<HeldByte>& bytes, Reply reply) {
     const auto answer = [this, caller, bytes, reply = std::move(reply)](Question& answered,
                                                                         DBus::End end) mutable {
+        if (reply)
+            EndClaims(bytes);
         if (end == DBus::End::ANSWERED && answered.outcome == Question::Outcome::ANSWERED) {
             if (!reply) { // nobody knows of it
                 for (const HeldByte& byte : bytes)
@@ -80,7 +82,17 @@ bool Published::Hold(const std::string& caller, const std::vector<HeldByte>& byt
         }
         Tell(reply, answered, end);
     };
-    return Add(caller, About(Question::Kind::HOLD, bytes), answer);
+    for (const HeldByte& byte : bytes)
+        _holds.Claim(byte.offset, caller);
+    const bool added = Add(caller, About(Question::Kind::HOLD, bytes), answer);
+    if (!added)
+        EndClaims(bytes);
+    return added;
+}
+
+void Published::EndClaims(const std::vector<HeldByte>& bytes) {
+    for (const HeldByte& byte : bytes)
+        _holds.EndClaim(byte.offset);
 }
 
 bool Published::Release(const std::string& caller, unsigned short offset, Reply reply) {

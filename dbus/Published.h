@@ -82,6 +82,7 @@ public:
 private:
     bool Add(const std::string& caller, std::unique_ptr<Question> question, Line::Answer answer);
     void Tell(Reply& reply, Question& answered, DBus::End end);
+    void EndClaims(const std::vector<HeldByte>& bytes);
     void ReleaseAll(std::vector<HeldByte> bytes);
 
     const std::string _name;

@@ -365,6 +365,18 @@ TEST(PlantTest, HoldsBytesUntilTheirHolderLeaves) {
         watcher.ReleaseInput(3);
         EXPECT_TRUE(Comes([&] { return input() == Bytes{0xFF, 0xB9, 99, 6}; }));
         application.Pause();
+        const auto take = [](Client& client) { return ErrorOf([&] { client.HoldInput({{0, 1, 0x80}}); }); };
+        Client rival(bus);
+        auto one = std::async(std::launch::async, take, std::ref(rival));
+        auto two = std::async(std::launch::async, take, std::ref(watcher));
+        const auto ends = [](auto& call) {
+            return call.wait_for(std::chrono::seconds(0)) == std::future_status::ready;
+        };
+        EXPECT_TRUE(Comes([&] { return ends(one) || ends(two); })) << "while the application stands still";
+        application.Run();
+        EXPECT_NE(one.get() == "none", two.get() == "none");
+        watcher.ReleaseInput(0);
+        application.Pause();
         auto late = std::async(std::launch::async, [&] { return ErrorOf([&] { watcher.ReleaseInput(1); }); });
         while (late.wait_for(std::chrono::milliseconds(1)) != std::future_status::ready)
             application.clock.Advance(3'600'000'000'000);
