@@ -17,6 +17,7 @@
 #include <iostream>
 #include <sysexits.h>
 #include <systemd/sd-daemon.h>
+#include <utility>
 
 using namespace Vesk::Modules::DPVM;
 using Response = std::shared_ptr<Vesk::Mailbox::IResponse>;
@@ -24,6 +25,7 @@ using std::chrono::milliseconds;
 
 static constexpr int PRIORITY = 49; // below the kernel's interrupt threads
 static constexpr std::int16_t SET_POINT = 1000;
+static constexpr std::chrono::seconds SILENCE{70}; // a client's request may keep the module for 60
 
 static volatile std::sig_atomic_t ends = 0;
 static int failed = EXIT_FAILURE; // the status after a failure
@@ -46,19 +48,27 @@ static void Configure(Vesk::DBus::Plant& plant, Vt22Module& master) try {
     throw;
 }
 
-/// Until a signal comes. The module is asked for something twice a second: its answer is the sign of life,
-/// for a module that has fallen silent says nothing by itself.
+/// Until a signal comes. Twice a second systemd is told that the cycle is alive, and the module is asked for
+/// something, for one that has fallen silent says nothing by itself.
 static void Run(Vesk::DBus::Plant& plant, Vt22Module& master, const Plant::Conveyor1& drive) {
-    const auto answered =
-        System::ArgFunc<Response, void>::Create([](const Response&) { sd_notify(0, "WATCHDOG=1"); });
     auto next = std::chrono::steady_clock::now();
+    auto heard = next;
+    bool waiting = false;
+    const auto answered = System::ArgFunc<Response, void>::Create([&](const Response&) {
+        heard = next;
+        waiting = false;
+    });
     for (auto due = next; !ends; std::this_thread::sleep_until(next += milliseconds(1))) {
         plant.Update();
         drive.SetSetpoint(SET_POINT);
-        if (next >= due) {
+        if (next < due)
+            continue;
+        due += milliseconds(500);
+        sd_notify(0, "WATCHDOG=1");
+        if (next - heard > SILENCE)
+            throw std::runtime_error("the module has fallen silent");
+        if (!std::exchange(waiting, true))
             master.GetLiveList(answered);
-            due += milliseconds(500);
-        }
     }
 }
 
