@@ -226,6 +226,7 @@ void RemoteModule::Class2Write(unsigned char slaveAddress, unsigned char slot, u
 void RemoteModule::HoldInput(const std::vector<HeldBits>& bytes, ResponseAction responseAction) {
     CheckControls();
     std::vector<sdbus::Struct<std::uint16_t, std::uint8_t, std::uint8_t>> held;
+    held.reserve(bytes.size());
     for (const HeldBits& bits : bytes)
         held.emplace_back(bits.offset, bits.value, bits.mask);
     Call(CONTROL_INTERFACE, "HoldInput", false, std::move(responseAction), held);
