@@ -227,15 +227,12 @@ void Cycle::Perform(Question& question) {
 
 /// Whether the module can be asked; the question has its answer otherwise.
 bool Cycle::IsReady(Question& question) const {
-    if (_facts.failure) {
-        question.outcome = Outcome::FAILED;
-        question.why = _facts.failure->type + ": " + _facts.failure->message;
-    } else if (!_master || !_master->Initialized()) {
-        question.outcome = Outcome::NOT_READY;
-        question.why = _master ? "the module is " + Vt22Module::StateToString(_master->State()).Value()
-                               : "the application has no module";
-    } else
+    if (!_facts.failure && _master && _master->Initialized())
         return true;
+    question.outcome = _facts.failure ? Outcome::FAILED : Outcome::NOT_READY;
+    question.why = _facts.failure ? _facts.failure->type + ": " + _facts.failure->message
+                   : _master      ? "the module is " + Vt22Module::StateToString(_master->State()).Value()
+                                  : "the application has no module";
     return false;
 }
 

@@ -65,8 +65,8 @@ void Run::AskAtMachine(const std::string& name) const {
                              ", and drive every output of every slave with a test pattern";
     if (!_options.yes && !_console.asks)
         throw CLI::ValidationError("this would " + what +
-                                       ", and there is no terminal to ask at; give --yes to "
-                                       "do it without being asked, or --virtual to take a virtual module",
+                                       ", and there is no terminal to ask at; give --yes to do it without "
+                                       "being asked, or --virtual to take a virtual module",
                                    CLI::ExitCodes::RequiredError);
     _console.Confirm(_options.yes, "This would " + what + ". Do it?");
 }
